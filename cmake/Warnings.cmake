@@ -1,0 +1,11 @@
+# Warnings and sanitizers for every target of the project. Warnings are errors.
+add_library(halcyra_options INTERFACE)
+target_include_directories(halcyra_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(halcyra_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wcast-align)
+if(HALCYRA_SANITIZE)
+  target_compile_options(halcyra_options INTERFACE
+    -fsanitize=${HALCYRA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(halcyra_options INTERFACE -fsanitize=${HALCYRA_SANITIZE})
+endif()

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jet/Value.h"
+
+namespace jet {
+
+/// A column of a table, as it is or as it should be made.
+struct ColumnSpec {
+  std::string name;
+  ColumnType type = ColumnType::Long;
+  std::uint16_t length = 0;      ///< text: most characters, 1..255; binary: most bytes, 1..510; else ignored
+  bool autoNumber = false;       ///< long only: numbered by the engine when a row is added
+  bool compressed = true;        ///< text and memo: stored with a byte a character where that is shorter
+  bool required = false;         ///< Null is refused
+  bool allowZeroLength = false;  ///< text and memo: an empty text is allowed
+  std::optional<std::string> defaultValue;  ///< the default's expression text: a constant, as "0", "False", "\"QB\""
+  std::uint8_t precision = 18;   ///< decimal: digits in all, 1..28
+  std::uint8_t scale = 0;        ///< decimal: digits after the point, 0..precision
+};
+
+struct IndexColumn {
+  std::string name;
+  bool ascending = true;
+};
+
+/// An index of a table, as it is or as it should be made.
+struct IndexSpec {
+  std::string name;
+  std::vector<IndexColumn> columns;  ///< 1 to 10
+  bool primary = false;      ///< the table's primary key: unique, no Nulls; at most one a table
+  bool unique = false;       ///< no two rows with the same key; keys with a Null do not count
+  bool required = false;     ///< no Nulls
+  bool ignoreNulls = false;  ///< rows with Null in every column have no entry
+  bool foreign = false;      ///< read only: made for a relationship
+};
+
+struct TableSpec {
+  std::string name;
+  std::vector<ColumnSpec> columns;  ///< 1 to 255
+  std::vector<IndexSpec> indexes;   ///< up to 32
+};
+
+/// A table as it stands in the file.
+struct TableInfo : TableSpec {
+  bool isSystem = false;
+  std::uint32_t rowCount = 0;
+};
+
+/// A relationship: columns of `table` (the foreign key) refer to columns of `parentTable`.
+struct RelationInfo {
+  std::string name;
+  std::string table;
+  std::vector<std::string> columns;
+  std::string parentTable;
+  std::vector<std::string> parentColumns;
+  bool enforced = true;
+  bool cascadeUpdates = false;
+  bool cascadeDeletes = false;
+};
+
+}  // namespace jet

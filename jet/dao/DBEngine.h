@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "jet/dao/Database.h"
+
+namespace jet {
+
+class FileSystem;
+
+/// Told of every call of the access objects before it is carried out; may raise an error in its place.
+/// For counting statements, tracing, and failing on purpose in tests.
+class CallObserver {
+ public:
+  virtual ~CallObserver() = default;
+  /// `call` is the member's name as in "Database.OpenRecordset", "Recordset.MoveNext", "Field.Value" (reading),
+  /// "Field.Value=" (assigning); `detail` the statement, file or column name where there is one.
+  virtual void OnCall(const char* call, const std::string& detail) = 0;
+};
+
+/// Settings of an engine, all with working defaults.
+struct EngineOptions {
+  std::size_t cacheBytes = std::size_t{64} << 20;  ///< most bytes of unchanged pages kept per open database
+  std::shared_ptr<FileSystem> files;               ///< none: the file system of the machine
+  std::shared_ptr<CallObserver> observer;          ///< none: nobody is told
+};
+
+/// Properties of a database made from nothing.
+struct CreateOptions {
+  std::string password;         ///< up to 20 UTF-16 units; empty: none
+  bool encode = false;          ///< code the pages (RC4) with a key of the file's own
+};
+
+/// The engine: opens and creates database files. Cheap; keep one per thread. Databases outlive it safely.
+class DBEngine {
+ public:
+  explicit DBEngine(EngineOptions options = {});
+
+  /// Opens a database file. `exclusive`: while it is open, no other process and no other connection can open it.
+  /// `connect` is a list of items separated by `;`; `pwd=` (any case) carries the password. A file without a
+  /// password opens with any. Raises FileNotFound, InvalidFileName, PathNotFound, NotADatabase, PasswordRejected,
+  /// FileInUse, FileHeldExclusively, PermissionDenied, DamagedFile.
+  ///
+  /// A shared open that is not read-only holds the file as an exclusive one does, but only against other writers.
+  std::shared_ptr<Database> OpenDatabase(const std::string& name, bool exclusive = false, bool readOnly = false,
+                                         const std::string& connect = {});
+
+  /// Makes a new database file with empty system tables and opens it exclusively. Raises ObjectExists when the
+  /// file is there; when it fails, no file is left behind.
+  std::shared_ptr<Database> CreateDatabase(const std::string& name, const CreateOptions& options = {});
+
+ private:
+  EngineOptions m_options;
+};
+
+}  // namespace jet

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace jet {
+
+/// What the engine asks of an open file. Implemented for each system in a folder of its own below this one, and
+/// by the doubles in tests/support/. The lock taken when it was opened is held until the object goes.
+class File {
+ public:
+  virtual ~File() = default;
+
+  /// Size in bytes.
+  virtual std::uint64_t Size() const = 0;
+  /// Fills `into` from `offset`: all of it, or raises ReadFailed.
+  virtual void Read(std::uint64_t offset, std::span<std::byte> into) = 0;
+  /// Writes all of `from` at `offset`, growing the file if needed, or raises DiskFull, PermissionDenied or ReadFailed.
+  virtual void Write(std::uint64_t offset, std::span<const std::byte> from) = 0;
+  /// Cuts or extends (with zeros) the file to `size` bytes.
+  virtual void Resize(std::uint64_t size) = 0;
+  /// When it returns, earlier writes survive a power cut.
+  virtual void Sync() = 0;
+};
+
+/// How a file is opened and what others may do with it meanwhile.
+struct OpenMode {
+  bool exclusive = true;   ///< no other open of the file, in this or another process, while it is open
+  bool readOnly = false;
+  bool create = false;     ///< make a new file; raises ObjectExists when there is one
+};
+
+/// What the engine asks of a file system. Names are UTF-8; `\` separates folders on every system, and `/` too.
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  /// Raises InvalidFileName (`*`, `?`, control characters), PathNotFound, FileNotFound, PermissionDenied,
+  /// FileHeldExclusively or FileInUse (see OpenMode::exclusive), ObjectExists.
+  virtual std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) = 0;
+  virtual bool Exists(const std::string& name) = 0;
+  /// Removes a file; one that is not there is no error.
+  virtual void Remove(const std::string& name) = 0;
+  /// Renames a file over whatever has the new name, atomically, and makes the renaming durable.
+  virtual void Replace(const std::string& from, const std::string& to) = 0;
+};
+
+/// The file system of the machine. Lives for ever.
+std::shared_ptr<FileSystem> SystemFiles();
+
+}  // namespace jet
