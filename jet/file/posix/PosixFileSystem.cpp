@@ -1,0 +1,298 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "jet/Error.h"
+#include "jet/file/File.h"
+#include "jet/file/FileNames.h"
+
+namespace jet {
+namespace {
+
+std::string ToSystemName(std::string name) {
+  std::replace(name.begin(), name.end(), '\\', '/');
+  return name;
+}
+
+std::string ReasonOf(int error) {
+  return std::generic_category().message(error);
+}
+
+/// Raises what the system's `error` means for an open file or for a name.
+[[noreturn]] void RaiseFor(int error, const std::string& name, const std::string& action) {
+  switch (error) {
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      throw Error(ErrorNumber::PermissionDenied, "No permission to " + action + " '" + name + "'.");
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      throw Error(ErrorNumber::DiskFull, "The disk is full: could not " + action + " '" + name + "'.");
+    case ENAMETOOLONG:
+      throw Error(ErrorNumber::InvalidFileName, "'" + name + "' is too long for a file name.");
+    case ENOENT:
+      throw Error(ErrorNumber::FileNotFound, "Could not find the file '" + name + "'.");
+    case ENOTDIR:
+    case ELOOP:
+      throw Error(ErrorNumber::PathNotFound, "The folder of '" + name + "' does not exist.");
+    case ETXTBSY:
+      throw Error(ErrorNumber::FileInUse, "'" + name + "' is in use.");
+    default:
+      throw Error(ErrorNumber::ReadFailed,
+                  "Could not " + action + " '" + name + "': " + ReasonOf(error) + ".");
+  }
+}
+
+/// A file descriptor that closes itself.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : m_number(number) {}
+  Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(m_number, other.m_number);
+    return *this;
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() {
+    if (m_number >= 0) ::close(m_number);
+  }
+  int Number() const { return m_number; }
+  bool IsOpen() const { return m_number >= 0; }
+
+ private:
+  int m_number;
+};
+
+/// Repeats a system call for as long as signals interrupt it.
+template <typename Call>
+auto Uninterrupted(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR)
+    result = call();
+  return result;
+}
+
+Descriptor OpenDescriptor(const std::string& systemName, int flags) {
+  return Descriptor(Uninterrupted([&] { return ::open(systemName.c_str(), flags | O_CLOEXEC, 0666); }));
+}
+
+class PosixFile final : public File {
+ public:
+  PosixFile(Descriptor descriptor, std::string name, bool readOnly)
+      : m_descriptor(std::move(descriptor)), m_name(std::move(name)), m_readOnly(readOnly) {}
+
+  std::uint64_t Size() const override {
+    struct stat status {};
+    if (::fstat(m_descriptor.Number(), &status) != 0) RaiseFor(errno, m_name, "read");
+    return static_cast<std::uint64_t>(status.st_size);
+  }
+
+  void Read(std::uint64_t offset, std::span<std::byte> into) override {
+    while (!into.empty()) {
+      const ssize_t count = Uninterrupted([&] {
+        return ::pread(m_descriptor.Number(), into.data(), into.size(), static_cast<off_t>(offset));
+      });
+      if (count < 0) RaiseFor(errno, m_name, "read");
+      if (count == 0) {
+        throw Error(ErrorNumber::ReadFailed, "Could not read '" + m_name + "': it ends at byte " +
+                                                 std::to_string(offset) + ", too early.");
+      }
+      offset += static_cast<std::uint64_t>(count);
+      into = into.subspan(static_cast<std::size_t>(count));
+    }
+  }
+
+  void Write(std::uint64_t offset, std::span<const std::byte> from) override {
+    RefuseIfReadOnly();
+    while (!from.empty()) {
+      const ssize_t count = Uninterrupted([&] {
+        return ::pwrite(m_descriptor.Number(), from.data(), from.size(), static_cast<off_t>(offset));
+      });
+      if (count < 0) RaiseFor(errno, m_name, "write");
+      if (count == 0) RaiseFor(ENOSPC, m_name, "write");  // no progress and no reason given
+      offset += static_cast<std::uint64_t>(count);
+      from = from.subspan(static_cast<std::size_t>(count));
+    }
+  }
+
+  void Resize(std::uint64_t size) override {
+    RefuseIfReadOnly();
+    if (Uninterrupted([&] { return ::ftruncate(m_descriptor.Number(), static_cast<off_t>(size)); }) != 0) {
+      RaiseFor(errno, m_name, "resize");
+    }
+  }
+
+  void Sync() override {
+    if (m_readOnly) return;
+    if (Uninterrupted([&] { return ::fdatasync(m_descriptor.Number()); }) != 0)
+      RaiseFor(errno, m_name, "write");
+  }
+
+ private:
+  void RefuseIfReadOnly() const {
+    if (m_readOnly)
+      throw Error(ErrorNumber::PermissionDenied, "'" + m_name + "' was opened for reading only.");
+  }
+
+  Descriptor m_descriptor;
+  std::string m_name;
+  bool m_readOnly;
+};
+
+class PosixFileSystem final : public FileSystem {
+ public:
+  std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) override {
+    file_names::Check(name);
+    const std::string systemName = ToSystemName(name);
+    // Another process may put a new file in the place of the one that was just opened and not yet locked.
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+      Descriptor descriptor =
+          mode.create ? Create(name, systemName) : OpenExisting(name, systemName, mode.readOnly);
+      try {
+        Lock(descriptor, name, mode);
+        if (IsNamed(descriptor, systemName)) {
+          RefuseIfShared(name);
+          return std::make_unique<PosixFile>(std::move(descriptor), name, mode.readOnly);
+        }
+      } catch (const Error&) {
+        if (mode.create && IsNamed(descriptor, systemName)) ::unlink(systemName.c_str());
+        throw;
+      }
+    }
+    throw Error(ErrorNumber::FileInUse, "'" + name + "' is being replaced by someone else.");
+  }
+
+  bool Exists(const std::string& name) override {
+    struct stat status {};
+    return !name.empty() && ::stat(ToSystemName(name).c_str(), &status) == 0;
+  }
+
+  void Remove(const std::string& name) override {
+    file_names::Check(name);
+    if (::unlink(ToSystemName(name).c_str()) == 0 || errno == ENOENT || errno == ENOTDIR) return;
+    if (errno == EISDIR)
+      throw Error(ErrorNumber::PermissionDenied, "'" + name + "' is a folder, not a file.");
+    RaiseFor(errno, name, "remove");
+  }
+
+  void Replace(const std::string& from, const std::string& to) override {
+    file_names::Check(from);
+    file_names::Check(to);
+    const std::string target = FollowLinks(ToSystemName(to));
+    if (::rename(ToSystemName(from).c_str(), target.c_str()) != 0) RaiseFor(errno, to, "replace");
+    SyncFolder(target);
+  }
+
+ private:
+  static constexpr int kAttempts = 10;
+
+  static Descriptor Create(const std::string& name, const std::string& systemName) {
+    Descriptor descriptor = OpenDescriptor(systemName, O_RDWR | O_CREAT | O_EXCL);
+    if (!descriptor.IsOpen()) {
+      if (errno == EEXIST) throw Error(ErrorNumber::ObjectExists, "The file '" + name + "' exists already.");
+      RaiseOpenFailed(errno, name, systemName, "create");
+    }
+    SyncFolder(systemName);
+    return descriptor;
+  }
+
+  static Descriptor OpenExisting(const std::string& name, const std::string& systemName, bool readOnly) {
+    // Without O_NONBLOCK opening a pipe would wait for somebody to write into it; files do not care.
+    Descriptor descriptor = OpenDescriptor(systemName, (readOnly ? O_RDONLY : O_RDWR) | O_NONBLOCK);
+    const int error = errno;
+    struct stat status {};
+    const bool known = descriptor.IsOpen() ? ::fstat(descriptor.Number(), &status) == 0
+                                           : ::stat(systemName.c_str(), &status) == 0;
+    if (known && S_ISDIR(status.st_mode)) {
+      throw Error(ErrorNumber::PermissionDenied, "'" + name + "' is a folder, not a file.");
+    }
+    if (known && !S_ISREG(status.st_mode)) {
+      throw Error(ErrorNumber::NotADatabase, "'" + name + "' is not a file that can hold a database.");
+    }
+    if (!descriptor.IsOpen()) RaiseOpenFailed(error, name, systemName, readOnly ? "read" : "write");
+    return descriptor;
+  }
+
+  [[noreturn]] static void RaiseOpenFailed(int error, const std::string& name, const std::string& systemName,
+                                           const std::string& action) {
+    const std::string folder = file_names::Folder(systemName);
+    struct stat status {};
+    if (error == ENOENT && !folder.empty() && ::stat(folder.c_str(), &status) != 0) error = ENOTDIR;
+    RaiseFor(error, name, action);
+  }
+
+  /// The lock belongs to this one opening of the file: a second opening conflicts, also in the same process.
+  static void Lock(const Descriptor& descriptor, const std::string& name, const OpenMode& mode) {
+    const bool alone = mode.exclusive || !mode.readOnly;
+    if (TryLock(descriptor, name, alone ? LOCK_EX : LOCK_SH)) return;
+    if (mode.exclusive && !TryLock(descriptor, name, LOCK_SH)) {
+      throw Error(ErrorNumber::FileHeldExclusively, "'" + name + "' is opened exclusively by someone else.");
+    }
+    throw Error(ErrorNumber::FileInUse, "'" + name + "' is in use by someone else.");
+  }
+
+  static bool TryLock(const Descriptor& descriptor, const std::string& name, int kind) {
+    if (Uninterrupted([&] { return ::flock(descriptor.Number(), kind | LOCK_NB); }) == 0) return true;
+    if (errno == EWOULDBLOCK) return false;
+    RaiseFor(errno, name, "lock");
+  }
+
+  static bool IsNamed(const Descriptor& descriptor, const std::string& systemName) {
+    struct stat opened {};
+    struct stat named {};
+    return ::fstat(descriptor.Number(), &opened) == 0 && ::stat(systemName.c_str(), &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+  }
+
+  /// Programs that share a database lock ranges of a file beside it. One that nobody locks was left by a
+  /// crash.
+  static void RefuseIfShared(const std::string& name) {
+    for (const char* extension : {".ldb", ".LDB"}) {
+      const std::string lockFile = file_names::WithExtension(name, extension);
+      const Descriptor descriptor = OpenDescriptor(ToSystemName(lockFile), O_RDONLY | O_NONBLOCK);
+      if (!descriptor.IsOpen()) continue;
+      struct flock wanted {};
+      wanted.l_type = F_WRLCK;
+      wanted.l_whence = SEEK_SET;
+      if (::fcntl(descriptor.Number(), F_GETLK, &wanted) == 0 && wanted.l_type != F_UNLCK) {
+        throw Error(ErrorNumber::FileInUse,
+                    "'" + name + "' is in use: somebody holds its lock file '" + lockFile + "'.");
+      }
+    }
+  }
+
+  static std::string FollowLinks(const std::string& systemName) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(systemName.c_str(), nullptr),
+                                                           &std::free);
+    return real ? std::string(real.get()) : systemName;
+  }
+
+  /// Makes new and changed names in the folder of `systemName` durable. Not every file system can; that is no
+  /// error.
+  static void SyncFolder(const std::string& systemName) {
+    const std::string folder = file_names::Folder(systemName);
+    const Descriptor descriptor = OpenDescriptor(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY);
+    if (descriptor.IsOpen()) Uninterrupted([&] { return ::fsync(descriptor.Number()); });
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<FileSystem> SystemFiles() {
+  static const std::shared_ptr<FileSystem> files = std::make_shared<PosixFileSystem>();
+  return files;
+}
+
+}  // namespace jet
