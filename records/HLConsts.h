@@ -1,0 +1,13 @@
+#pragma once
+
+/// Constants that several parts of the component share.
+namespace HLDataSrvc::HLConsts {
+
+/// Title of every message box.
+inline constexpr char kServiceTitle[] = "Halcyra Service";
+/// Separates an operation's sentence from the error's description in messages.
+inline constexpr char kLineBreak[] = "\r\n";
+/// Begins the key of every record that is held under its identifier.
+inline constexpr char kRecordKeyPrefix[] = "K";
+
+}  // namespace HLDataSrvc::HLConsts

@@ -1,0 +1,112 @@
+#include "storage/CsvReader.h"
+
+#include <string_view>
+#include <utility>
+
+namespace HLDataSrvc {
+namespace {
+
+constexpr int kEnd = std::char_traits<char>::eof();
+
+// The length of the UTF-8 character at the start of `text`, or 0 when there is none: cut off, overlong, a
+// surrogate or past the last code point.
+std::size_t Utf8Length(std::string_view text) {
+  const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+  const unsigned char lead = byte(0);
+  if (lead < 0x80) return 1;
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+  }
+  const bool isOutOfRange = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) > 0x9F) ||
+                            (lead == 0xF0 && byte(1) < 0x90) || (lead == 0xF4 && byte(1) > 0x8F);
+  return isOutOfRange ? 0 : length;
+}
+
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t length = Utf8Length(text);
+    if (length == 0) return false;
+    text.remove_prefix(length);
+  }
+  return true;
+}
+
+}  // namespace
+
+CsvReader::CsvReader(std::istream& in, std::string file) : m_in(in), m_file(std::move(file)) {
+  SkipByteOrderMark();
+}
+
+void CsvReader::SkipByteOrderMark() {
+  for (const int expected : {0xEF, 0xBB, 0xBF}) {
+    if (m_in.peek() != expected)
+      return;  // less than the whole mark is no UTF-8: refused with the first field
+    m_in.get();
+  }
+}
+
+bool CsvReader::Next(std::vector<std::string>& fields) {
+  while (m_in.peek() != kEnd) {
+    m_recordLine = m_line;
+    fields.clear();
+    bool isQuoted = false;
+    FieldEnd end = FieldEnd::Comma;
+    while (end == FieldEnd::Comma) {
+      isQuoted = isQuoted || m_in.peek() == '"';
+      end = ReadField(fields.emplace_back());
+    }
+    const bool isEmptyLine = fields.size() == 1 && fields[0].empty() && !isQuoted;
+    if (!isEmptyLine) return true;
+  }
+  return false;
+}
+
+void CsvReader::Refuse(const std::string& reason) const {
+  throw CsvError(m_file, m_recordLine, reason);
+}
+
+CsvReader::FieldEnd CsvReader::ReadField(std::string& field) {
+  const FieldEnd end = m_in.peek() == '"' ? ReadQuoted(field) : ReadPlain(field);
+  CheckText(field);
+  return end;
+}
+
+CsvReader::FieldEnd CsvReader::ReadPlain(std::string& field) {
+  for (int c = m_in.get();; c = m_in.get()) {
+    if (c == ',' || c == '\n' || c == '\r' || c == kEnd) return EndAt(c);
+    if (c == '"') Refuse("A quote stands inside a field that does not begin with one.");
+    field += static_cast<char>(c);
+  }
+}
+
+CsvReader::FieldEnd CsvReader::ReadQuoted(std::string& field) {
+  m_in.get();
+  for (int c = m_in.get();; c = m_in.get()) {
+    if (c == kEnd) Refuse("A quoted field is not closed.");
+    if (c == '"') {
+      if (m_in.peek() != '"') return EndAt(m_in.get());
+      m_in.get();
+    }
+    if (c == '\n') ++m_line;
+    field += static_cast<char>(c);
+  }
+}
+
+CsvReader::FieldEnd CsvReader::EndAt(int c) {
+  if (c == ',') return FieldEnd::Comma;
+  if (c == kEnd) return FieldEnd::Text;
+  if (c == '\r' && m_in.peek() == '\n') c = m_in.get();
+  if (c == '\r') Refuse("A carriage return is not followed by a line feed.");
+  if (c != '\n') Refuse("A quoted field is followed by more text.");
+  ++m_line;
+  return FieldEnd::Line;
+}
+
+void CsvReader::CheckText(const std::string& field) const {
+  if (!IsUtf8(field)) Refuse("The text is not UTF-8.");
+  if (field.find('\0') != field.npos) Refuse("The text holds a null character.");
+}
+
+}  // namespace HLDataSrvc

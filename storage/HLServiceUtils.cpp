@@ -1,0 +1,144 @@
+#include "storage/HLServiceUtils.h"
+
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "jet/Error.h"
+#include "jet/dao/Database.h"
+
+namespace HLDataSrvc::HLServiceUtils {
+namespace {
+
+constexpr char kFileNamePrefix[] = "Halcyra - ";
+constexpr char kFileExtension[] = ".mdb";
+constexpr char kFolderSeparator[] = "\\";
+constexpr char kParentFolder[] = "\\..";
+constexpr char kDatabasesFolder[] = "Databases";
+
+std::optional<jet::DBEngine>& EngineOfThread() {
+  thread_local std::optional<jet::DBEngine> engine;
+  return engine;
+}
+
+std::shared_ptr<jet::Database> OpenExclusively(const std::string& path) {
+  return Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false, GetConnectString());
+}
+
+bool IsHeldByAnother(const jet::Error& error) {
+  return error.Number() == jet::ErrorNumber::FileHeldExclusively ||
+         error.Number() == jet::ErrorNumber::FileInUse;
+}
+
+// Opens the file in place of the one that `database` holds.
+void OpenInPlaceOf(std::shared_ptr<jet::Database>& database, const std::string& path) {
+  try {
+    database = OpenExclusively(path);
+    return;
+  } catch (const jet::Error& error) {
+    if (!IsHeldByAnother(error) || !database || database->Name() != path) throw;
+  }
+  // The one who holds the file may be `database` itself. Its changes are all written: letting go loses
+  // nothing.
+  database.reset();
+  database = OpenExclusively(path);
+}
+
+template <typename Work>
+bool Trap(std::string& errorMessage, Work&& work) {
+  try {
+    return work();
+  } catch (const std::exception& error) {
+    errorMessage = error.what();
+    return false;
+  }
+}
+
+}  // namespace
+
+std::string GetDatabaseFileName(HLIData::DBType kind, const std::string& firstPart,
+                                const std::string& secondPart) {
+  std::string name = kFileNamePrefix;
+  switch (kind) {
+    case HLIData::DBType::Live:
+      name += "Live";
+      break;
+    case HLIData::DBType::Test:
+      name += "Test";
+      break;
+    case HLIData::DBType::Blank:
+      name += "Blank";
+      break;
+    case HLIData::DBType::Backup:
+      name += "Backup - ";
+      name += firstPart.empty() || secondPart.empty() ? "*" : firstPart + " - " + secondPart;
+      break;
+    case HLIData::DBType::Setup:
+      name += "Setup";
+      break;
+  }
+  return name + kFileExtension;
+}
+
+std::string GetDatabaseFolder(const Host& host) {
+  const std::string applicationFolder = host.ApplicationFolder();
+  const std::string probe = kFolderSeparator + GetDatabaseFileName(HLIData::DBType::Live, "", "");
+  const auto holdsLiveFile = [&](const std::string& folder) {
+    return !host.FindFile(folder + probe).empty();
+  };
+
+  if (!IsDevelopmentLayout()) return holdsLiveFile(applicationFolder) ? applicationFolder : std::string();
+  const std::string twoAbove =
+      applicationFolder + kParentFolder + kParentFolder + kFolderSeparator + kDatabasesFolder;
+  if (holdsLiveFile(twoAbove)) return twoAbove;
+  const std::string oneAbove = applicationFolder + kParentFolder + kFolderSeparator + kDatabasesFolder;
+  return holdsLiveFile(oneAbove) ? oneAbove : std::string();
+}
+
+std::string GetDatabasePath(const Host& host, HLIData::DBType kind, const std::string& firstPart,
+                            const std::string& secondPart) {
+  return GetDatabaseFolder(host) + kFolderSeparator + GetDatabaseFileName(kind, firstPart, secondPart);
+}
+
+bool IsDevelopmentLayout() {
+#ifdef HALCYRA_DEVELOPMENT_LAYOUT
+  return true;
+#else
+  return false;
+#endif
+}
+
+std::string GetConnectString() {
+  return std::string("MS Access;pwd=") + kDatabasePassword;
+}
+
+bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr<jet::Database>& database,
+                      std::string& errorMessage) {
+  return Trap(errorMessage, [&] {
+    if (host.FindFile(path).empty()) {
+      errorMessage = "Database file: " + path + " is missing.";
+      return false;
+    }
+    OpenInPlaceOf(database, path);
+    return true;
+  });
+}
+
+bool OpenDatabaseByKind(const Host& host, HLIData::DBType kind, std::shared_ptr<jet::Database>& database,
+                        std::string& errorMessage) {
+  return Trap(errorMessage, [&] {
+    return OpenDatabaseFile(host, GetDatabasePath(host, kind, "", ""), database, errorMessage);
+  });
+}
+
+jet::DBEngine& Engine() {
+  auto& engine = EngineOfThread();
+  if (!engine) engine.emplace();
+  return *engine;
+}
+
+void ReplaceEngine(jet::EngineOptions options) {
+  EngineOfThread().emplace(std::move(options));
+}
+
+}  // namespace HLDataSrvc::HLServiceUtils

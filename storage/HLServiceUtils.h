@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "HLDataSrvc/Host.h"
+#include "HLIData/Types.h"
+#include "jet/dao/DBEngine.h"
+
+/// From a kind of database to its folder, its file and an open handle.
+///
+/// Folders and names are joined with `\` and stay as they are, parent references included: so they appear in
+/// messages.
+namespace HLDataSrvc::HLServiceUtils {
+
+/// The password of every league file.
+inline constexpr char kDatabasePassword[] = "talwep83rn";
+
+/// The file name of a kind. The two parts count for a backup only: they name one particular backup, and with
+/// either of them empty the name is a pattern for all backups. A kind without a name gives "Halcyra - .mdb".
+std::string GetDatabaseFileName(HLIData::DBType kind, const std::string& firstPart,
+                                const std::string& secondPart);
+
+/// The folder that holds the live file, empty when none does: whatever kind is wanted, it is the live file
+/// that is looked for. It is the application folder or, in the development layout, a folder "Databases" one
+/// or two steps above.
+std::string GetDatabaseFolder(const Host& host);
+
+/// The folder, a `\` and the file name. With no folder found it begins with the `\`.
+std::string GetDatabasePath(const Host& host, HLIData::DBType kind, const std::string& firstPart,
+                            const std::string& secondPart);
+
+/// Whether the component runs inside its source tree: a switch of the build, off in delivered ones.
+bool IsDevelopmentLayout();
+
+/// The connect string with the database password.
+std::string GetConnectString();
+
+/// Opens a database file exclusively, for reading and writing. On failure it answers false with the reason in
+/// `errorMessage`, and leaves `database` as it was; it raises nothing.
+///
+/// `database` may hold the very file that is to be opened, which no second connection can open: it is then
+/// let go of first, and should the file no longer open, which nothing but a loss of the file in that moment
+/// brings about, it comes back empty.
+bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr<jet::Database>& database,
+                      std::string& errorMessage);
+
+/// The same for the file of a kind.
+bool OpenDatabaseByKind(const Host& host, HLIData::DBType kind, std::shared_ptr<jet::Database>& database,
+                        std::string& errorMessage);
+
+/// The database engine of this thread, made on first use and kept for as long as the thread lives.
+jet::DBEngine& Engine();
+
+/// Replaces this thread's engine by one with other options. Databases that are open stay open.
+void ReplaceEngine(jet::EngineOptions options);
+
+}  // namespace HLDataSrvc::HLServiceUtils
