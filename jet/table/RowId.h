@@ -5,10 +5,9 @@
 #include <cstdint>
 #include <functional>
 
-namespace jet {
+#include "jet/file/PageStore.h"
 
-/// Number of a page of the file; page 0 is the database header.
-using PageNumber = std::uint32_t;
+namespace jet {
 
 /// Where a row lives: the page and the slot of its home. A row that outgrew its page keeps its RowId.
 struct RowId {
@@ -21,5 +20,7 @@ struct RowId {
 
 template <>
 struct std::hash<jet::RowId> {
-  std::size_t operator()(const jet::RowId& row) const noexcept { return (std::size_t{row.page} << 8) | row.slot; }
+  std::size_t operator()(const jet::RowId& row) const noexcept {
+    return (std::size_t{row.page} << 8) | row.slot;
+  }
 };

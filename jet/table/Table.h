@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 #include "jet/Value.h"
@@ -14,22 +14,12 @@
 #include "jet/format/TableDefinition.h"
 #include "jet/table/Index.h"
 #include "jet/table/RowId.h"
+#include "jet/table/RowStore.h"
 
 namespace jet {
 
 class Store;
-
-/// A row's bytes, pinned in the page cache for as long as this lives.
-class RowRef {
- public:
-  RowRef() = default;
-  RowRef(PageHandle page, std::span<const std::byte> bytes) : m_page(std::move(page)), m_bytes(bytes) {}
-  std::span<const std::byte> Bytes() const { return m_bytes; }
-
- private:
-  PageHandle m_page;
-  std::span<const std::byte> m_bytes;
-};
+struct CatalogEntry;
 
 /// A column's rules that are kept beside the definition, in the table's properties.
 struct ColumnRules {
@@ -38,8 +28,8 @@ struct ColumnRules {
   std::optional<std::string> defaultValue;  ///< the expression's text
 };
 
-/// A change of one column of a row: the column's position in the definition's list and the value, already of the
-/// kind that the column holds.
+/// A change of one column of a row: the column's position in the definition's list and the value, already of
+/// the kind that the column holds.
 struct ColumnValue {
   std::size_t column = 0;
   Value value;
@@ -47,23 +37,28 @@ struct ColumnValue {
 
 /// One table of an open database: its rows and its indexes.
 ///
-/// Owned by the Store. Reading needs nothing; Insert, Update and Delete run inside a change unit of the Store's Pager
-/// and keep indexes, usage maps, counts and enforced relationships right; when they raise, the caller rolls the unit
-/// back. All raise DamagedFile for bytes that contradict the format.
+/// Owned by the Store. Reading needs nothing; Insert, Update and Delete run inside a change unit of the
+/// Store's Pager and keep indexes, usage maps, counts and enforced relationships right; when they raise, the
+/// caller rolls the unit back. All raise DamagedFile for bytes that contradict the format.
 class Table {
  public:
-  const std::string& Name() const;
-  const format::TableDefinition& Definition() const;
+  /// Reads the definition of the table that `entry` of the catalog names.
+  Table(Store& store, const CatalogEntry& entry);
+  Table(const Table&) = delete;
+  Table& operator=(const Table&) = delete;
+
+  const std::string& Name() const { return m_name; }
+  const format::TableDefinition& Definition() const { return m_definition; }
   /// The rules of column `column` of the definition's list.
   const ColumnRules& Rules(std::size_t column) const;
   /// Position of a column in the definition's list; its name in any case.
   std::optional<std::size_t> FindColumn(std::string_view name) const;
-  bool IsSystem() const;
+  bool IsSystem() const { return m_isSystem; }
   /// Live rows, as the definition counts them.
   std::uint32_t RowCount() const;
 
   /// The row at `id`, through the pointer of a moved row; none when there is no live row of this table there.
-  std::optional<RowRef> Fetch(RowId id) const;
+  std::optional<RowRef> Fetch(RowId id) const { return m_rows->Fetch(id); }
   /// A column's value in a row. Reads long values whole.
   Value Read(const RowRef& row, std::size_t column) const;
   /// A text or memo column's value into `text`, without building a Value; false for Null.
@@ -71,32 +66,91 @@ class Table {
 
   /// Adds a row. Columns that are not named are Null; yes/no columns false; automatic numbers are given.
   /// Default values are the caller's business. Raises NullInPrimaryKey, NullInRequiredColumn, ZeroLengthText,
-  /// DuplicateKey, NoReferredRow, RecordTooLarge, FileTooLarge, FeatureNotSupported (an index that cannot be kept).
+  /// DuplicateKey, NoReferredRow, RecordTooLarge, FileTooLarge, FeatureNotSupported (an index that cannot be
+  /// kept).
   RowId Insert(std::span<const ColumnValue> values);
-  /// Changes columns of a row; the others keep their very bytes. Raises as Insert does, RowDeleted, RowIsReferred.
+  /// Changes columns of a row; the others keep their very bytes. Raises as Insert does, RowDeleted,
+  /// RowIsReferred.
   void Update(RowId id, std::span<const ColumnValue> values);
   /// Raises RowDeleted, RowIsReferred.
   void Delete(RowId id);
 
   /// Real indexes, in the order of the definition.
-  std::size_t IndexCount() const;
-  const Index& IndexAt(std::size_t number) const;
+  std::size_t IndexCount() const { return m_indexes.size(); }
+  const Index& IndexAt(std::size_t number) const { return m_indexes[number].index; }
+  /// Positions in the definition's list of the columns of a real index, in the order of the index.
+  const std::vector<std::size_t>& IndexColumns(std::size_t number) const { return m_indexes[number].columns; }
   /// Number of the real index that serves the primary key.
   std::optional<std::size_t> PrimaryIndex() const;
   /// The name people know a real index by: its plain or primary logical index, else its relationship's.
   std::string IndexName(std::size_t number) const;
+
+  const RowStore& Rows() const { return *m_rows; }
+  Store& Owner() const { return *m_store; }
+
+  /// Reads the definition and the rules anew, after a change of the schema or the undoing of one.
+  void Reload();
+
+ private:
+  struct TableIndex {
+    Index index;
+    std::vector<std::size_t> columns;
+  };
+  /// Values of a row by position in the definition's list; Null for columns that nobody asked for.
+  using RowValues = std::vector<Value>;
+  struct KeyOfRow {
+    std::optional<KeyBytes> bytes;  ///< none: the key's form is not known
+    bool anyNull = false;
+    bool hasEntry = true;  ///< false: the index leaves the row out
+  };
+
+  RowValues IndexedValues(const RowRef& row) const;
+  KeyOfRow KeyFor(const TableIndex& index, const RowValues& values) const;
+  void CheckRules(std::size_t column, const Value& value) const;
+  void CheckKeyNulls(std::size_t index, const RowValues& values) const;
+  void CheckUnique(std::size_t index, const KeyOfRow& key, const RowValues& values,
+                   std::optional<RowId> self) const;
+  void CheckParent(const format::LogicalIndexDefinition& relation, const RowValues& values) const;
+  void CheckChildren(const format::LogicalIndexDefinition& relation, RowId id, const RowValues& oldValues,
+                     const RowValues* newValues, int depth);
+  void UpdateRow(RowId id, std::span<const ColumnValue> values, int depth);
+  void DeleteRow(RowId id, int depth);
+  void AddEntry(std::size_t index, const KeyOfRow& key, RowId id);
+  void RemoveEntry(std::size_t index, const KeyOfRow& key, RowId id);
+  Bytes StoredValue(const format::ColumnDefinition& column, const Value& value);
+  std::string DescribeKey(std::size_t index, const RowValues& values) const;
+  void GiveAutomaticValues(RowValues& values, std::vector<bool>& given);
+  void AddToRowCount(std::int32_t difference);
+  const Table& Partner(const format::LogicalIndexDefinition& relation, std::size_t& realIndex) const;
+
+  Store* m_store;
+  std::string m_name;
+  bool m_isSystem;
+  RowId m_catalogRow;
+  format::TableDefinition m_definition;
+  std::vector<TableIndex> m_indexes;
+  std::unique_ptr<RowStore> m_rows;
+  mutable std::optional<std::vector<ColumnRules>> m_rules;  // read from the properties when first asked for
 };
 
 /// Walks the live rows of a table in storage order: pages in ascending number, slots in ascending number.
 /// Rows that the caller deletes or adds while walking may or may not be met.
 class TableScan {
  public:
-  explicit TableScan(const Table& table);
+  explicit TableScan(const Table& table) : m_table(&table) {}
   /// To the next row; false at the end.
   bool Next();
-  RowId Id() const;
+  RowId Id() const { return m_id; }
   /// The current row.
-  const RowRef& Row() const;
+  const RowRef& Row() const { return m_row; }
+
+ private:
+  const Table* m_table;
+  PageHandle m_page;
+  std::size_t m_nextSlot = 0;
+  PageNumber m_nextPage = 0;
+  RowId m_id;
+  RowRef m_row;
 };
 
 }  // namespace jet

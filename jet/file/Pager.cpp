@@ -1,0 +1,176 @@
+#include "jet/file/Pager.h"
+
+#include <algorithm>
+#include <cassert>
+
+#include "jet/Error.h"
+
+namespace jet {
+
+using detail::Frame;
+
+namespace {
+constexpr std::size_t kLeastPages = 16;
+constexpr std::size_t kKeptBuffers = 64;
+}  // namespace
+
+Pager::Pager(std::unique_ptr<PageStore> store, std::size_t cacheBytes)
+    : m_store(std::move(store)),
+      m_capacity(std::max(kLeastPages, cacheBytes / kPageSize)),
+      m_pageCount(m_store->PageCount()) {}
+
+Pager::~Pager() = default;
+
+PageHandle Pager::Load(PageNumber number) {
+  if (m_cached >= m_capacity) Evict();
+  // Read before the frame is entered: a page that cannot be read leaves no trace.
+  auto frame = std::make_unique<Frame>();
+  frame->number = number;
+  frame->recentlyUsed = true;
+  m_store->Read(number, frame->bytes);
+  if (m_frames.size() <= number) m_frames.resize(std::max<std::size_t>(number + 1, m_pageCount));
+  m_frames[number] = std::move(frame);
+  ++m_cached;
+  return PageHandle(m_frames[number].get());
+}
+
+void Pager::Evict() {
+  // Second chance: a page used since the last visit is passed over once. Changed and pinned pages stay,
+  // whatever the bound.
+  for (std::size_t steps = 0; steps < 2 * m_frames.size() && m_cached >= m_capacity; ++steps) {
+    m_clock = m_clock + 1 < m_frames.size() ? m_clock + 1 : 0;
+    std::unique_ptr<Frame>& frame = m_frames[m_clock];
+    if (frame == nullptr || frame->pins != 0 || frame->level != 0) continue;
+    if (frame->recentlyUsed) {
+      frame->recentlyUsed = false;
+      continue;
+    }
+    frame.reset();
+    --m_cached;
+  }
+}
+
+std::unique_ptr<PageBytes> Pager::TakeBuffer() {
+  if (m_buffers.empty()) return std::make_unique<PageBytes>();
+  auto buffer = std::move(m_buffers.back());
+  m_buffers.pop_back();
+  return buffer;
+}
+
+void Pager::GiveBuffer(std::unique_ptr<PageBytes> buffer) {
+  if (buffer != nullptr && m_buffers.size() < kKeptBuffers) m_buffers.push_back(std::move(buffer));
+}
+
+void Pager::SaveBefore(Frame& frame, bool isNew) {
+  const auto current = static_cast<std::uint32_t>(m_levels.size());
+  assert(current > 0 && "pages are changed inside a change unit only");
+  if (frame.level == current) return;
+  std::unique_ptr<PageBytes> before;
+  if (!isNew) {
+    before = TakeBuffer();
+    *before = frame.bytes;
+  }
+  m_levels.back().undos.push_back({&frame, std::move(before), frame.level});
+  frame.level = current;
+}
+
+MutablePage Pager::Change(PageNumber number) {
+  const PageHandle page = Get(number);
+  Frame& frame = *m_frames[number];
+  SaveBefore(frame, false);
+  return MutablePage(&frame);
+}
+
+MutablePage Pager::Append() {
+  if (m_pageCount >= kMaxPages) {
+    throw Error(ErrorNumber::FileTooLarge, "The file '" + FileName() + "' would grow past 2 GiB.");
+  }
+  if (m_cached >= m_capacity) Evict();
+  const PageNumber number = m_pageCount;
+  if (m_frames.size() <= number) m_frames.resize(number + 1);
+  auto frame = std::make_unique<Frame>();
+  frame->bytes.fill(std::byte{0});
+  frame->number = number;
+  SaveBefore(*frame, true);
+  m_frames[number] = std::move(frame);
+  ++m_cached;
+  ++m_pageCount;
+  return MutablePage(m_frames[number].get());
+}
+
+void Pager::NoteFreed(PageNumber number) {
+  assert(InUnit());
+  std::uint64_t& when = m_freed[number];
+  m_levels.back().freed.emplace_back(number, when);
+  when = ++m_moment;
+}
+
+void Pager::Begin() {
+  m_levels.push_back({{}, {}, m_pageCount});
+}
+
+void Pager::Commit() {
+  Level& level = m_levels.back();
+  if (m_levels.size() > 1) {
+    Level& outer = m_levels[m_levels.size() - 2];
+    const auto outerLevel = static_cast<std::uint32_t>(m_levels.size() - 1);
+    for (Undo& undo : level.undos) {
+      undo.frame->level = outerLevel;
+      if (undo.previousLevel == outerLevel) {
+        GiveBuffer(std::move(undo.before));
+      } else {
+        outer.undos.push_back(std::move(undo));
+      }
+    }
+    outer.freed.insert(outer.freed.end(), level.freed.begin(), level.freed.end());
+    m_levels.pop_back();
+    return;
+  }
+  std::sort(level.undos.begin(), level.undos.end(),
+            [](const Undo& a, const Undo& b) { return a.frame->number < b.frame->number; });
+  std::vector<ChangedPage> changes;
+  changes.reserve(level.undos.size());
+  for (const Undo& undo : level.undos) {
+    if (undo.before != nullptr && *undo.before == undo.frame->bytes) continue;
+    changes.push_back({undo.frame->number, undo.before.get(), &undo.frame->bytes});
+  }
+  try {
+    m_store->Apply(changes, m_pageCount);
+  } catch (...) {
+    Rollback();
+    throw;
+  }
+  for (Undo& undo : level.undos) {
+    undo.frame->level = 0;
+    undo.frame->recentlyUsed = true;
+    GiveBuffer(std::move(undo.before));
+  }
+  m_levels.pop_back();
+  if (m_cached > m_capacity) Evict();
+}
+
+void Pager::Rollback() noexcept {
+  Level& level = m_levels.back();
+  for (auto undo = level.undos.rbegin(); undo != level.undos.rend(); ++undo) {
+    Frame& frame = *undo->frame;
+    frame.level = undo->previousLevel;
+    if (undo->before != nullptr) {
+      frame.bytes = *undo->before;
+      continue;
+    }
+    assert(frame.pins == 0 && "a page that is undone is still in use");
+    --m_cached;
+    m_frames[frame.number].reset();
+  }
+  for (auto freed = level.freed.rbegin(); freed != level.freed.rend(); ++freed) {
+    if (freed->second == 0) {
+      m_freed.erase(freed->first);
+    } else {
+      m_freed[freed->first] = freed->second;
+    }
+  }
+  m_pageCount = level.pageCount;
+  m_levels.pop_back();
+}
+
+}  // namespace jet

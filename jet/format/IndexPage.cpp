@@ -1,0 +1,344 @@
+#include "jet/format/IndexPage.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cassert>
+#include <cstring>
+#include <string>
+
+#include "jet/Error.h"
+#include "jet/format/Bytes.h"
+#include "jet/format/PageLayout.h"
+
+namespace jet::format {
+
+using namespace index_page;
+
+namespace {
+
+int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
+  const int order = std::memcmp(a.data(), b.data(), std::min(a.size(), b.size()));
+  if (order != 0) return order;
+  return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+}
+
+// The entry mask as numbers, for shifting parts of it.
+class Mask {
+ public:
+  explicit Mask(const std::byte* stored) : m_stored(stored) {
+    for (std::size_t i = 0; i < kWords; ++i)
+      m_words[i] = Load(i);
+  }
+  /// Moves the bits from `from` on up by `by`; the gap is clear.
+  void Open(std::size_t from, std::size_t by) {
+    const std::array<std::uint64_t, kWords> old = m_words;
+    for (std::size_t i = from / 64; i < kWords; ++i) {
+      std::uint64_t moved = 0;
+      if (i >= by / 64) {
+        moved = Above(old, i - by / 64, from) << (by % 64);
+        if (by % 64 != 0 && i > by / 64) moved |= Above(old, i - by / 64 - 1, from) >> (64 - by % 64);
+      }
+      m_words[i] = (old[i] & ~Bits(i, from)) | moved;
+    }
+  }
+  /// Drops the bits in (from, from + by] and moves those above down by `by`.
+  void Close(std::size_t from, std::size_t by) {
+    const std::array<std::uint64_t, kWords> old = m_words;
+    const std::size_t first = from + 1;
+    const std::size_t cut = first + by;
+    for (std::size_t i = first / 64; i < kWords; ++i) {
+      std::uint64_t moved = 0;
+      const std::size_t at = i + by / 64;
+      if (at < kWords) moved = Above(old, at, cut) >> (by % 64);
+      if (by % 64 != 0 && at + 1 < kWords) moved |= Above(old, at + 1, cut) << (64 - by % 64);
+      m_words[i] = (old[i] & ~Bits(i, first)) | moved;
+    }
+  }
+  void Set(std::size_t bit) { m_words[bit / 64] |= std::uint64_t{1} << (bit % 64); }
+  void Clear() { m_words.fill(0); }
+  void StoreTo(std::byte* stored) const {
+    for (std::size_t i = 0; i < kMaskBytes; ++i)
+      StoreU8(stored + i, static_cast<std::uint8_t>(m_words[i / 8] >> (8 * (i % 8))));
+  }
+
+ private:
+  static constexpr std::size_t kWords = (kMaskBytes + 7) / 8;
+  std::uint64_t Load(std::size_t word) const {
+    std::uint64_t value = 0;
+    for (std::size_t i = 0; i < 8 && 8 * word + i < kMaskBytes; ++i) {
+      value |= std::uint64_t{LoadU8(m_stored + 8 * word + i)} << (8 * i);
+    }
+    return value;
+  }
+  // Bits of word `i` that stand for positions not below `from`.
+  static std::uint64_t Bits(std::size_t i, std::size_t from) {
+    if (64 * i >= from) return ~std::uint64_t{0};
+    if (64 * i + 64 <= from) return 0;
+    return ~std::uint64_t{0} << (from - 64 * i);
+  }
+  static std::uint64_t Above(const std::array<std::uint64_t, kWords>& words, std::size_t i,
+                             std::size_t from) {
+    return words[i] & Bits(i, from);
+  }
+  const std::byte* m_stored;
+  std::array<std::uint64_t, kWords> m_words{};
+};
+
+}  // namespace
+
+IndexPageView::IndexPageView(std::span<const std::byte> page, std::uint32_t number)
+    : m_page(page), m_number(number) {
+  const std::uint8_t type = LoadU8(page.data());
+  if (type != page_type::kIndexLeaf && type != page_type::kIndexBranch)
+    RaiseDamaged("it is not a page of an index");
+  m_prefix = LoadU16(page.data() + kPrefix);
+  const std::size_t free = FreeSpace();
+  m_used = free < kCapacity && BoundaryUpTo(kCapacity - free) == kCapacity - free
+               ? kCapacity - free
+               : BoundaryUpTo(kMaskBytes * 8 - 1);  // the figure is wrong, or there is no entry
+  if (m_used > kCapacity) RaiseDamaged("its entries run past its end");
+  if (m_prefix != 0 && m_used != 0 && m_prefix >= First().end)
+    RaiseDamaged("its prefix is longer than its first entry");
+}
+
+void IndexPageView::RaiseDamaged(const char* what) const {
+  throw Error(ErrorNumber::DamagedFile,
+              "Page " + std::to_string(m_number) + " of an index is damaged: " + what + ".");
+}
+
+bool IndexPageView::IsLeaf() const {
+  return LoadU8(m_page.data()) == page_type::kIndexLeaf;
+}
+std::uint8_t IndexPageView::Level() const {
+  return LoadU8(m_page.data() + kLevel);
+}
+std::uint32_t IndexPageView::Table() const {
+  return LoadU32(m_page.data() + kTable);
+}
+std::uint32_t IndexPageView::Previous() const {
+  return LoadU32(m_page.data() + kPrevious);
+}
+std::uint32_t IndexPageView::Next() const {
+  return LoadU32(m_page.data() + kNext);
+}
+std::uint32_t IndexPageView::Tail() const {
+  return LoadU32(m_page.data() + kTail);
+}
+std::size_t IndexPageView::FreeSpace() const {
+  return LoadU16(m_page.data() + kFreeSpace);
+}
+
+std::size_t IndexPageView::BoundaryAfter(std::size_t position) const {
+  // The mask is followed by the entries, so that eight bytes can be loaded at any of its bytes.
+  std::size_t byte = (position + 1) / 8;
+  std::uint64_t keep = ~std::uint64_t{0} << ((position + 1) % 8);
+  for (; byte < kMaskBytes; byte += 8) {
+    std::uint64_t word = LoadU64(m_page.data() + kMask + byte) & keep;
+    if (byte + 8 > kMaskBytes) word &= ~std::uint64_t{0} >> (8 * (byte + 8 - kMaskBytes));
+    if (word != 0) return 8 * byte + static_cast<std::size_t>(std::countr_zero(word));
+    keep = ~std::uint64_t{0};
+  }
+  return 0;
+}
+
+std::size_t IndexPageView::BoundaryUpTo(std::size_t position) const {
+  std::size_t byte = position / 8;
+  std::uint8_t bits =
+      LoadU8(m_page.data() + kMask + byte) & static_cast<std::uint8_t>(0xFF >> (7 - position % 8));
+  while (bits == 0) {
+    if (byte == 0) return 0;
+    bits = LoadU8(m_page.data() + kMask + --byte);
+  }
+  return 8 * byte + static_cast<std::size_t>(std::bit_width(bits)) - 1;
+}
+
+EntryPlace IndexPageView::After(std::size_t begin) const {
+  if (begin >= m_used) return {m_used, m_used};
+  return {begin, BoundaryAfter(begin)};
+}
+
+EntryPlace IndexPageView::Last() const {
+  return Previous(EntryPlace{m_used, m_used});
+}
+
+EntryPlace IndexPageView::Previous(EntryPlace place) const {
+  if (place.begin == 0) return {m_used, m_used};
+  return {BoundaryUpTo(place.begin - 1), place.begin};
+}
+
+int IndexPageView::Compare(EntryPlace place, std::span<const std::byte> key) const {
+  if (place.begin == 0 || m_prefix == 0) return CompareBytes(Stored(place), key);
+  const std::size_t shared = std::min(m_prefix, key.size());
+  const int order = std::memcmp(Prefix().data(), key.data(), shared);
+  if (order != 0) return order;
+  if (key.size() <= m_prefix) return 1;
+  return CompareBytes(Stored(place), key.subspan(m_prefix));
+}
+
+EntryPlace IndexPageView::LowerBound(std::span<const std::byte> key) const {
+  // Bisects the bytes of the entries, not the entries: each probe finds the boundaries around a byte in the
+  // mask.
+  if (m_used == 0) return {0, 0};
+  EntryPlace place = First();
+  if (Compare(place, key) >= 0) return place;
+  std::size_t low = place.end;  // every entry that begins below `low` is less
+  std::size_t high = m_used;    // every entry that begins at or above `high` is not
+  while (low < high) {
+    const std::size_t middle = low + (high - low) / 2;
+    const std::size_t begin = BoundaryUpTo(middle);
+    place = {begin, BoundaryAfter(middle)};
+    if (Compare(place, key) < 0) {
+      low = place.end;
+    } else {
+      high = place.begin;
+    }
+  }
+  return After(low);
+}
+
+void IndexPageView::Read(EntryPlace place, EntryBytes& into) const {
+  into.clear();
+  if (place.begin != 0) into.assign(Prefix().begin(), Prefix().end());
+  const auto stored = Stored(place);
+  into.insert(into.end(), stored.begin(), stored.end());
+}
+
+EntryBytes IndexPageView::Read(EntryPlace place) const {
+  EntryBytes entry;
+  Read(place, entry);
+  return entry;
+}
+
+std::uint32_t IndexPageView::LastFour(EntryPlace place) const {
+  if (place.end - place.begin >= 4) return LoadBigU32(m_page.data() + kEntries + place.end - 4);
+  // The prefix may reach into the row that ends the entry.
+  const EntryBytes whole = Read(place);
+  if (whole.size() < 4) RaiseDamaged("an entry is too short");
+  return LoadBigU32(whole.data() + whole.size() - 4);
+}
+
+std::uint32_t IndexPageView::RowPage(EntryPlace place) const {
+  return LastFour(place) >> 8;
+}
+std::uint8_t IndexPageView::RowSlot(EntryPlace place) const {
+  return static_cast<std::uint8_t>(LastFour(place));
+}
+std::uint32_t IndexPageView::Child(EntryPlace place) const {
+  return LastFour(place);
+}
+
+std::vector<EntryBytes> IndexPageView::AllEntries() const {
+  std::vector<EntryBytes> entries;
+  for (EntryPlace place = First(); !place.IsEnd(); place = Next(place))
+    entries.push_back(Read(place));
+  return entries;
+}
+
+IndexPage::IndexPage(std::span<std::byte> page, std::uint32_t number)
+    : IndexPageView(page, number), m_bytes(page) {}
+
+void IndexPage::Initialize(std::span<std::byte> page, std::uint32_t table, std::uint8_t level) {
+  std::ranges::fill(page, std::byte{0});
+  StoreU8(page.data(), level == 0 ? page_type::kIndexLeaf : page_type::kIndexBranch);
+  StoreU8(page.data() + 1, 1);
+  StoreU16(page.data() + kFreeSpace, kCapacity);
+  StoreU32(page.data() + kTable, table);
+  StoreU8(page.data() + kLevel, level);
+}
+
+void IndexPage::SetPrevious(std::uint32_t page) {
+  StoreU32(m_bytes.data() + kPrevious, page);
+}
+void IndexPage::SetNext(std::uint32_t page) {
+  StoreU32(m_bytes.data() + kNext, page);
+}
+void IndexPage::SetTail(std::uint32_t page) {
+  StoreU32(m_bytes.data() + kTail, page);
+}
+
+void IndexPage::SetUsed(std::size_t used) {
+  m_used = used;
+  StoreU16(m_bytes.data() + kFreeSpace, static_cast<std::uint16_t>(kCapacity - used));
+}
+
+bool IndexPage::Insert(EntryPlace place, std::span<const std::byte> entry) {
+  const std::size_t at = place.begin;
+  const bool plain = m_prefix == 0 || (at != 0 && entry.size() > m_prefix &&
+                                       std::memcmp(entry.data(), Prefix().data(), m_prefix) == 0);
+  const std::size_t shared = at == 0 ? 0 : m_prefix;
+  if (!plain || m_used + entry.size() - shared > kCapacity || m_used == 0) {
+    std::vector<EntryBytes> entries = AllEntries();
+    std::size_t before = 0;
+    for (EntryPlace other = First(); other.begin < at; other = Next(other))
+      ++before;
+    entries.emplace(entries.begin() + static_cast<std::ptrdiff_t>(before), entry.begin(), entry.end());
+    return Assign(entries);
+  }
+  const auto piece = entry.subspan(shared);
+  std::byte* const from = m_bytes.data() + kEntries + at;
+  std::memmove(from + piece.size(), from, m_used - at);
+  std::memcpy(from, piece.data(), piece.size());
+  Mask mask(m_bytes.data() + kMask);
+  mask.Open(at + 1, piece.size());
+  mask.Set(at + piece.size());
+  mask.StoreTo(m_bytes.data() + kMask);
+  SetUsed(m_used + piece.size());
+  return true;
+}
+
+void IndexPage::Remove(EntryPlace place) {
+  assert(!place.IsEnd());
+  if (place.begin == 0 && m_prefix != 0) {
+    std::vector<EntryBytes> entries = AllEntries();
+    entries.erase(entries.begin());
+    [[maybe_unused]] const bool fits = Assign(entries);
+    assert(fits);
+    return;
+  }
+  const std::size_t size = place.end - place.begin;
+  std::byte* const to = m_bytes.data() + kEntries + place.begin;
+  std::memmove(to, to + size, m_used - place.end);
+  std::memset(m_bytes.data() + kEntries + m_used - size, 0, size);
+  Mask mask(m_bytes.data() + kMask);
+  mask.Close(place.begin, size);
+  mask.StoreTo(m_bytes.data() + kMask);
+  SetUsed(m_used - size);
+}
+
+bool IndexPage::Assign(std::span<const EntryBytes> entries) {
+  std::size_t total = 0;
+  for (const EntryBytes& entry : entries)
+    total += entry.size();
+  std::size_t prefix = 0;
+  if (total > kCapacity && entries.size() > 1) {
+    // Entries ascend, so that what the first and the last share, all share. What ends an entry stays with it.
+    const EntryBytes& first = entries.front();
+    const EntryBytes& last = entries.back();
+    std::size_t most = first.size();
+    for (const EntryBytes& entry : entries)
+      most = std::min(most, entry.size());
+    most -= std::min(most, kRowBytes + kChildBytes);
+    while (prefix < most && first[prefix] == last[prefix])
+      ++prefix;
+    total -= prefix * (entries.size() - 1);
+  }
+  if (total > kCapacity) return false;
+  Mask mask(m_bytes.data() + kMask);
+  mask.Clear();
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const std::size_t from = i == 0 ? 0 : prefix;
+    std::memcpy(m_bytes.data() + kEntries + at, entries[i].data() + from, entries[i].size() - from);
+    at += entries[i].size() - from;
+    mask.Set(at);
+  }
+  std::memset(m_bytes.data() + kEntries + at, 0, kCapacity - at);
+  mask.StoreTo(m_bytes.data() + kMask);
+  m_prefix = prefix;
+  StoreU16(m_bytes.data() + kPrefix, static_cast<std::uint16_t>(prefix));
+  SetUsed(at);
+  return true;
+}
+
+}  // namespace jet::format

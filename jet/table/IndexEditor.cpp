@@ -1,0 +1,419 @@
+#include "jet/table/IndexEditor.h"
+
+#include <algorithm>
+#include <cassert>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "jet/Error.h"
+#include "jet/format/Bytes.h"
+
+namespace jet {
+
+using format::EntryBytes;
+using format::EntryPlace;
+using format::IndexPage;
+using format::IndexPageView;
+using namespace format::index_page;
+
+namespace {
+
+// Two entries of a branch fit a page, or it could not be split.
+constexpr std::size_t kMaxEntry = kCapacity / 2 - kChildBytes;
+
+// Where to cut a list of entries so that both parts take about the same room; at least one entry on each
+// side.
+template <typename Entries, typename SizeOf>
+std::size_t MiddleOf(const Entries& entries, SizeOf sizeOf) {
+  std::size_t total = 0;
+  for (const auto& entry : entries)
+    total += sizeOf(entry);
+  std::size_t before = 0;
+  std::size_t cut = 0;
+  while (cut + 1 < entries.size() && (cut == 0 || 2 * (before + sizeOf(entries[cut])) <= total)) {
+    before += sizeOf(entries[cut++]);
+  }
+  return cut;
+}
+
+bool SameKey(const EntryBytes& a, const EntryBytes& b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end() - kRowBytes, b.begin());
+}
+
+}  // namespace
+
+IndexEditor::IndexEditor(Pager& pager, PageAllocator& allocator, const Index& index, PageNumber tablePage)
+    : m_pager(&pager),
+      m_allocator(&allocator),
+      m_index(&index),
+      m_tablePage(tablePage),
+      m_map(pager, index.Definition().usageMap) {}
+
+void IndexEditor::RaiseDamaged(const char* what) const {
+  throw Error(ErrorNumber::DamagedFile, "The " + m_index->Where() + " is damaged: " + what + ".");
+}
+
+// A tail names a child of its own only if no entry does. Other writers name the last child both ways, or name
+// the last leaf from a branch that is not right above the leaves.
+bool IndexEditor::IsKeylessChild(PageNumber tail, PageNumber lastKeyed) const {
+  if (tail == 0 || tail == lastKeyed) return false;
+  const PageHandle a = m_pager->Get(tail);
+  const PageHandle b = m_pager->Get(lastKeyed);
+  return a.Data()[0] == b.Data()[0];
+}
+
+PageNumber IndexEditor::Descend(const EntryBytes& entry) {
+  m_path.clear();
+  PageNumber number = Root();
+  while (m_path.size() < Index::kMaxDepth) {
+    const PageHandle page = m_pager->Get(number);
+    const IndexPageView view(page.Bytes(), number);
+    if (view.Table() != m_tablePage) RaiseDamaged("a page of it belongs to another table");
+    if (view.IsLeaf()) return number;
+    EntryPlace place = view.LowerBound(entry);
+    bool keyed = true;
+    PageNumber child = 0;
+    if (place.IsEnd()) {
+      place = view.Last();
+      if (place.IsEnd()) RaiseDamaged("a branch page has no entries");
+      child = view.Child(place);
+      if (IsKeylessChild(view.Tail(), child)) {
+        child = view.Tail();
+        keyed = false;
+      }
+    } else {
+      child = view.Child(place);
+    }
+    m_path.push_back({number, keyed});
+    number = child;
+  }
+  RaiseDamaged("its branches are a ring");
+}
+
+bool IndexEditor::Insert(const KeyBytes& key, RowId row) {
+  const EntryBytes entry = MakeEntry(key, row);
+  if (entry.size() > kMaxEntry) {
+    throw Error(ErrorNumber::RecordTooLarge,
+                "The values of the row are too long for the " + m_index->Where() + ".");
+  }
+  const PageNumber leaf = Descend(entry);
+  const MutablePage changed = m_pager->Change(leaf);
+  IndexPage page(changed.Bytes(), leaf);
+  const EntryPlace place = page.LowerBound(entry);
+  const bool isLast = place.IsEnd();
+  bool newKey = true;
+  if (!isLast) {
+    const EntryBytes after = page.Read(place);
+    if (after == entry) RaiseDamaged("it already has an entry for a row that is being added");
+    newKey = !SameKey(after, entry);
+  }
+  if (const EntryPlace before = page.Previous(place); newKey && !before.IsEnd()) {
+    newKey = !SameKey(page.Read(before), entry);
+  }
+  if (!page.Insert(place, entry)) {
+    SplitLeaf(leaf, entry, isLast && page.IndexPageView::Next() == 0);
+  } else if (isLast && !m_path.empty()) {
+    RefreshKeys(m_path.size(), leaf);
+  }
+  return newKey;
+}
+
+bool IndexEditor::Erase(const KeyBytes& key, RowId row) {
+  return EraseEntry(MakeEntry(key, row));
+}
+
+bool IndexEditor::EraseRow(RowId row) {
+  IndexCursor cursor = m_index->Range({}, {});
+  while (cursor.Next()) {
+    if (cursor.Row() == row) return EraseEntry(cursor.Entry());
+  }
+  return false;
+}
+
+bool IndexEditor::EraseEntry(const EntryBytes& entry) {
+  const PageNumber leaf = Descend(entry);
+  {
+    const PageHandle page = m_pager->Get(leaf);
+    const IndexPageView view(page.Bytes(), leaf);
+    const EntryPlace place = view.LowerBound(entry);
+    if (place.IsEnd() || view.Read(place) != entry) return false;
+  }
+  bool wasLast = false;
+  bool isEmpty = false;
+  {
+    const MutablePage changed = m_pager->Change(leaf);
+    IndexPage page(changed.Bytes(), leaf);
+    const EntryPlace place = page.LowerBound(entry);
+    wasLast = page.IndexPageView::Next(place).IsEnd();
+    page.Remove(place);
+    isEmpty = page.Used() == 0;
+  }
+  if (m_path.empty()) return true;
+  if (isEmpty) {
+    Unlink(leaf);
+    FreePage(leaf);
+    RemoveChild(m_path.size() - 1, leaf);
+  } else if (wasLast) {
+    RefreshKeys(m_path.size(), leaf);
+  }
+  return true;
+}
+
+void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes& added, bool append) {
+  std::vector<EntryBytes> entries;
+  {
+    const PageHandle page = m_pager->Get(leaf);
+    entries = IndexPageView(page.Bytes(), leaf).AllEntries();
+  }
+  entries.insert(std::lower_bound(entries.begin(), entries.end(), added), added);
+  // Appending leaves the full page full: keys that grow fill every page.
+  const std::size_t cut =
+      append ? entries.size() - 1 : MiddleOf(entries, [](const EntryBytes& entry) { return entry.size(); });
+  const std::span<const EntryBytes> all = entries;
+
+  PageNumber left = leaf;
+  if (m_path.empty()) {
+    left = NewPage(0).Number();
+  }
+  const PageNumber right = NewPage(0).Number();
+  for (const auto& [number, part] : {std::pair{left, all.first(cut)}, std::pair{right, all.subspan(cut)}}) {
+    const MutablePage page = m_pager->Change(number);
+    [[maybe_unused]] const bool fits = IndexPage(page.Bytes(), number).Assign(part);
+    assert(fits);
+  }
+  if (m_path.empty()) {
+    const MutablePage root = m_pager->Change(leaf);
+    IndexPage::Initialize(root.Bytes(), m_tablePage, 1);
+    WriteBranch(leaf, {{{entries[cut - 1], left}}, right});
+    LinkAfter(left, right);
+    return;
+  }
+  LinkAfter(left, right);
+  ReplaceChild(m_path.size() - 1, left, entries[cut - 1], right);
+}
+
+// The child `left` of the branch at `level` of the path was split into `left` and `right`.
+void IndexEditor::ReplaceChild(std::size_t level, PageNumber left, const EntryBytes& leftKey,
+                               PageNumber right) {
+  Branch branch = ReadBranch(m_path[level].page);
+  const auto found =
+      std::find_if(branch.keyed.begin(), branch.keyed.end(), [&](const Child& c) { return c.page == left; });
+  if (found == branch.keyed.end()) {
+    branch.keyed.push_back({leftKey, left});
+    branch.tail = right;
+  } else {
+    found->key = leftKey;
+    branch.keyed.insert(found + 1, {LastEntry(right), right});
+  }
+  UpdateBranch(level, branch);
+}
+
+IndexEditor::Branch IndexEditor::ReadBranch(PageNumber number) const {
+  const PageHandle page = m_pager->Get(number);
+  const IndexPageView view(page.Bytes(), number);
+  Branch branch;
+  for (EntryPlace place = view.First(); !place.IsEnd(); place = view.Next(place)) {
+    EntryBytes key = view.Read(place);
+    if (key.size() < kRowBytes + kChildBytes) RaiseDamaged("an entry of a branch page is too short");
+    key.resize(key.size() - kChildBytes);
+    branch.keyed.push_back({std::move(key), view.Child(place)});
+  }
+  if (branch.keyed.empty()) RaiseDamaged("a branch page has no entries");
+  const bool named = std::any_of(branch.keyed.begin(), branch.keyed.end(),
+                                 [&](const Child& c) { return c.page == view.Tail(); });
+  if (!named && IsKeylessChild(view.Tail(), branch.keyed.back().page)) branch.tail = view.Tail();
+  return branch;
+}
+
+// False, and nothing changed, when the entries do not fit the page.
+bool IndexEditor::WriteBranch(PageNumber number, const Branch& branch) {
+  std::vector<EntryBytes> entries;
+  entries.reserve(branch.keyed.size());
+  for (const Child& child : branch.keyed) {
+    EntryBytes entry = child.key;
+    entry.resize(entry.size() + kChildBytes);
+    format::StoreBigU32(entry.data() + child.key.size(), child.page);
+    entries.push_back(std::move(entry));
+  }
+  const MutablePage page = m_pager->Change(number);
+  IndexPage writer(page.Bytes(), number);
+  if (!writer.Assign(entries)) return false;
+  writer.SetTail(branch.tail);
+  return true;
+}
+
+void IndexEditor::UpdateBranch(std::size_t level, const Branch& branch) {
+  if (WriteBranch(m_path[level].page, branch)) {
+    RefreshKeys(level, m_path[level].page);
+  } else {
+    SplitBranch(level, branch);
+  }
+}
+
+void IndexEditor::SplitBranch(std::size_t level, const Branch& branch) {
+  const std::size_t cut = branch.tail != 0
+                              ? branch.keyed.size() - 1
+                              : MiddleOf(branch.keyed, [](const Child& child) { return child.key.size(); });
+  const auto middle = branch.keyed.begin() + static_cast<std::ptrdiff_t>(cut);
+  const Branch leftPart{{branch.keyed.begin(), middle}, 0};
+  const Branch rightPart{{middle, branch.keyed.end()}, branch.tail};
+  const PageNumber number = m_path[level].page;
+  std::uint8_t height = 0;
+  {
+    const PageHandle page = m_pager->Get(number);
+    height = std::max<std::uint8_t>(1, IndexPageView(page.Bytes(), number).Level());
+  }
+  const PageNumber left = level == 0 ? NewPage(height).Number() : number;
+  const PageNumber right = NewPage(height).Number();
+  [[maybe_unused]] const bool fits = WriteBranch(left, leftPart) && WriteBranch(right, rightPart);
+  assert(fits);
+  LinkAfter(left, right);
+  if (level == 0) {
+    {
+      const MutablePage root = m_pager->Change(number);
+      IndexPage::Initialize(root.Bytes(), m_tablePage, static_cast<std::uint8_t>(height + 1));
+    }
+    WriteBranch(number, {{{leftPart.keyed.back().key, left}}, right});
+    return;
+  }
+  ReplaceChild(level - 1, left, leftPart.keyed.back().key, right);
+}
+
+// The greatest entry below `child`, a child of the branch at `level` - 1 of the path, may have changed: makes
+// the entries that name it say so.
+void IndexEditor::RefreshKeys(std::size_t level, PageNumber child) {
+  while (level > 0) {
+    --level;
+    const PageNumber page = m_path[level].page;
+    if (m_path[level].keyed) {
+      Branch branch = ReadBranch(page);
+      for (Child& entry : branch.keyed) {
+        if (entry.page != child) continue;
+        EntryBytes last = LastEntry(child);
+        if (entry.key == last) return;
+        entry.key = std::move(last);
+        UpdateBranch(level, branch);
+        return;
+      }
+    }
+    child = page;
+  }
+}
+
+// `child` of the branch at `level` of the path is gone.
+void IndexEditor::RemoveChild(std::size_t level, PageNumber child) {
+  const PageNumber page = m_path[level].page;
+  Branch branch = ReadBranch(page);
+  if (branch.tail == child) {
+    branch.tail = 0;
+    if (branch.keyed.size() > 1) {
+      branch.tail = branch.keyed.back().page;
+      branch.keyed.pop_back();
+    }
+  } else {
+    std::erase_if(branch.keyed, [&](const Child& c) { return c.page == child; });
+  }
+  if (branch.keyed.empty() && branch.tail == 0) {
+    if (level == 0) {
+      const MutablePage root = m_pager->Change(page);
+      IndexPage::Initialize(root.Bytes(), m_tablePage, 0);
+      return;
+    }
+    Unlink(page);
+    FreePage(page);
+    RemoveChild(level - 1, page);
+    return;
+  }
+  if (level == 0 && branch.keyed.size() + (branch.tail != 0 ? 1 : 0) == 1) {
+    CollapseRoot(branch.keyed.empty() ? branch.tail : branch.keyed.front().page);
+    return;
+  }
+  if (branch.keyed.empty()) {
+    branch.keyed.push_back({LastEntry(branch.tail), branch.tail});
+    branch.tail = 0;
+  }
+  UpdateBranch(level, branch);
+}
+
+// The root has one child left: it takes over the child's entries, and so on while that is so.
+void IndexEditor::CollapseRoot(PageNumber child) {
+  for (;;) {
+    bool isLeaf = false;
+    {
+      const PageHandle from = m_pager->Get(child);
+      const MutablePage root = m_pager->Change(Root());
+      root.Bytes() = from.Bytes();
+      IndexPage page(root.Bytes(), Root());
+      page.SetPrevious(0);
+      page.SetNext(0);
+      isLeaf = page.IsLeaf();
+    }
+    FreePage(child);
+    if (isLeaf) return;
+    const Branch branch = ReadBranch(Root());
+    if (branch.tail != 0 || branch.keyed.size() != 1) return;
+    child = branch.keyed.front().page;
+  }
+}
+
+EntryBytes IndexEditor::LastEntry(PageNumber number) const {
+  for (std::size_t depth = 0; depth < Index::kMaxDepth; ++depth) {
+    const PageHandle page = m_pager->Get(number);
+    const IndexPageView view(page.Bytes(), number);
+    const EntryPlace last = view.Last();
+    if (last.IsEnd()) RaiseDamaged("a page of it has no entries");
+    if (view.IsLeaf()) return view.Read(last);
+    const PageNumber child = view.Child(last);
+    number = IsKeylessChild(view.Tail(), child) ? view.Tail() : child;
+  }
+  RaiseDamaged("its branches are a ring");
+}
+
+MutablePage IndexEditor::NewPage(std::uint8_t level) {
+  MutablePage page = m_allocator->Allocate();
+  IndexPage::Initialize(page.Bytes(), m_tablePage, level);
+  m_map.Add(page.Number(), *m_allocator);
+  return page;
+}
+
+void IndexEditor::FreePage(PageNumber page) {
+  m_map.Remove(page);
+  m_allocator->Free(page);
+}
+
+void IndexEditor::LinkAfter(PageNumber left, PageNumber right) {
+  const MutablePage leftPage = m_pager->Change(left);
+  const MutablePage rightPage = m_pager->Change(right);
+  IndexPage leftView(leftPage.Bytes(), left);
+  IndexPage rightView(rightPage.Bytes(), right);
+  const PageNumber next = leftView.IndexPageView::Next();
+  leftView.SetNext(right);
+  rightView.SetPrevious(left);
+  rightView.SetNext(next);
+  if (next != 0) {
+    const MutablePage nextPage = m_pager->Change(next);
+    IndexPage(nextPage.Bytes(), next).SetPrevious(right);
+  }
+}
+
+void IndexEditor::Unlink(PageNumber number) {
+  PageNumber previous = 0;
+  PageNumber next = 0;
+  {
+    const PageHandle page = m_pager->Get(number);
+    const IndexPageView view(page.Bytes(), number);
+    previous = view.Previous();
+    next = view.Next();
+  }
+  if (previous != 0) {
+    const MutablePage page = m_pager->Change(previous);
+    IndexPage(page.Bytes(), previous).SetNext(next);
+  }
+  if (next != 0) {
+    const MutablePage page = m_pager->Change(next);
+    IndexPage(page.Bytes(), next).SetPrevious(previous);
+  }
+}
+
+}  // namespace jet

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "jet/file/Pager.h"
+#include "jet/format/IndexPage.h"
+#include "jet/table/Index.h"
+#include "jet/table/PageAllocator.h"
+#include "jet/table/UsageMap.h"
+
+namespace jet {
+
+/// Adds entries to an index's tree and removes them. Lives for one change, inside a change unit.
+///
+/// What the tree looks like: a branch has an entry for each child, under the child's last entry; only the
+/// very last child of the rightmost branches has none and is named as the branch's tail, so that appending
+/// does not touch branches. Trees by other writers may name the last child both ways. The root keeps its
+/// page: when it splits, its entries move to new pages and it becomes their branch. Pages that run empty are
+/// given back.
+class IndexEditor {
+ public:
+  IndexEditor(Pager& pager, PageAllocator& allocator, const Index& index, PageNumber tablePage);
+
+  /// Adds an entry. True when no neighbour has the same key. Raises RecordTooLarge for a key that is too
+  /// long, DamagedFile when the entry is there already.
+  bool Insert(const KeyBytes& key, RowId row);
+  /// Removes the entry of `row` under `key`; false when there is none.
+  bool Erase(const KeyBytes& key, RowId row);
+  /// Removes the entry of `row` whatever its key, by reading all leaves; false when there is none.
+  bool EraseRow(RowId row);
+
+ private:
+  struct Step {
+    PageNumber page;  ///< a branch
+    bool keyed;       ///< whether an entry names the child that was taken
+  };
+  struct Child {
+    format::EntryBytes key;  ///< the child's last leaf entry
+    PageNumber page;
+  };
+  struct Branch {
+    std::vector<Child> keyed;
+    PageNumber tail = 0;  ///< last child, when no entry names it
+  };
+
+  PageNumber Descend(const format::EntryBytes& entry);
+  bool EraseEntry(const format::EntryBytes& entry);
+  void SplitLeaf(PageNumber leaf, const format::EntryBytes& added, bool append);
+  Branch ReadBranch(PageNumber page) const;
+  bool WriteBranch(PageNumber page, const Branch& branch);
+  void UpdateBranch(std::size_t level, const Branch& branch);
+  void SplitBranch(std::size_t level, const Branch& branch);
+  void RefreshKeys(std::size_t level, PageNumber child);
+  void RemoveChild(std::size_t level, PageNumber child);
+  void CollapseRoot(PageNumber child);
+  void ReplaceChild(std::size_t level, PageNumber left, const format::EntryBytes& leftKey, PageNumber right);
+  format::EntryBytes LastEntry(PageNumber page) const;
+  bool IsKeylessChild(PageNumber tail, PageNumber lastKeyed) const;
+  MutablePage NewPage(std::uint8_t level);
+  void FreePage(PageNumber page);
+  void LinkAfter(PageNumber left, PageNumber right);
+  void Unlink(PageNumber page);
+  PageNumber Root() const { return m_index->Definition().root; }
+  [[noreturn]] void RaiseDamaged(const char* what) const;
+
+  Pager* m_pager;
+  PageAllocator* m_allocator;
+  const Index* m_index;
+  PageNumber m_tablePage;
+  UsageMap m_map;
+  std::vector<Step> m_path;  // branches from the root to the leaf found last
+};
+
+}  // namespace jet

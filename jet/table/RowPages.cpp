@@ -1,0 +1,97 @@
+#include "jet/table/RowPages.h"
+
+#include "jet/Error.h"
+#include "jet/format/DataPage.h"
+#include "jet/format/PageLayout.h"
+
+namespace jet {
+
+using format::DataPage;
+using format::DataPageView;
+namespace data_page = format::data_page;
+
+namespace {
+// A page with less room than this is not worth trying again once a row did not fit.
+constexpr std::size_t kWorthTrying = 512;
+// Pages tried for a row before a new one is taken; rows longer than most rooms would otherwise try them all.
+constexpr int kMaxTries = 16;
+}  // namespace
+
+RowPages::RowPages(Pager& pager, PageAllocator& allocator, std::uint32_t ownedMap, std::uint32_t freeMap,
+                   std::uint32_t owner)
+    : m_pager(&pager),
+      m_allocator(&allocator),
+      m_owned(pager, ownedMap),
+      m_free(pager, freeMap),
+      m_owner(owner) {}
+
+bool RowPages::TryInsert(PageNumber number, std::span<const std::byte> row, std::uint16_t flags, RowId& id) {
+  {
+    const PageHandle page = m_pager->Get(number);
+    if (format::page_type::kData != std::to_integer<std::uint8_t>(page.Data()[0])) return false;
+    const DataPageView view(page.Bytes(), number);
+    if (view.Owner() != m_owner || !view.Fits(row.size())) return false;
+  }
+  const MutablePage page = m_pager->Change(number);
+  id = {number, DataPage(page.Bytes(), number).Insert(row, flags)};
+  return true;
+}
+
+RowId RowPages::Insert(std::span<const std::byte> row, std::uint16_t flags) {
+  RowId id;
+  if (m_lastUsed != 0 && m_lastUsed < m_pager->PageCount() && m_free.Contains(m_lastUsed) &&
+      TryInsert(m_lastUsed, row, flags, id)) {
+    return id;
+  }
+  int tries = 0;
+  for (PageNumber page = m_free.Next(0); page != format::kNoPage && tries < kMaxTries;
+       page = m_free.Next(page + 1), ++tries) {
+    if (TryInsert(page, row, flags, id)) {
+      m_lastUsed = page;
+      return id;
+    }
+    const PageHandle full = m_pager->Get(page);
+    const DataPageView view(full.Bytes(), page);
+    if (view.FreeSpace() < kWorthTrying || view.SlotCount() >= data_page::kMaxSlots) m_free.Remove(page);
+  }
+  const MutablePage page = NewPage();
+  m_free.Add(page.Number(), *m_allocator);
+  m_lastUsed = page.Number();
+  return {page.Number(), DataPage(page.Bytes(), page.Number()).Insert(row, flags)};
+}
+
+MutablePage RowPages::NewPage() {
+  MutablePage page = m_allocator->Allocate();
+  DataPage::Initialize(page.Bytes(), m_owner);
+  m_owned.Add(page.Number(), *m_allocator);
+  return page;
+}
+
+void RowPages::Remove(RowId row) {
+  {
+    const MutablePage page = m_pager->Change(row.page);
+    DataPage(page.Bytes(), row.page).Remove(row.slot);
+  }
+  RoomMade(row.page);
+}
+
+void RowPages::RoomMade(PageNumber number) {
+  bool isEmpty = false;
+  bool hasRoom = false;
+  {
+    const PageHandle page = m_pager->Get(number);
+    const DataPageView view(page.Bytes(), number);
+    isEmpty = view.IsEmpty();
+    hasRoom = view.FreeSpace() >= kWorthTrying && view.SlotCount() < data_page::kMaxSlots && view.Tag() == 0;
+  }
+  if (isEmpty) {
+    m_owned.Remove(number);
+    m_free.Remove(number);
+    m_allocator->Free(number);
+    m_pager->NoteFreed(number);
+  } else if (hasRoom && !m_free.Contains(number)) {
+    m_free.Add(number, *m_allocator);
+  }
+}
+
+}  // namespace jet

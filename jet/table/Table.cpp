@@ -1,0 +1,187 @@
+#include "jet/table/Table.h"
+
+#include <utility>
+
+#include "jet/Error.h"
+#include "jet/format/Bytes.h"
+#include "jet/format/NameOrder.h"
+#include "jet/format/PageLayout.h"
+#include "jet/format/PropertyBlob.h"
+#include "jet/format/RowCodec.h"
+#include "jet/format/TableDefinitionCodec.h"
+#include "jet/format/TableDefinitionLayout.h"
+#include "jet/format/TextCodec.h"
+#include "jet/format/ValueCodec.h"
+#include "jet/table/LongValues.h"
+#include "jet/table/Store.h"
+
+namespace jet {
+
+using format::ColumnDefinition;
+using format::LogicalIndexDefinition;
+
+namespace {
+constexpr std::uint32_t kSystemObject = 0x80000000;
+constexpr std::uint32_t kHiddenSystemObject = 2;
+}  // namespace
+
+Table::Table(Store& store, const CatalogEntry& entry)
+    : m_store(&store),
+      m_name(entry.name),
+      m_isSystem((entry.flags & (kSystemObject | kHiddenSystemObject)) != 0),
+      m_catalogRow(entry.row) {
+  m_definition.page = entry.definition;
+  Reload();
+}
+
+void Table::Reload() {
+  Pager& pager = m_store->Pages();
+  try {
+    std::vector<std::uint32_t> pages;
+    const Bytes stream = ReadDefinitionStream(pager, m_definition.page, pages);
+    format::TableDefinition definition = format::DecodeTableDefinition(stream, m_definition.page);
+    definition.pages = std::move(pages);
+    m_definition = std::move(definition);
+  } catch (Error& error) {
+    error.AddContext("table '" + m_name + "'");
+    throw;
+  }
+  m_rules.reset();
+  m_rows = std::make_unique<RowStore>(pager, m_store->Allocator(), m_definition.ownedPages,
+                                      m_definition.freePages, m_definition.page);
+  m_indexes.clear();
+  for (std::size_t i = 0; i < m_definition.indexes.size(); ++i) {
+    std::vector<std::size_t> columns;
+    for (const format::IndexColumnDefinition& wanted : m_definition.indexes[i].columns) {
+      for (std::size_t c = 0; c < m_definition.columns.size(); ++c) {
+        if (m_definition.columns[c].number == wanted.column) columns.push_back(c);
+      }
+    }
+    m_indexes.push_back(
+        {Index(pager, m_definition, i, "index '" + IndexName(i) + "' of table '" + m_name + "'"),
+         std::move(columns)});
+  }
+}
+
+const ColumnRules& Table::Rules(std::size_t column) const {
+  if (!m_rules) {
+    std::vector<ColumnRules> rules(m_definition.columns.size());
+    Table& catalog = m_store->TableAt(format::system_page::kObjects);
+    const std::optional<std::size_t> properties = catalog.FindColumn("LvProp");
+    const std::optional<RowRef> row = catalog.Fetch(m_catalogRow);
+    const Value blob = properties && row ? catalog.Read(*row, *properties) : Value();
+    if (const Bytes* bytes = blob.As<Bytes>()) {
+      const format::PropertyBlob decoded = format::DecodeProperties(*bytes);
+      for (std::size_t c = 0; c < rules.size(); ++c) {
+        const auto* block = decoded.FindColumn(m_definition.columns[c].name);
+        if (block == nullptr) continue;
+        const auto flag = [&](const char* name, bool otherwise) {
+          const auto* property = format::FindProperty(*block, name);
+          return property == nullptr || property->value.empty() ? otherwise
+                                                                : property->value[0] != std::byte{0};
+        };
+        rules[c].required = flag("Required", false);
+        rules[c].allowZeroLength = flag("AllowZeroLength", true);
+        if (const auto* property = format::FindProperty(*block, "DefaultValue");
+            property != nullptr && !property->value.empty()) {
+          format::DecodeText(property->value, rules[c].defaultValue.emplace());
+        }
+      }
+    }
+    m_rules = std::move(rules);
+  }
+  return (*m_rules)[column];
+}
+
+std::optional<std::size_t> Table::FindColumn(std::string_view name) const {
+  for (std::size_t c = 0; c < m_definition.columns.size(); ++c) {
+    if (format::SameName(m_definition.columns[c].name, name)) return c;
+  }
+  return std::nullopt;
+}
+
+std::uint32_t Table::RowCount() const {
+  const PageHandle page = m_store->Pages().Get(m_definition.page);
+  return format::LoadU32(page.Data() + format::definition_page::kRowCount);
+}
+
+Value Table::Read(const RowRef& row, std::size_t column) const {
+  const ColumnDefinition& definition = m_definition.columns[column];
+  const format::RowField field =
+      format::FieldOf(row.Bytes(), definition, m_definition.variableColumnsEver != 0);
+  if (definition.type == ColumnType::YesNo) return field.present;
+  if (!field.present) return {};
+  if (!definition.IsLongValue()) return format::DecodeValue(definition, field.bytes);
+  Bytes bytes =
+      LongValues(m_store->Pages(), m_store->Allocator(), m_definition, definition).Read(field.bytes);
+  if (definition.type == ColumnType::Ole) return bytes;
+  std::string text;
+  format::DecodeText(bytes, text);
+  return text;
+}
+
+bool Table::ReadText(const RowRef& row, std::size_t column, std::string& text) const {
+  const ColumnDefinition& definition = m_definition.columns[column];
+  const format::RowField field =
+      format::FieldOf(row.Bytes(), definition, m_definition.variableColumnsEver != 0);
+  if (!field.present) return false;
+  if (definition.type == ColumnType::Text) {
+    format::DecodeText(field.bytes, text);
+  } else {
+    format::DecodeText(
+        LongValues(m_store->Pages(), m_store->Allocator(), m_definition, definition).Read(field.bytes), text);
+  }
+  return true;
+}
+
+std::optional<std::size_t> Table::PrimaryIndex() const {
+  for (const LogicalIndexDefinition& index : m_definition.logicalIndexes) {
+    if (index.kind == LogicalIndexDefinition::Kind::Primary) return index.real;
+  }
+  return std::nullopt;
+}
+
+std::string Table::IndexName(std::size_t number) const {
+  const LogicalIndexDefinition* best = nullptr;
+  for (const LogicalIndexDefinition& index : m_definition.logicalIndexes) {
+    if (index.real != number) continue;
+    const bool forPeople = index.kind != LogicalIndexDefinition::Kind::Relation;
+    if (best == nullptr || (forPeople && best->kind == LogicalIndexDefinition::Kind::Relation)) best = &index;
+  }
+  return best == nullptr ? "#" + std::to_string(number) : best->name;
+}
+
+bool TableScan::Next() {
+  using namespace format;
+  for (;;) {
+    if (m_page) {
+      const DataPageView view(m_page.Bytes(), m_page.Number());
+      for (; m_nextSlot < view.SlotCount(); ++m_nextSlot) {
+        const format::RowSlot slot = view.Slot(m_nextSlot);
+        if (slot.flags != data_page::kLive && slot.flags != data_page::kMoved) continue;
+        m_id = {m_page.Number(), static_cast<std::uint8_t>(m_nextSlot)};
+        ++m_nextSlot;
+        m_row = m_table->Rows().Resolve(m_page, view, slot);
+        return true;
+      }
+    }
+    const PageNumber next = m_nextPage == kNoPage ? kNoPage : m_table->Rows().OwnedPages().Next(m_nextPage);
+    if (next == kNoPage) {
+      m_nextPage = kNoPage;
+      m_page = {};
+      m_row = {};
+      return false;
+    }
+    m_page = m_table->Owner().Pages().Get(next);
+    const DataPageView view(m_page.Bytes(), next);
+    if (view.Owner() != m_table->Definition().page || view.SlotCount() > data_page::kMaxSlots + 1) {
+      throw Error(ErrorNumber::DamagedFile, "Page " + std::to_string(next) +
+                                                " is damaged: it does not hold rows of table '" +
+                                                m_table->Name() + "', which claims it.");
+    }
+    m_nextPage = next + 1;
+    m_nextSlot = 0;
+  }
+}
+
+}  // namespace jet
