@@ -24,6 +24,7 @@ struct ColumnDefinition {
   std::uint8_t precision = 0;       ///< decimal
   std::uint8_t scale = 0;           ///< decimal
   std::uint16_t sortLocale = 0x0409;  ///< text: LCID of the sort order
+  std::uint8_t sortVariant = 0;       ///< text: upper half of the LCID
   std::uint8_t sortVersion = 0;       ///< text: 0 is General Legacy
   bool compressed = false;            ///< text may be stored with a byte a character
 

@@ -1,0 +1,177 @@
+#include "jet/format/IndexKey.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <type_traits>
+
+#include "jet/format/Bytes.h"
+#include "jet/format/SortKey.h"
+
+namespace jet::format {
+namespace {
+
+// What an index stores for a column, ascending:  | 7f | value |  or the single byte 00 for Null. Descending
+// all of it is inverted, and text gets one more byte 00.
+constexpr std::byte kNullFlag{0x00};
+constexpr std::byte kValueFlag{0x7F};
+constexpr std::byte kTrueKey{0x00};
+constexpr std::byte kFalseKey{0xFF};
+constexpr std::byte kSignBit{0x80};
+constexpr std::byte kDescendingTextEnd{0x00};
+// Binary: groups of 8 bytes, the last filled up with zeros. Behind each group stands 09, behind the last its
+// bytes in use.
+constexpr std::size_t kGroup = 8;
+constexpr std::byte kMoreGroups{0x09};
+
+constexpr std::uint16_t kGeneralLocale = 0x0409;
+
+using Key = std::vector<std::byte>;
+
+template <typename Unsigned>
+void AppendBig(Unsigned bits, Key& key) {
+  for (std::size_t i = sizeof(Unsigned); i > 0; --i)
+    key.push_back(static_cast<std::byte>(bits >> (8 * (i - 1)) & 0xFF));
+}
+
+/// Big-endian with the sign bit flipped.
+template <typename Signed>
+void AppendSigned(Signed value, Key& key) {
+  const std::size_t at = key.size();
+  AppendBig(static_cast<std::make_unsigned_t<Signed>>(value), key);
+  key[at] ^= kSignBit;
+}
+
+/// Big-endian; negative numbers inverted, others with the sign bit flipped.
+template <typename Bits>
+void AppendFloat(Bits bits, Key& key) {
+  const bool negative = bits >> (8 * sizeof(Bits) - 1) != 0;
+  const std::size_t at = key.size();
+  AppendBig(negative ? static_cast<Bits>(~bits) : bits, key);
+  if (!negative) key[at] ^= kSignBit;
+}
+
+void AppendGroups(std::span<const std::byte> bytes, Key& key) {
+  do {
+    const std::size_t used = std::min(kGroup, bytes.size());
+    key.insert(key.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(used));
+    key.insert(key.end(), kGroup - used, std::byte{0});
+    bytes = bytes.subspan(used);
+    key.push_back(bytes.empty() ? static_cast<std::byte>(used) : kMoreGroups);
+  } while (!bytes.empty());
+}
+
+/// The bytes of a GUID in the order in which it is written.
+Bytes TextOrder(const Guid& guid) {
+  static constexpr std::uint8_t kOrder[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+  Bytes result;
+  for (const std::uint8_t place : kOrder)
+    result.push_back(std::byte{guid.bytes[place]});
+  return result;
+}
+
+template <typename Narrow>
+const std::int32_t* AsWithin(const Value& value) {
+  const auto* const number = value.As<std::int32_t>();
+  const bool fits = number != nullptr && *number >= std::numeric_limits<Narrow>::min() &&
+                    *number <= std::numeric_limits<Narrow>::max();
+  return fits ? number : nullptr;
+}
+
+/// Appends the ascending bytes of a value that is not Null; false, possibly after some bytes, when it has
+/// none.
+bool AppendAscending(const Value& value, const ColumnDefinition& column, Key& key) {
+  switch (column.type) {
+    case ColumnType::YesNo:
+      if (const auto* yes = value.As<bool>()) return key.push_back(*yes ? kTrueKey : kFalseKey), true;
+      return false;
+    case ColumnType::Byte:
+      if (const auto* number = AsWithin<std::uint8_t>(value))
+        return key.push_back(static_cast<std::byte>(*number)), true;
+      return false;
+    case ColumnType::Integer:
+      if (const auto* number = AsWithin<std::int16_t>(value)) {
+        return AppendSigned(static_cast<std::int16_t>(*number), key), true;
+      }
+      return false;
+    case ColumnType::Long:
+      if (const auto* number = value.As<std::int32_t>()) return AppendSigned(*number, key), true;
+      return false;
+    case ColumnType::Currency:
+      if (const auto* money = value.As<Currency>()) return AppendSigned(money->scaled, key), true;
+      return false;
+    case ColumnType::Single:
+      if (const auto* number = value.As<float>())
+        return AppendFloat(std::bit_cast<std::uint32_t>(*number), key), true;
+      return false;
+    case ColumnType::Double:
+      if (const auto* number = value.As<double>())
+        return AppendFloat(std::bit_cast<std::uint64_t>(*number), key), true;
+      return false;
+    case ColumnType::DateTime:
+      if (const auto* date = value.As<DateTime>())
+        return AppendFloat(std::bit_cast<std::uint64_t>(date->days), key), true;
+      return false;
+    case ColumnType::Text:
+      if (const auto* text = value.As<std::string>()) return AppendTextKey(*text, key);
+      return false;
+    case ColumnType::Binary:
+      if (const auto* bytes = value.As<Bytes>()) return AppendGroups(*bytes, key), true;
+      return false;
+    case ColumnType::Guid:
+      if (const auto* guid = value.As<Guid>()) return AppendGroups(TextOrder(*guid), key), true;
+      return false;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+bool HasKnownKeyForm(const ColumnDefinition& column, bool ascending) {
+  switch (column.type) {
+    case ColumnType::YesNo:
+    case ColumnType::Byte:
+    case ColumnType::Integer:
+    case ColumnType::Long:
+    case ColumnType::Currency:
+    case ColumnType::Single:
+    case ColumnType::Double:
+    case ColumnType::DateTime:
+      return true;
+    case ColumnType::Text:
+      return column.sortLocale == kGeneralLocale && column.sortVariant == 0 && column.sortVersion == 0;
+    case ColumnType::Binary:
+    case ColumnType::Guid:
+      return ascending;
+    default:
+      return false;
+  }
+}
+
+bool AppendKeyColumn(std::vector<std::byte>& key, const Value& value, const ColumnDefinition& column,
+                     bool ascending) {
+  if (!HasKnownKeyForm(column, ascending)) return false;
+  const std::size_t before = key.size();
+  if (!value.IsNull()) {
+    key.push_back(kValueFlag);
+    if (!AppendAscending(value, column, key)) {
+      key.resize(before);
+      return false;
+    }
+  } else if (column.type == ColumnType::YesNo) {
+    key.push_back(kValueFlag);
+    key.push_back(kFalseKey);
+  } else {
+    key.push_back(kNullFlag);
+  }
+  if (ascending) return true;
+  for (std::size_t i = before; i < key.size(); ++i)
+    key[i] = ~key[i];
+  if (column.type == ColumnType::Text && !value.IsNull()) key.push_back(kDescendingTextEnd);
+  return true;
+}
+
+}  // namespace jet::format

@@ -1,0 +1,253 @@
+#include "jet/format/TextCodec.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "jet/Error.h"
+#include "jet/format/Bytes.h"
+
+namespace jet::format {
+namespace {
+
+// Compressed text: ff fe, then alternating runs. In a run of bytes each byte is a character U+0001..U+00FF;
+// in a run of words each two bytes are a UTF-16 unit. A zero byte (in a run of words: where a unit's low byte
+// would be) ends the run and begins one of the other kind. The first run is one of bytes.
+constexpr std::byte kCompressedMark0{0xFF};
+constexpr std::byte kCompressedMark1{0xFE};
+constexpr char16_t kMarkAsUnit = 0xFEFF;
+constexpr std::byte kSwitch{0x00};
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char32_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsLowSurrogate(char32_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+bool IsSurrogate(char32_t unit) {
+  return unit >= 0xD800 && unit <= 0xDFFF;
+}
+
+/// Joins surrogate pairs of a stream of UTF-16 units into UTF-8.
+class Utf8Writer {
+ public:
+  explicit Utf8Writer(std::string& into) : m_into(into) {}
+  ~Utf8Writer() = default;
+  Utf8Writer(const Utf8Writer&) = delete;
+  Utf8Writer& operator=(const Utf8Writer&) = delete;
+
+  void Put(char32_t unit) {
+    if (m_high != 0) {
+      const char32_t high = m_high;
+      m_high = 0;
+      if (IsLowSurrogate(unit)) {
+        AppendUtf8(0x10000 + ((high - 0xD800) << 10) + (unit - 0xDC00), m_into);
+        return;
+      }
+      AppendUtf8(kReplacement, m_into);
+    }
+    if (unit < 0x80) {
+      m_into.push_back(static_cast<char>(unit));
+    } else if (IsHighSurrogate(unit)) {
+      m_high = unit;
+    } else {
+      AppendUtf8(unit, m_into);
+    }
+  }
+  void Finish() {
+    if (m_high != 0) AppendUtf8(kReplacement, m_into);
+    m_high = 0;
+  }
+
+ private:
+  std::string& m_into;
+  char32_t m_high = 0;
+};
+
+void DecodePlain(std::span<const std::byte> stored, std::string& into) {
+  if (stored.size() % 2 != 0) {
+    throw Error(ErrorNumber::DamagedFile,
+                "A text of an odd number of bytes (" + std::to_string(stored.size()) + ") is damaged.");
+  }
+  into.reserve(stored.size() / 2);
+  Utf8Writer writer(into);
+  for (std::size_t at = 0; at < stored.size(); at += 2)
+    writer.Put(LoadU16(stored.data() + at));
+  writer.Finish();
+}
+
+void DecodeCompressed(std::span<const std::byte> runs, std::string& into) {
+  into.reserve(runs.size());
+  Utf8Writer writer(into);
+  bool bytes = true;
+  for (std::size_t at = 0; at < runs.size();) {
+    if (runs[at] == kSwitch) {
+      bytes = !bytes;
+      ++at;
+    } else if (bytes) {
+      writer.Put(LoadU8(runs.data() + at));
+      ++at;
+    } else {
+      if (at + 1 == runs.size()) {
+        throw Error(ErrorNumber::DamagedFile, "A compressed text that ends inside a character is damaged.");
+      }
+      writer.Put(LoadU16(runs.data() + at));
+      at += 2;
+    }
+  }
+  writer.Finish();
+}
+
+/// Compressed form in runs of either kind; none (empty) when a character's low byte is zero.
+Bytes Compress(std::u16string_view units) {
+  Bytes result = {kCompressedMark0, kCompressedMark1};
+  result.reserve(units.size() + 4);
+  bool bytes = true;
+  for (const char16_t unit : units) {
+    const auto low = static_cast<std::byte>(unit & 0xFF);
+    if (low == kSwitch) return {};
+    const bool narrow = unit <= 0xFF;
+    if (narrow != bytes) {
+      result.push_back(kSwitch);
+      bytes = narrow;
+    }
+    result.push_back(low);
+    if (!narrow) result.push_back(static_cast<std::byte>(unit >> 8));
+  }
+  return result;
+}
+
+}  // namespace
+
+char32_t NextCodePoint(std::string_view utf8, std::size_t& position) {
+  const auto byteAt = [&](std::size_t at) { return static_cast<std::uint8_t>(utf8[at]); };
+  const std::uint8_t first = byteAt(position);
+  if (first < 0x80) {
+    ++position;
+    return first;
+  }
+  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+  const char32_t invalid = kInvalidByte + first;
+  if (first < 0xC2 || first > 0xF4 || position + length > utf8.size()) {
+    ++position;
+    return invalid;
+  }
+  char32_t point = first & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    const std::uint8_t next = byteAt(position + i);
+    if ((next & 0xC0) != 0x80) {
+      ++position;
+      return invalid;
+    }
+    point = point << 6 | (next & 0x3FU);
+  }
+  const bool overlong = (length == 3 && point < 0x800) || (length == 4 && point < 0x10000);
+  if (overlong || IsSurrogate(point) || point >= kInvalidByte) {
+    ++position;
+    return invalid;
+  }
+  position += length;
+  return point;
+}
+
+void AppendUtf8(char32_t point, std::string& into) {
+  const auto put = [&into](char32_t byte) {
+    into.push_back(static_cast<char>(static_cast<std::uint8_t>(byte)));
+  };
+  if (IsSurrogate(point) || point >= kInvalidByte) point = kReplacement;
+  if (point < 0x80) {
+    put(point);
+  } else if (point < 0x800) {
+    put(0xC0 | point >> 6);
+    put(0x80 | (point & 0x3F));
+  } else if (point < 0x10000) {
+    put(0xE0 | point >> 12);
+    put(0x80 | (point >> 6 & 0x3F));
+    put(0x80 | (point & 0x3F));
+  } else {
+    put(0xF0 | point >> 18);
+    put(0x80 | (point >> 12 & 0x3F));
+    put(0x80 | (point >> 6 & 0x3F));
+    put(0x80 | (point & 0x3F));
+  }
+}
+
+void DecodeText(std::span<const std::byte> stored, std::string& into) {
+  into.clear();
+  if (stored.size() < 2 || stored[0] != kCompressedMark0 || stored[1] != kCompressedMark1) {
+    DecodePlain(stored, into);
+    return;
+  }
+  const auto runs = stored.subspan(2);
+  const bool ascii =
+      std::all_of(runs.begin(), runs.end(), [](std::byte b) { return b > kSwitch && b < std::byte{0x80}; });
+  if (!ascii) {
+    DecodeCompressed(runs, into);
+    return;
+  }
+  into.resize(runs.size());
+  std::transform(runs.begin(), runs.end(), into.begin(), [](std::byte b) { return static_cast<char>(b); });
+}
+
+Bytes EncodeText(std::string_view utf8, bool compress) {
+  const std::u16string units = Utf8ToUtf16(utf8);
+  // Plain text that begins with U+FEFF would read as compressed.
+  const bool mustCompress = !units.empty() && units.front() == kMarkAsUnit;
+  if (compress || mustCompress) {
+    Bytes compressed = Compress(units);
+    if (!compressed.empty() && (mustCompress || compressed.size() < 2 * units.size())) return compressed;
+  }
+  if (mustCompress) {
+    throw Error(ErrorNumber::CannotConvert,
+                "A text that begins with a byte-order mark and has a character whose low byte is zero cannot "
+                "be stored.");
+  }
+  Bytes plain(2 * units.size());
+  for (std::size_t i = 0; i < units.size(); ++i)
+    StoreU16(plain.data() + 2 * i, units[i]);
+  return plain;
+}
+
+std::size_t Utf16Length(std::string_view utf8) {
+  const bool ascii =
+      std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  return ascii ? utf8.size() : Utf8ToUtf16(utf8).size();
+}
+
+std::string Utf16ToUtf8(std::u16string_view units) {
+  std::string result;
+  result.reserve(units.size());
+  Utf8Writer writer(result);
+  for (const char16_t unit : units)
+    writer.Put(unit);
+  writer.Finish();
+  return result;
+}
+
+std::u16string Utf8ToUtf16(std::string_view utf8) {
+  std::u16string units;
+  units.reserve(utf8.size());
+  for (std::size_t at = 0; at < utf8.size();) {
+    const char32_t point = NextCodePoint(utf8, at);
+    if (point >= kInvalidByte) {
+      throw Error(ErrorNumber::CannotConvert,
+                  "A text is not valid UTF-8 at byte " + std::to_string(at - 1) + ".");
+    }
+    if (point < 0x10000) {
+      units.push_back(static_cast<char16_t>(point));
+    } else {
+      units.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
+      units.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
+    }
+  }
+  return units;
+}
+
+std::string DecodePlainText(std::span<const std::byte> stored) {
+  std::string result;
+  DecodePlain(stored, result);
+  return result;
+}
+
+}  // namespace jet::format

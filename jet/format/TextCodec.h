@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "jet/Value.h"
+
+/// Text in the file is UTF-16, little-endian, or "compressed" to a byte a character; inside the engine it is
+/// UTF-8.
+///
+/// A lone surrogate, which UTF-8 cannot say, is read as U+FFFD; rows keep the very bytes of columns that are
+/// not changed, so reading such a text does not lose it.
+namespace jet::format {
+
+/// Reads a stored text, plain or compressed, into `into`, replacing what it held. Raises DamagedFile for an
+/// odd number of bytes, or compressed text that ends inside a character.
+void DecodeText(std::span<const std::byte> stored, std::string& into);
+
+/// The stored form of a text: compressed when `compress` is set and that is shorter and possible. Raises
+/// CannotConvert when the text is not UTF-8. A text that begins with U+FEFF is compressed in any case, since
+/// plain it would be taken for compressed; one that cannot be raises CannotConvert.
+Bytes EncodeText(std::string_view utf8, bool compress);
+
+/// Number of UTF-16 units of a text, the length that limits of columns and names count. Raises CannotConvert
+/// when the text is not UTF-8.
+std::size_t Utf16Length(std::string_view utf8);
+
+/// UTF-8 of UTF-16 units; a lone surrogate gives U+FFFD.
+std::string Utf16ToUtf8(std::u16string_view units);
+
+/// UTF-16 units of a UTF-8 text. Raises CannotConvert when the text is not UTF-8.
+std::u16string Utf8ToUtf16(std::string_view utf8);
+
+/// UTF-8 of plain little-endian UTF-16 in bytes, as names in table definitions are stored. Raises DamagedFile
+/// for an odd number of bytes.
+std::string DecodePlainText(std::span<const std::byte> stored);
+
+/// What NextCodePoint answers for a byte that is no UTF-8: that byte on top of this.
+inline constexpr char32_t kInvalidByte = 0x110000;
+
+/// The code point that begins at `position` of a text, and moves `position` behind it. A byte that is no part
+/// of valid UTF-8 (also an encoded surrogate or an overlong form) is answered as kInvalidByte + byte.
+char32_t NextCodePoint(std::string_view utf8, std::size_t& position);
+
+/// Appends a code point as UTF-8; one that is none (a surrogate, past U+10FFFF) as U+FFFD.
+void AppendUtf8(char32_t codePoint, std::string& into);
+
+}  // namespace jet::format
