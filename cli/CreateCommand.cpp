@@ -1,0 +1,105 @@
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Json.h"
+#include "cli/System.h"
+#include "jet/Error.h"
+#include "platform/Paths.h"
+#include "storage/HLServiceUtils.h"
+#include "storage/LeagueCsv.h"
+#include "storage/LeagueFile.h"
+
+namespace cli {
+namespace {
+
+struct CreateOptions {
+  bool sample = false;
+  bool force = false;
+  std::string csvFolder;
+};
+
+/// The folder of the sample league: beside the program, or where an installation puts it.
+std::string SampleFolder() {
+  const std::string program = ProgramFolder();
+  const std::string installed = program + "/../share/halcyra/sample";
+  for (const std::string& folder : {program + "/sample", installed}) {
+    if (std::filesystem::is_directory(HLDataSrvc::ToSystemPath(folder))) return folder;
+  }
+  throw Failure(ExitCode::CannotOpen, "The sample league is missing: there is no folder " + installed + ".");
+}
+
+/// The file to make. A backup is named for the date and the time at which it is made.
+std::string NewFileName(const Context& context) {
+  const std::tm now = fmt::localtime(std::time(nullptr));
+  return HLDataSrvc::HLServiceUtils::GetDatabaseFileName(context.Kind(), fmt::format("{:%Y-%m-%d}", now),
+                                                         fmt::format("{:%H-%M}", now));
+}
+
+std::vector<HLDataSrvc::LeagueCsv::Filled> Fill(jet::Database& database, const std::string& folder) {
+  auto filled = HLDataSrvc::LeagueCsv::FillFromFolder(database, folder);
+  if (filled.empty()) {
+    std::string names;
+    for (const std::string& name : HLDataSrvc::LeagueCsv::FileNames())
+      names += (names.empty() ? "" : ", ") + name;
+    throw Failure(ExitCode::Refused, "The folder " + folder + " has none of the files " + names + ".");
+  }
+  return filled;
+}
+
+void Create(Context& context, const CreateOptions& options) {
+  const std::string path = context.PathInFolder(NewFileName(context));
+  const std::string csvFolder = options.sample ? SampleFolder() : options.csvFolder;
+  std::vector<HLDataSrvc::LeagueCsv::Filled> filled;
+  HLDataSrvc::LeagueFileOptions file{.overwrite = options.force};
+  if (!csvFolder.empty()) file.fill = [&](jet::Database& database) { filled = Fill(database, csvFolder); };
+
+  try {
+    HLDataSrvc::CreateLeagueFile(path, file);
+  } catch (const jet::Error& error) {
+    if (error.Number() != jet::ErrorNumber::ObjectExists || options.force) throw;
+    throw Failure(ExitCode::Refused, error.what(), "With --force it is replaced, and what is in it is lost.");
+  } catch (const HLDataSrvc::CsvError& error) {
+    throw Failure(ExitCode::Refused, error.what(), "No file was made.");
+  }
+
+  if (context.json) {
+    Json rows = Json::object();
+    for (const auto& part : filled)
+      rows[part.table] = part.rows;
+    Json document;
+    document["file"] = path;
+    document["rows"] = rows;
+    context.output.Line(JsonText(document));
+    return;
+  }
+  context.output.Line("Made " + path + ".");
+  for (const auto& part : filled)
+    context.output.Line(fmt::format("{:>5} rows  {}", part.rows, part.table));
+  context.messages.Note("Next: 'halcyra info' shows the league, 'halcyra check' checks its file.");
+}
+
+}  // namespace
+
+void AddCreateCommand(CLI::App& app, Context& context) {
+  CLI::App* command = app.add_subcommand("create", "Make a league file of the chosen kind");
+  auto options = std::make_shared<CreateOptions>();
+  CLI::Option* sample = command->add_flag("--sample", options->sample, "fill it with the sample league");
+  command
+      ->add_option(
+          "--csv", options->csvFolder,
+          "fill it from the files positions.csv, teams.csv, prize-types.csv, prizes.csv, players.csv and "
+          "managers.csv of this folder, those that are there")
+      ->excludes(sample);
+  command->add_flag("--force", options->force, "replace a file that is there already");
+  command->callback(
+      [&context, options] { context.action = [&context, options] { Create(context, *options); }; });
+}
+
+}  // namespace cli

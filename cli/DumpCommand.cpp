@@ -1,0 +1,70 @@
+#include <algorithm>
+#include <memory>
+
+#include <fmt/format.h>
+
+#include "cli/Commands.h"
+#include "cli/DatabaseOptions.h"
+#include "cli/ExitCode.h"
+#include "cli/Nearest.h"
+#include "cli/Rows.h"
+
+namespace cli {
+namespace {
+
+struct DumpOptions : DatabaseOptions {
+  std::string table;
+  FormatOption format;
+};
+
+/// The table, its name in any case; when there is none, a failure that suggests the nearest.
+jet::TableInfo FindTable(const jet::Database& database, const std::string& name) {
+  try {
+    return database.Table(name);
+  } catch (const jet::Error& error) {
+    if (error.Number() != jet::ErrorNumber::UnknownTable) throw;
+    std::vector<std::string> names;
+    for (const jet::TableInfo& table : database.Tables()) {
+      if (!table.isSystem) names.push_back(table.name);
+    }
+    const std::string nearest = NearestOf(name, names);
+    const std::string hint = nearest.empty() ? "'halcyra tables' lists the tables of the file."
+                                             : "Did you mean '" + nearest + "'?";
+    throw Failure(ExitCodeOf(error.Number()), error.what(), hint);
+  }
+}
+
+/// All rows of the table, in the order of its primary key if it has one.
+std::string SelectAll(const jet::TableInfo& table) {
+  std::string statement = "select * from " + Bracketed(table.name);
+  const auto key = std::find_if(table.indexes.begin(), table.indexes.end(),
+                                [](const jet::IndexSpec& index) { return index.primary; });
+  if (key == table.indexes.end()) return statement;
+  const char* separator = " order by ";
+  for (const jet::IndexColumn& column : key->columns) {
+    statement += separator + Bracketed(column.name) + (column.ascending ? "" : " desc");
+    separator = ", ";
+  }
+  return statement;
+}
+
+void Dump(Context& context, const DumpOptions& options) {
+  const auto database = options.Open(context);
+  const auto rows = database->OpenRecordset(SelectAll(FindTable(*database, options.table)));
+  const auto writer = MakeRowWriter(options.format.Format(context), context.output);
+  WriteRows(*rows, *writer);
+}
+
+}  // namespace
+
+void AddDumpCommand(CLI::App& app, Context& context) {
+  CLI::App* command = app.add_subcommand("dump", "Print the rows of a table in the order of its primary key");
+  auto options = std::make_shared<DumpOptions>();
+  command->add_option("TABLE", options->table, "name of the table, in any case")->required();
+  options->format.AddTo(*command);
+  options->AddTo(*command);
+  command->callback(
+      [&context, options] { context.action = [&context, options] { Dump(context, *options); }; });
+}
+
+}  // namespace cli

@@ -1,0 +1,63 @@
+#include "cli/League.h"
+
+#include <algorithm>
+
+#include "HLDataSrvc/CreateDataService.h"
+#include "cli/ExitCode.h"
+#include "jet/Error.h"
+#include "storage/HLServiceUtils.h"
+
+namespace cli {
+namespace {
+
+namespace HLServiceUtils = HLDataSrvc::HLServiceUtils;
+
+/// Why the engine does not open a file that is there. The service's message has no number, so the engine is
+/// asked again.
+ExitCode ReasonNotOpened(const std::string& path) {
+  try {
+    HLServiceUtils::Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false,
+                                          HLServiceUtils::GetConnectString());
+  } catch (const jet::Error& error) {
+    return ExitCodeOf(error.Number());
+  }
+  return ExitCode::Refused;
+}
+
+}  // namespace
+
+void LeagueHost::ShowMessage(const std::string& text, const std::string& title) {
+  std::string line = title + ": " + text;
+  line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  m_shown.push_back(std::move(line));
+}
+
+League::League(const Context& context)
+    : m_host(std::make_shared<LeagueHost>(context.folder)), m_service(HLDataSrvc::CreateDataService(m_host)) {
+  std::string message;
+  if (!m_service->Initialize(context.Kind(), message)) RaiseNotOpened(context, message);
+  m_path = HLServiceUtils::GetDatabasePath(*m_host, context.Kind(), "", "");
+  RaiseShownMessages();
+}
+
+void League::RaiseShownMessages() const {
+  if (!m_host->Shown().empty()) throw Failure(ExitCode::Refused, m_host->Shown().front());
+}
+
+void League::RaiseNotOpened(const Context& context, const std::string& message) const {
+  const std::string live = HLServiceUtils::GetDatabaseFileName(HLIData::DBType::Live, "", "");
+  if (HLServiceUtils::GetDatabaseFolder(*m_host).empty()) {
+    throw Failure(ExitCode::CannotOpen, message,
+                  "The folder " + context.folder + " has no '" + live +
+                      "', by which a league's folder is known; 'halcyra create' makes one.");
+  }
+  const std::string path = HLServiceUtils::GetDatabasePath(*m_host, context.Kind(), "", "");
+  if (m_host->FindFile(path).empty()) {
+    throw Failure(ExitCode::CannotOpen, message,
+                  "'halcyra --kind " + context.kindName + " create' makes one.");
+  }
+  throw Failure(ReasonNotOpened(path), message);
+}
+
+}  // namespace cli

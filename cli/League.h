@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "HLDataSrvc/Host.h"
+#include "HLIData/IDataService.h"
+#include "cli/Context.h"
+
+namespace cli {
+
+/// The host of a service that the command line runs: its folder is the one that --folder names, and what it
+/// would show in a message box is kept, for the command to fail with.
+class LeagueHost : public HLDataSrvc::Host {
+ public:
+  explicit LeagueHost(std::string folder) : m_folder(std::move(folder)), m_system(HLDataSrvc::SystemHost()) {}
+
+  std::string ApplicationFolder() const override { return m_folder; }
+  std::string FindFile(const std::string& path) const override { return m_system->FindFile(path); }
+  void ShowMessage(const std::string& text, const std::string& title) override;
+  std::chrono::year_month_day Today() const override { return m_system->Today(); }
+
+  /// The texts of the message boxes since the start, oldest first, each on one line.
+  const std::vector<std::string>& Shown() const { return m_shown; }
+
+ private:
+  std::string m_folder;
+  std::shared_ptr<HLDataSrvc::Host> m_system;
+  std::vector<std::string> m_shown;
+};
+
+/// The league of the chosen folder and kind, open through the data service for as long as this lives.
+class League {
+ public:
+  /// Raises Failure with the service's message when the league does not open.
+  explicit League(const Context& context);
+
+  HLIData::IDataService& Service() { return *m_service; }
+  /// The file that is open.
+  const std::string& Path() const { return m_path; }
+  /// Raises Failure if the service has shown a message box: an operation of it has failed.
+  void RaiseShownMessages() const;
+
+ private:
+  [[noreturn]] void RaiseNotOpened(const Context& context, const std::string& message) const;
+
+  std::shared_ptr<LeagueHost> m_host;
+  std::shared_ptr<HLIData::IDataService> m_service;
+  std::string m_path;
+};
+
+}  // namespace cli

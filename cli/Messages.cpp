@@ -1,0 +1,25 @@
+#include "cli/Messages.h"
+
+#include <string>
+
+namespace cli {
+
+void Messages::Error(std::string_view text) {
+  const std::string lead = m_colour ? "\x1b[1;31mhalcyra:\x1b[0m " : "halcyra: ";
+  Line(lead + std::string(text));
+}
+
+void Messages::Hint(std::string_view text) {
+  Line("  " + std::string(text));
+}
+
+void Messages::Note(std::string_view text) {
+  if (!m_quiet) Line(text);
+}
+
+void Messages::Line(std::string_view text) {
+  const std::string line = std::string(text) + "\n";
+  static_cast<void>(std::fwrite(line.data(), 1, line.size(), m_stream));
+}
+
+}  // namespace cli

@@ -1,0 +1,33 @@
+#include "cli/Output.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include "cli/ExitCode.h"
+
+namespace cli {
+namespace {
+
+[[noreturn]] void RaiseWriteFailure(int error) {
+  throw Failure(ExitCode::SystemFailed, "The result could not be written to standard output: " +
+                                            std::generic_category().message(error) + ".");
+}
+
+}  // namespace
+
+void Output::Write(std::string_view text) {
+  errno = 0;
+  if (std::fwrite(text.data(), 1, text.size(), m_stream) != text.size()) RaiseWriteFailure(errno);
+}
+
+void Output::Line(std::string_view text) {
+  Write(text);
+  Write("\n");
+}
+
+void Output::Flush() {
+  errno = 0;
+  if (std::fflush(m_stream) != 0 || std::ferror(m_stream) != 0) RaiseWriteFailure(errno);
+}
+
+}  // namespace cli

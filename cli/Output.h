@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdio>
+#include <string_view>
+
+namespace cli {
+
+/// Standard output, with every write checked: a result that is not whole is a failure.
+///
+/// Borrows the stream. Raises Failure (SystemFailed) when the system does not take what is written; what the
+/// stream still buffers is only known to be written once `Flush` has returned.
+class Output {
+ public:
+  explicit Output(std::FILE* stream) : m_stream(stream) {}
+
+  void Write(std::string_view text);
+  /// `text` and a line end.
+  void Line(std::string_view text);
+  void Flush();
+
+ private:
+  std::FILE* m_stream;
+};
+
+}  // namespace cli

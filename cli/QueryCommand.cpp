@@ -1,0 +1,37 @@
+#include <memory>
+
+#include "cli/Commands.h"
+#include "cli/DatabaseOptions.h"
+#include "cli/Rows.h"
+
+namespace cli {
+namespace {
+
+struct QueryOptions : DatabaseOptions {
+  std::string statement;
+  FormatOption format;
+  bool explain = false;
+};
+
+void Query(Context& context, const QueryOptions& options) {
+  const auto database = options.Open(context);
+  const auto rows = database->OpenRecordset(options.statement);
+  if (options.explain) context.messages.Note("plan: " + rows->Plan());
+  const auto writer = MakeRowWriter(options.format.Format(context), context.output);
+  WriteRows(*rows, *writer);
+}
+
+}  // namespace
+
+void AddQueryCommand(CLI::App& app, Context& context) {
+  CLI::App* command = app.add_subcommand("query", "Run a select statement and print its rows");
+  auto options = std::make_shared<QueryOptions>();
+  command->add_option("STATEMENT", options->statement, "the select statement")->required();
+  options->format.AddTo(*command);
+  command->add_flag("--explain", options->explain, "tell on standard error how the rows are found");
+  options->AddTo(*command);
+  command->callback(
+      [&context, options] { context.action = [&context, options] { Query(context, *options); }; });
+}
+
+}  // namespace cli

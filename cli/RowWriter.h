@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/Output.h"
+#include "jet/Value.h"
+
+namespace cli {
+
+/// Writes the rows of a result, one after the other, in one of the formats of `dump` and `query`.
+///
+/// Called in the order Begin, Row for each row, End; nothing of the result is kept. Raises Failure when the
+/// output does not take it.
+class RowWriter {
+ public:
+  virtual ~RowWriter() = default;
+
+  virtual void Begin(const std::vector<std::string>& columns) = 0;
+  /// As many values as there are columns.
+  virtual void Row(const std::vector<jet::Value>& values) = 0;
+  virtual void End() = 0;
+};
+
+enum class RowFormat {
+  Tsv,   ///< a header row; Null as \N; backslash, tab and line ends in text escaped
+  Csv,   ///< a header row; Null as nothing, an empty text as ""
+  Json,  ///< an array with an object a row
+};
+
+/// A writer onto `output`, which must outlive it.
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output);
+
+}  // namespace cli

@@ -1,0 +1,38 @@
+#include "cli/Rows.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace cli {
+
+void FormatOption::AddTo(CLI::App& command) {
+  command.add_option("--format", m_format, "tsv, csv or json")
+      ->check(CLI::IsMember({"tsv", "csv", "json"}))
+      ->capture_default_str();
+}
+
+RowFormat FormatOption::Format(const Context& context) const {
+  if (context.json || m_format == "json") return RowFormat::Json;
+  return m_format == "csv" ? RowFormat::Csv : RowFormat::Tsv;
+}
+
+void WriteRows(jet::Recordset& rows, RowWriter& writer) {
+  const std::size_t count = rows.FieldCount();
+  std::vector<std::string> columns;
+  for (std::size_t i = 0; i < count; ++i)
+    columns.push_back(rows.Fields(i).Name());
+  writer.Begin(columns);
+  std::vector<jet::Value> values(count);
+  for (; !rows.Eof(); rows.MoveNext()) {
+    for (std::size_t i = 0; i < count; ++i)
+      values[i] = rows.Fields(i).Value();
+    writer.Row(values);
+  }
+  writer.End();
+}
+
+std::string Bracketed(const std::string& name) {
+  return "[" + name + "]";
+}
+
+}  // namespace cli

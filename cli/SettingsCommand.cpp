@@ -1,0 +1,43 @@
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Json.h"
+#include "cli/League.h"
+
+namespace cli {
+namespace {
+
+void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
+  League league(context);
+  const auto settings = league.Service().GetSettings();
+  league.RaiseShownMessages();
+  if (newSeason) {
+    settings->CurrentSeason(*newSeason);
+    const bool saved = league.Service().SaveSettings();
+    league.RaiseShownMessages();
+    if (!saved) throw Failure(ExitCode::Refused, "The settings could not be saved.");
+  }
+  if (context.json) {
+    Json document;
+    document["currentSeasonID"] = settings->CurrentSeason();
+    context.output.Line(JsonText(document));
+  } else {
+    context.output.Line("current season  " + std::to_string(settings->CurrentSeason()));
+  }
+  if (newSeason) context.messages.Note("The settings were saved in " + league.Path() + ".");
+}
+
+}  // namespace
+
+void AddSettingsCommand(CLI::App& app, Context& context) {
+  CLI::App* command = app.add_subcommand("settings", "Show the league's settings, or change them");
+  auto season = std::make_shared<std::optional<std::int32_t>>();
+  command->add_option("--current-season", *season, "make the season with this id the current one; 0: none");
+  command->callback(
+      [&context, season] { context.action = [&context, season] { Settings(context, *season); }; });
+}
+
+}  // namespace cli

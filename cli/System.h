@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+// What the command line asks of the system it runs on. Implemented in posix/ and windows/.
+
+/// The words of the command line after the program's name, as UTF-8.
+std::vector<std::string> CommandLineWords(int argc, char** argv);
+
+/// Readies the standard streams: bytes go out as they are written, and UTF-8 shows as such.
+void PrepareStandardStreams();
+
+/// The stream leads to a terminal, not to a file or another program.
+bool IsTerminal(std::FILE* stream);
+
+/// The folder that this program was started from, without a separator at its end; "." when the system does
+/// not tell.
+std::string ProgramFolder();
+
+/// Value of an environment variable, as UTF-8; empty when there is none.
+std::string EnvironmentText(const char* name);
+
+}  // namespace cli

@@ -1,0 +1,129 @@
+#include <memory>
+
+#include "cli/Commands.h"
+#include "cli/DatabaseOptions.h"
+#include "cli/Json.h"
+#include "cli/TextTable.h"
+
+namespace cli {
+namespace {
+
+struct TablesOptions : DatabaseOptions {
+  bool system = false;
+};
+
+const char* TypeName(jet::ColumnType type) {
+  switch (type) {
+    case jet::ColumnType::YesNo:
+      return "yes/no";
+    case jet::ColumnType::Byte:
+      return "byte";
+    case jet::ColumnType::Integer:
+      return "integer";
+    case jet::ColumnType::Long:
+      return "long";
+    case jet::ColumnType::Currency:
+      return "currency";
+    case jet::ColumnType::Single:
+      return "single";
+    case jet::ColumnType::Double:
+      return "double";
+    case jet::ColumnType::DateTime:
+      return "date/time";
+    case jet::ColumnType::Binary:
+      return "binary";
+    case jet::ColumnType::Text:
+      return "text";
+    case jet::ColumnType::Ole:
+      return "long binary";
+    case jet::ColumnType::Memo:
+      return "memo";
+    case jet::ColumnType::Guid:
+      return "guid";
+    case jet::ColumnType::Decimal:
+      return "decimal";
+    case jet::ColumnType::Block:
+      return "block";
+  }
+  return "unknown";
+}
+
+std::string KeyColumns(const jet::TableInfo& table) {
+  std::string columns;
+  for (const jet::IndexSpec& index : table.indexes) {
+    if (!index.primary) continue;
+    for (const jet::IndexColumn& column : index.columns)
+      columns += (columns.empty() ? "" : ", ") + column.name;
+  }
+  return columns;
+}
+
+Json ColumnJson(const jet::ColumnSpec& column) {
+  Json json;
+  json["name"] = column.name;
+  json["type"] = TypeName(column.type);
+  if (column.type == jet::ColumnType::Text || column.type == jet::ColumnType::Binary)
+    json["length"] = column.length;
+  if (column.autoNumber) json["autoNumber"] = true;
+  if (column.required) json["required"] = true;
+  if (column.defaultValue) json["default"] = *column.defaultValue;
+  return json;
+}
+
+Json IndexJson(const jet::IndexSpec& index) {
+  Json json;
+  json["name"] = index.name;
+  Json columns = Json::array();
+  for (const jet::IndexColumn& column : index.columns) {
+    columns.push_back(column.ascending ? column.name : column.name + " desc");
+  }
+  json["columns"] = columns;
+  json["primary"] = index.primary;
+  json["unique"] = index.unique;
+  return json;
+}
+
+Json TableJson(const jet::TableInfo& table) {
+  Json json;
+  json["name"] = table.name;
+  json["rows"] = table.rowCount;
+  json["columns"] = Json::array();
+  for (const jet::ColumnSpec& column : table.columns)
+    json["columns"].push_back(ColumnJson(column));
+  json["indexes"] = Json::array();
+  for (const jet::IndexSpec& index : table.indexes)
+    json["indexes"].push_back(IndexJson(index));
+  return json;
+}
+
+void Tables(Context& context, const TablesOptions& options) {
+  const auto database = options.Open(context);
+  Json document = Json::array();
+  using Align = TextTable::Align;
+  TextTable list({{"table"}, {"rows", Align::Right}, {"columns", Align::Right}, {"key"}});
+  for (const jet::TableInfo& table : database->Tables()) {
+    if (table.isSystem && !options.system) continue;
+    document.push_back(TableJson(table));
+    list.Add({table.name, std::to_string(table.rowCount), std::to_string(table.columns.size()),
+              KeyColumns(table)});
+  }
+  if (context.json) {
+    context.output.Line(JsonText(document));
+  } else {
+    list.Print(context.output);
+  }
+}
+
+}  // namespace
+
+void AddTablesCommand(CLI::App& app, Context& context) {
+  CLI::App* command =
+      app.add_subcommand("tables", "List the tables of a file; with --json their columns and indexes too");
+  auto options = std::make_shared<TablesOptions>();
+  command->add_flag("--system", options->system, "list the system tables too");
+  options->AddTo(*command);
+  command->callback(
+      [&context, options] { context.action = [&context, options] { Tables(context, *options); }; });
+}
+
+}  // namespace cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/Output.h"
+
+namespace cli {
+
+/// A small table for people: a header, rows, columns as wide as their widest cell. Holds all of its cells.
+class TextTable {
+ public:
+  enum class Align { Left, Right };
+  struct Column {
+    std::string title;
+    Align align = Align::Left;
+  };
+
+  explicit TextTable(std::vector<Column> columns) : m_columns(std::move(columns)) {}
+
+  /// As many cells as there are columns.
+  void Add(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
+  void Print(Output& output) const;
+
+ private:
+  std::vector<Column> m_columns;
+  std::vector<std::vector<std::string>> m_rows;
+};
+
+}  // namespace cli

@@ -1,0 +1,32 @@
+#include "cli/System.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace cli {
+
+std::vector<std::string> CommandLineWords(int argc, char** argv) {
+  return argc > 1 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+void PrepareStandardStreams() {}
+
+bool IsTerminal(std::FILE* stream) {
+  return isatty(fileno(stream)) != 0;
+}
+
+std::string ProgramFolder() {
+  std::error_code error;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+  return error ? "." : program.parent_path().string();
+}
+
+std::string EnvironmentText(const char* name) {
+  const char* text = std::getenv(name);
+  return text == nullptr ? std::string() : std::string(text);
+}
+
+}  // namespace cli
