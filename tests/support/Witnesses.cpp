@@ -1,0 +1,41 @@
+#include "tests/support/Witnesses.h"
+
+#include <stdexcept>
+
+#include "tests/support/Processes.h"
+#include "tests/support/TestFiles.h"
+
+namespace jet::test {
+
+std::string IndependentCheck(const std::string& path, bool strict, const std::string& password) {
+  std::vector<std::string> command{"python3", std::string(HALCYRA_TEST_TOOLS) + "/mdbcheck.py", path};
+  if (strict) command.emplace_back("--strict");
+  if (!password.empty()) {
+    command.emplace_back("--password");
+    command.push_back(password);
+  }
+  const ProgramResult result = RunProgram(command);
+  if (result.exitCode == 0 && result.output.empty()) return {};
+  return result.output.empty() ? "the checker could not be run" : result.output;
+}
+
+std::string IndependentCheck(const std::vector<std::byte>& bytes, bool strict, const std::string& password) {
+  const TempFolder folder;
+  const std::string path = folder.File("checked.mdb");
+  WriteWholeFile(path, bytes);
+  return IndependentCheck(path, strict, password);
+}
+
+std::string MdbExport(const std::string& path, std::string_view table) {
+  const ProgramResult result =
+      RunProgram({"mdb-export", "-H", "-Q", "-d", "\x1F", "-R", "\x1E", "-0", "\\N", "-b", "strip", "-T",
+                  "%Y-%m-%d %H:%M:%S", path, std::string(table)});
+  if (result.exitCode != 0) throw std::runtime_error("mdb-export failed on " + path + ": " + result.output);
+  return result.output;
+}
+
+bool HasMdbExport() {
+  return HasProgram("mdb-export");
+}
+
+}  // namespace jet::test
