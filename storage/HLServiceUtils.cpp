@@ -1,11 +1,11 @@
 #include "storage/HLServiceUtils.h"
 
-#include <exception>
 #include <optional>
 #include <utility>
 
 #include "jet/Error.h"
 #include "jet/dao/Database.h"
+#include "records/Failures.h"
 
 namespace HLDataSrvc::HLServiceUtils {
 namespace {
@@ -42,16 +42,6 @@ void OpenInPlaceOf(std::shared_ptr<jet::Database>& database, const std::string& 
   // nothing.
   database.reset();
   database = OpenExclusively(path);
-}
-
-template <typename Work>
-bool Trap(std::string& errorMessage, Work&& work) {
-  try {
-    return work();
-  } catch (const std::exception& error) {
-    errorMessage = error.what();
-    return false;
-  }
 }
 
 }  // namespace
@@ -114,7 +104,7 @@ std::string GetConnectString() {
 
 bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr<jet::Database>& database,
                       std::string& errorMessage) {
-  return Trap(errorMessage, [&] {
+  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
     if (host.FindFile(path).empty()) {
       errorMessage = "Database file: " + path + " is missing.";
       return false;
@@ -126,7 +116,7 @@ bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr
 
 bool OpenDatabaseByKind(const Host& host, HLIData::DBType kind, std::shared_ptr<jet::Database>& database,
                         std::string& errorMessage) {
-  return Trap(errorMessage, [&] {
+  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
     return OpenDatabaseFile(host, GetDatabasePath(host, kind, "", ""), database, errorMessage);
   });
 }

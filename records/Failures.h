@@ -1,0 +1,41 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "HLDataSrvc/Host.h"
+#include "records/HLConsts.h"
+
+namespace HLDataSrvc {
+
+// The two styles in which operations tell of a failure. Each operation keeps to one of them; both trap every
+// error that is raised inside.
+
+/// Runs `work(result)` and answers the result. When it raises, shows one message box with the operation's
+/// sentence and the error's description, and answers what the result held at that moment: false, or an empty
+/// reference, until `work` sets it.
+template <typename Result, typename Work>
+Result ShowFailure(Host& host, const std::string& sentence, Work&& work) {
+  Result result{};
+  try {
+    std::forward<Work>(work)(result);
+  } catch (const std::exception& error) {
+    host.ShowMessage(sentence + HLConsts::kLineBreak + error.what(), HLConsts::kServiceTitle);
+  }
+  return result;
+}
+
+/// Runs `work()` and answers what it answers. When it raises, puts the operation's sentence and the error's
+/// description into `errorMessage`, or the description alone when `sentence` is empty, and answers false.
+template <typename Work>
+bool TellFailure(std::string& errorMessage, const std::string& sentence, Work&& work) {
+  try {
+    return std::forward<Work>(work)();
+  } catch (const std::exception& error) {
+    errorMessage = sentence.empty() ? error.what() : sentence + HLConsts::kLineBreak + error.what();
+    return false;
+  }
+}
+
+}  // namespace HLDataSrvc

@@ -1,0 +1,49 @@
+#include "service/DataService.h"
+
+#include <exception>
+#include <utility>
+
+#include "HLIData/Error.h"
+#include "jet/dao/Database.h"
+#include "records/SettingInfo.h"
+
+namespace HLDataSrvc {
+
+DataService::DataService(std::shared_ptr<Host> host) : m_host(std::move(host)) {}
+
+DataService::~DataService() {
+  try {
+    CloseDatabase();
+  } catch (const std::exception&) {
+    // Nobody is left to be told. Rows were written one by one when they were updated; the file is let go
+    // below.
+  }
+  m_database.reset();
+  if (m_settings) m_settings->RemoveObserver(*this);
+  m_settings.reset();
+  m_caches.Clear();
+}
+
+void DataService::CurrentSeasonYear(std::int32_t seasonYear) {
+  auto season = FindCached(m_caches.seasonsByYear, seasonYear);
+  if (!season) season = LoadSeason(0, seasonYear);
+  if (!season) season = AddSeason(seasonYear);
+  if (!season) return;
+
+  m_currentSeasonID = season->ID();
+  m_currentSeasonYear = seasonYear;
+  if (!m_settings) throw HLIData::Error(HLIData::ErrorNumber::ObjectNotSet, "The settings are not loaded.");
+  m_settings->CurrentSeason(m_currentSeasonID);
+  SaveSettings();
+}
+
+void DataService::SettingsChanged() {
+  m_currentSeasonID = m_settings->CurrentSeason();
+}
+
+jet::Database& DataService::Database() const {
+  if (!m_database) throw HLIData::Error(HLIData::ErrorNumber::ObjectNotSet, "The database is not open.");
+  return *m_database;
+}
+
+}  // namespace HLDataSrvc

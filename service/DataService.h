@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "HLDataSrvc/Host.h"
+#include "HLIData/IDataService.h"
+#include "HLIData/ISettingInfo.h"
+#include "service/ServiceCaches.h"
+
+namespace jet {
+class Database;
+}
+
+namespace HLDataSrvc {
+
+class SettingInfo;
+
+/// The data service: holds the open database, the settings object and the caches, and knows the current
+/// season.
+///
+/// Every operation traps what is raised inside it and reports it in one of the two styles of
+/// records/Failures.h, except where its interface says that it raises. Each family of operations has a source
+/// file of its own.
+class DataService final : public HLIData::IDataService, private HLIData::ISettingInfoEvents {
+ public:
+  /// Closed, with nothing loaded and no current season.
+  explicit DataService(std::shared_ptr<Host> host);
+  /// Closes the database, lets go of the settings and forgets all records.
+  ~DataService() override;
+  DataService(const DataService&) = delete;
+  DataService& operator=(const DataService&) = delete;
+
+  std::int32_t CurrentSeasonID() const override { return m_currentSeasonID; }
+  void CurrentSeasonID(std::int32_t value) override { m_currentSeasonID = value; }
+  std::int32_t CurrentSeasonYear() const override { return m_currentSeasonYear; }
+  void CurrentSeasonYear(std::int32_t seasonYear) override;
+  std::shared_ptr<HLIData::ISeasonInfo> GetCurrentSeasonInfo() override;
+  bool DiscardCurrentSeasonInfo() override;
+  std::shared_ptr<HLIData::ISeasonInfo> AddSeason(std::int32_t seasonYear) override;
+  bool SaveCurrentSeasonInfo() override;
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::ISeasonInfo>> GetAllSeasons() override;
+  bool Initialize(HLIData::DBType dbType, std::string& errorMessage) override;
+  bool SaveManagersPlaying() override;
+  bool SaveRanking() override;
+  bool DisableRanking() override;
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IPositionInfo>> GetPlayerPositions() override;
+  bool SaveDrafts() override;
+  bool DeleteDrafts() override;
+  bool DisableDrafting() override;
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::ITeamInfo>> GetTeams() override;
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IPickable>> Search(HLIData::SearchType searchType,
+                                                                       const std::string& searchText,
+                                                                       bool curSeasonOnly,
+                                                                       bool skipRetiredPlayers) override;
+  std::shared_ptr<HLIData::ISettingInfo> GetSettings() override;
+  bool SaveSettings() override;
+  bool UpdatePlayer(const std::string& lastName, const std::string& firstName, std::int32_t position,
+                    std::int32_t team, bool isRetired, std::int32_t& id,
+                    std::shared_ptr<HLIData::IPlayerInfo>& oNewPlayer, std::string& errMessage) override;
+  bool UpdatePosition(const std::string& desc, const std::string& abbr, std::int32_t& id,
+                      std::shared_ptr<HLIData::IPositionInfo>& oNewPosition,
+                      std::string& errMessage) override;
+  bool UpdateManager(const std::string& lastName, const std::string& firstName, std::int32_t& id,
+                     std::shared_ptr<HLIData::IManagerTmplInfo>& oNewManagerTmpl,
+                     std::string& errMessage) override;
+  bool UpdatePrize(const std::string& desc, std::int32_t prizeTypeID, std::int32_t& id,
+                   std::shared_ptr<HLIData::IPrizeTmplInfo>& oNewPrize, std::string& errMessage) override;
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IPrizeTmplInfo>> GetPrizeTmpls() override;
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IPrizeTypeInfo>> GetPrizeTypes() override;
+  bool AddWinning(std::shared_ptr<HLIData::IWinningInfo>& oNewWin) override;
+  bool SaveWinnings() override;
+  void CloseDatabase() override;
+  bool OpenDatabase(bool clearCache, std::string& errorMessage) override;
+  bool Delete(HLIData::DeleteType deleteType, std::int32_t id, std::string& errorMessage) override;
+
+  /// The records loaded so far; for this component only.
+  ServiceCaches& Caches() { return m_caches; }
+  /// The settings object, empty before the first GetSettings; for this component only.
+  const std::shared_ptr<SettingInfo>& Settings() const { return m_settings; }
+
+ private:
+  void SettingsChanged() override;
+
+  /// The open database; raises ObjectNotSet when none is open.
+  jet::Database& Database() const;
+  /// The season with an identifier or, when that is below 1, of a year; empty when there is none.
+  std::shared_ptr<HLIData::ISeasonInfo> LoadSeason(std::int32_t seasonID, std::int32_t seasonYear);
+
+  std::shared_ptr<Host> m_host;
+  std::shared_ptr<jet::Database> m_database;
+  std::int32_t m_currentSeasonID = 0;
+  std::int32_t m_currentSeasonYear = 0;
+  ServiceCaches m_caches;
+  std::shared_ptr<SettingInfo> m_settings;  // we are registered with it for as long as we hold it
+  HLIData::DBType m_databaseKind{};
+};
+
+}  // namespace HLDataSrvc

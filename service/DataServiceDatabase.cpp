@@ -1,0 +1,34 @@
+// Opening and closing the database file.
+
+#include "jet/dao/Database.h"
+#include "records/Failures.h"
+#include "service/DataService.h"
+#include "storage/HLServiceUtils.h"
+
+namespace HLDataSrvc {
+
+bool DataService::Initialize(HLIData::DBType dbType, std::string& errorMessage) {
+  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
+    m_databaseKind = dbType;
+    if (!OpenDatabase(/*clearCache=*/false, errorMessage)) return false;
+    GetSettings();  // shows its own failure; the database is open all the same
+    return true;
+  });
+}
+
+bool DataService::OpenDatabase(bool clearCache, std::string& errorMessage) {
+  if (!HLServiceUtils::OpenDatabaseByKind(*m_host, m_databaseKind, m_database, errorMessage)) {
+    if (errorMessage.empty()) errorMessage = "Error in opening database.";
+    return false;
+  }
+  if (clearCache) m_caches.Clear();
+  return true;
+}
+
+void DataService::CloseDatabase() {
+  if (!m_database) return;
+  m_database->Close();
+  m_database.reset();
+}
+
+}  // namespace HLDataSrvc
