@@ -18,7 +18,8 @@ using namespace index_page;
 namespace {
 
 int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
-  const int order = std::memcmp(a.data(), b.data(), std::min(a.size(), b.size()));
+  const std::size_t shared = std::min(a.size(), b.size());
+  const int order = shared == 0 ? 0 : std::memcmp(a.data(), b.data(), shared);
   if (order != 0) return order;
   return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
@@ -170,7 +171,7 @@ EntryPlace IndexPageView::Previous(EntryPlace place) const {
 int IndexPageView::Compare(EntryPlace place, std::span<const std::byte> key) const {
   if (place.begin == 0 || m_prefix == 0) return CompareBytes(Stored(place), key);
   const std::size_t shared = std::min(m_prefix, key.size());
-  const int order = std::memcmp(Prefix().data(), key.data(), shared);
+  const int order = shared == 0 ? 0 : std::memcmp(Prefix().data(), key.data(), shared);
   if (order != 0) return order;
   if (key.size() <= m_prefix) return 1;
   return CompareBytes(Stored(place), key.subspan(m_prefix));
@@ -306,24 +307,29 @@ void IndexPage::Remove(EntryPlace place) {
   SetUsed(m_used - size);
 }
 
-bool IndexPage::Assign(std::span<const EntryBytes> entries) {
+std::optional<std::size_t> IndexPage::PrefixToFit(std::span<const EntryBytes> entries) {
   std::size_t total = 0;
   for (const EntryBytes& entry : entries)
     total += entry.size();
+  if (total <= kCapacity) return 0;
+  // Entries ascend, so that what the first and the last share, all share. It may reach into the row that ends
+  // them.
+  const EntryBytes& first = entries.front();
+  const EntryBytes& last = entries.back();
+  std::size_t most = first.size();
+  for (const EntryBytes& entry : entries)
+    most = std::min(most, entry.size());
   std::size_t prefix = 0;
-  if (total > kCapacity && entries.size() > 1) {
-    // Entries ascend, so that what the first and the last share, all share. What ends an entry stays with it.
-    const EntryBytes& first = entries.front();
-    const EntryBytes& last = entries.back();
-    std::size_t most = first.size();
-    for (const EntryBytes& entry : entries)
-      most = std::min(most, entry.size());
-    most -= std::min(most, kRowBytes + kChildBytes);
-    while (prefix < most && first[prefix] == last[prefix])
-      ++prefix;
-    total -= prefix * (entries.size() - 1);
-  }
-  if (total > kCapacity) return false;
+  while (prefix + 1 < most && first[prefix] == last[prefix])
+    ++prefix;
+  if (total - prefix * (entries.size() - 1) > kCapacity) return std::nullopt;
+  return prefix;
+}
+
+bool IndexPage::Assign(std::span<const EntryBytes> entries) {
+  const std::optional<std::size_t> fitting = PrefixToFit(entries);
+  if (!fitting) return false;
+  const std::size_t prefix = *fitting;
   Mask mask(m_bytes.data() + kMask);
   mask.Clear();
   std::size_t at = 0;

@@ -123,6 +123,10 @@ class IndexPage : public IndexPageView {
   void SetNext(std::uint32_t page);
   void SetTail(std::uint32_t page);
 
+  /// The prefix with which these entries, which ascend, fit a page: 0 if they do without one, else the
+  /// longest; none when they do not fit.
+  static std::optional<std::size_t> PrefixToFit(std::span<const EntryBytes> entries);
+
   /// Puts an entry before `place`. False, and nothing changed, when it does not fit even with the longest
   /// prefix.
   bool Insert(EntryPlace place, std::span<const std::byte> entry);

@@ -97,26 +97,41 @@ bool IndexEditor::Insert(const KeyBytes& key, RowId row) {
     throw Error(ErrorNumber::RecordTooLarge,
                 "The values of the row are too long for the " + m_index->Where() + ".");
   }
-  const PageNumber leaf = Descend(entry);
-  const MutablePage changed = m_pager->Change(leaf);
-  IndexPage page(changed.Bytes(), leaf);
-  const EntryPlace place = page.LowerBound(entry);
-  const bool isLast = place.IsEnd();
-  bool newKey = true;
-  if (!isLast) {
-    const EntryBytes after = page.Read(place);
-    if (after == entry) RaiseDamaged("it already has an entry for a row that is being added");
-    newKey = !SameKey(after, entry);
+  return InsertEntry(entry);
+}
+
+bool IndexEditor::InsertEntry(const EntryBytes& entry) {
+  for (;;) {
+    const PageNumber leaf = Descend(entry);
+    bool isEndOfIndex = false;
+    {
+      const MutablePage changed = m_pager->Change(leaf);
+      IndexPage page(changed.Bytes(), leaf);
+      const EntryPlace place = page.LowerBound(entry);
+      const bool isLast = place.IsEnd();
+      bool newKey = true;
+      if (!isLast) {
+        const EntryBytes after = page.Read(place);
+        if (after == entry) RaiseDamaged("it already has an entry for a row that is being added");
+        newKey = !SameKey(after, entry);
+      }
+      if (const EntryPlace before = page.Previous(place); newKey && !before.IsEnd()) {
+        newKey = !SameKey(page.Read(before), entry);
+      }
+      if (page.Insert(place, entry)) {
+        if (isLast && !m_path.empty()) RefreshKeys(m_path.size(), leaf);
+        return newKey;
+      }
+      isEndOfIndex = isLast && page.IndexPageView::Next() == 0;
+      if (isEndOfIndex || page.First().end == page.Used()) {
+        SplitLeaf(leaf, &entry);
+        return newKey;
+      }
+    }
+    // The halves fit, having been one page; the entry may share less with them than they do with each other,
+    // so that a half may have to be split again.
+    SplitLeaf(leaf, nullptr);
   }
-  if (const EntryPlace before = page.Previous(place); newKey && !before.IsEnd()) {
-    newKey = !SameKey(page.Read(before), entry);
-  }
-  if (!page.Insert(place, entry)) {
-    SplitLeaf(leaf, entry, isLast && page.IndexPageView::Next() == 0);
-  } else if (isLast && !m_path.empty()) {
-    RefreshKeys(m_path.size(), leaf);
-  }
-  return newKey;
 }
 
 bool IndexEditor::Erase(const KeyBytes& key, RowId row) {
@@ -160,51 +175,54 @@ bool IndexEditor::EraseEntry(const EntryBytes& entry) {
   return true;
 }
 
-void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes& added, bool append) {
+// Splits a leaf in the middle; or, with `appended`, puts that entry on a page of its own: keys that grow fill
+// every page, and an entry that nearly fills a page has it for itself.
+void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes* appended) {
   std::vector<EntryBytes> entries;
   {
     const PageHandle page = m_pager->Get(leaf);
     entries = IndexPageView(page.Bytes(), leaf).AllEntries();
   }
-  entries.insert(std::lower_bound(entries.begin(), entries.end(), added), added);
-  // Appending leaves the full page full: keys that grow fill every page.
-  const std::size_t cut =
-      append ? entries.size() - 1 : MiddleOf(entries, [](const EntryBytes& entry) { return entry.size(); });
-  const std::span<const EntryBytes> all = entries;
-
-  PageNumber left = leaf;
-  if (m_path.empty()) {
-    left = NewPage(0).Number();
+  std::size_t cut = 0;
+  if (appended == nullptr) {
+    cut = MiddleOf(entries, [](const EntryBytes& entry) { return entry.size(); });
+  } else {
+    const auto place = entries.insert(std::lower_bound(entries.begin(), entries.end(), *appended), *appended);
+    cut = std::max<std::size_t>(1, static_cast<std::size_t>(place - entries.begin()));
   }
+  const std::span<const EntryBytes> all = entries;
+  const PageNumber left = m_path.empty() ? NewPage(0).Number() : leaf;
   const PageNumber right = NewPage(0).Number();
   for (const auto& [number, part] : {std::pair{left, all.first(cut)}, std::pair{right, all.subspan(cut)}}) {
     const MutablePage page = m_pager->Change(number);
     [[maybe_unused]] const bool fits = IndexPage(page.Bytes(), number).Assign(part);
     assert(fits);
   }
-  if (m_path.empty()) {
-    const MutablePage root = m_pager->Change(leaf);
-    IndexPage::Initialize(root.Bytes(), m_tablePage, 1);
-    WriteBranch(leaf, {{{entries[cut - 1], left}}, right});
-    LinkAfter(left, right);
-    return;
-  }
   LinkAfter(left, right);
-  ReplaceChild(m_path.size() - 1, left, entries[cut - 1], right);
+  const Child first{entries[cut - 1], left};
+  if (m_path.empty()) {
+    {
+      const MutablePage root = m_pager->Change(leaf);
+      IndexPage::Initialize(root.Bytes(), m_tablePage, 1);
+    }
+    WriteBranch(leaf, {{first}, right});
+  } else {
+    ReplaceChild(m_path.size() - 1, leaf, {&first, 1}, right);
+  }
 }
 
-// The child `left` of the branch at `level` of the path was split into `left` and `right`.
-void IndexEditor::ReplaceChild(std::size_t level, PageNumber left, const EntryBytes& leftKey,
-                               PageNumber right) {
+// The child `child` of the branch at `level` of the path was split: `firsts`, and `last` in its role.
+void IndexEditor::ReplaceChild(std::size_t level, PageNumber child, std::span<const Child> firsts,
+                               PageNumber last) {
   Branch branch = ReadBranch(m_path[level].page);
-  const auto found =
-      std::find_if(branch.keyed.begin(), branch.keyed.end(), [&](const Child& c) { return c.page == left; });
+  auto found =
+      std::find_if(branch.keyed.begin(), branch.keyed.end(), [&](const Child& c) { return c.page == child; });
   if (found == branch.keyed.end()) {
-    branch.keyed.push_back({leftKey, left});
-    branch.tail = right;
+    branch.keyed.insert(branch.keyed.end(), firsts.begin(), firsts.end());
+    branch.tail = last;
   } else {
-    found->key = leftKey;
-    branch.keyed.insert(found + 1, {LastEntry(right), right});
+    *found = {LastEntry(last), last};
+    branch.keyed.insert(found, firsts.begin(), firsts.end());
   }
   UpdateBranch(level, branch);
 }
@@ -226,16 +244,21 @@ IndexEditor::Branch IndexEditor::ReadBranch(PageNumber number) const {
   return branch;
 }
 
-// False, and nothing changed, when the entries do not fit the page.
-bool IndexEditor::WriteBranch(PageNumber number, const Branch& branch) {
+std::vector<EntryBytes> IndexEditor::EntriesOf(const std::vector<Child>& children) {
   std::vector<EntryBytes> entries;
-  entries.reserve(branch.keyed.size());
-  for (const Child& child : branch.keyed) {
+  entries.reserve(children.size());
+  for (const Child& child : children) {
     EntryBytes entry = child.key;
     entry.resize(entry.size() + kChildBytes);
     format::StoreBigU32(entry.data() + child.key.size(), child.page);
     entries.push_back(std::move(entry));
   }
+  return entries;
+}
+
+// False, and nothing changed, when the entries do not fit the page.
+bool IndexEditor::WriteBranch(PageNumber number, const Branch& branch) {
+  const std::vector<EntryBytes> entries = EntriesOf(branch.keyed);
   const MutablePage page = m_pager->Change(number);
   IndexPage writer(page.Bytes(), number);
   if (!writer.Assign(entries)) return false;
@@ -251,33 +274,54 @@ void IndexEditor::UpdateBranch(std::size_t level, const Branch& branch) {
   }
 }
 
+// Cuts children at `cut`, and the parts again in their middle as long as they do not fit a page.
+void IndexEditor::AddParts(std::span<const Child> children, std::size_t cut,
+                           std::vector<std::vector<Child>>& parts) {
+  for (const std::span<const Child> part : {children.first(cut), children.subspan(cut)}) {
+    std::vector<Child> copy(part.begin(), part.end());
+    if (part.size() <= 1 || IndexPage::PrefixToFit(EntriesOf(copy))) {
+      parts.push_back(std::move(copy));
+    } else {
+      AddParts(part, MiddleOf(part, [](const Child& child) { return child.key.size(); }), parts);
+    }
+  }
+}
+
 void IndexEditor::SplitBranch(std::size_t level, const Branch& branch) {
+  // A branch with a tail is the last of its level and grows at its end: leave it full.
   const std::size_t cut = branch.tail != 0
                               ? branch.keyed.size() - 1
                               : MiddleOf(branch.keyed, [](const Child& child) { return child.key.size(); });
-  const auto middle = branch.keyed.begin() + static_cast<std::ptrdiff_t>(cut);
-  const Branch leftPart{{branch.keyed.begin(), middle}, 0};
-  const Branch rightPart{{middle, branch.keyed.end()}, branch.tail};
+  std::vector<std::vector<Child>> parts;
+  AddParts(branch.keyed, cut, parts);
+
   const PageNumber number = m_path[level].page;
   std::uint8_t height = 0;
   {
     const PageHandle page = m_pager->Get(number);
     height = std::max<std::uint8_t>(1, IndexPageView(page.Bytes(), number).Level());
   }
-  const PageNumber left = level == 0 ? NewPage(height).Number() : number;
-  const PageNumber right = NewPage(height).Number();
-  [[maybe_unused]] const bool fits = WriteBranch(left, leftPart) && WriteBranch(right, rightPart);
-  assert(fits);
-  LinkAfter(left, right);
-  if (level == 0) {
-    {
-      const MutablePage root = m_pager->Change(number);
-      IndexPage::Initialize(root.Bytes(), m_tablePage, static_cast<std::uint8_t>(height + 1));
-    }
-    WriteBranch(number, {{{leftPart.keyed.back().key, left}}, right});
+  std::vector<Child> written;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const PageNumber page = i == 0 && level != 0 ? number : NewPage(height).Number();
+    EntryBytes last = parts[i].back().key;
+    [[maybe_unused]] const bool fits =
+        WriteBranch(page, {std::move(parts[i]), i + 1 == parts.size() ? branch.tail : 0});
+    assert(fits);
+    if (i > 0) LinkAfter(written.back().page, page);
+    written.push_back({std::move(last), page});
+  }
+  const PageNumber last = written.back().page;
+  written.pop_back();
+  if (level != 0) {
+    ReplaceChild(level - 1, number, written, last);
     return;
   }
-  ReplaceChild(level - 1, left, leftPart.keyed.back().key, right);
+  {
+    const MutablePage root = m_pager->Change(number);
+    IndexPage::Initialize(root.Bytes(), m_tablePage, static_cast<std::uint8_t>(height + 1));
+  }
+  WriteBranch(number, {std::move(written), last});
 }
 
 // The greatest entry below `child`, a child of the branch at `level` - 1 of the path, may have changed: makes

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "jet/file/Pager.h"
@@ -46,16 +47,20 @@ class IndexEditor {
   };
 
   PageNumber Descend(const format::EntryBytes& entry);
+  bool InsertEntry(const format::EntryBytes& entry);
   bool EraseEntry(const format::EntryBytes& entry);
-  void SplitLeaf(PageNumber leaf, const format::EntryBytes& added, bool append);
+  void SplitLeaf(PageNumber leaf, const format::EntryBytes* appended);
   Branch ReadBranch(PageNumber page) const;
+  static std::vector<format::EntryBytes> EntriesOf(const std::vector<Child>& children);
   bool WriteBranch(PageNumber page, const Branch& branch);
   void UpdateBranch(std::size_t level, const Branch& branch);
   void SplitBranch(std::size_t level, const Branch& branch);
+  static void AddParts(std::span<const Child> children, std::size_t cut,
+                       std::vector<std::vector<Child>>& parts);
+  void ReplaceChild(std::size_t level, PageNumber child, std::span<const Child> firsts, PageNumber last);
   void RefreshKeys(std::size_t level, PageNumber child);
   void RemoveChild(std::size_t level, PageNumber child);
   void CollapseRoot(PageNumber child);
-  void ReplaceChild(std::size_t level, PageNumber left, const format::EntryBytes& leftKey, PageNumber right);
   format::EntryBytes LastEntry(PageNumber page) const;
   bool IsKeylessChild(PageNumber tail, PageNumber lastKeyed) const;
   MutablePage NewPage(std::uint8_t level);
