@@ -1,0 +1,130 @@
+#include "jet/table/Describe.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "jet/Error.h"
+#include "jet/format/NameOrder.h"
+#include "jet/format/PageLayout.h"
+
+namespace jet {
+
+using format::ColumnDefinition;
+using format::LogicalIndexDefinition;
+
+namespace {
+
+// Attributes of a relationship (grbit).
+constexpr std::int32_t kNotEnforced = 0x2;
+constexpr std::int32_t kCascadeUpdates = 0x100;
+constexpr std::int32_t kCascadeDeletes = 0x1000;
+
+ColumnSpec DescribeColumn(const Table& table, std::size_t number) {
+  const ColumnDefinition& column = table.Definition().columns[number];
+  const ColumnRules& rules = table.Rules(number);
+  ColumnSpec spec;
+  spec.name = column.name;
+  spec.type = column.type;
+  if (column.type == ColumnType::Text) spec.length = column.size / 2;
+  if (column.type == ColumnType::Binary || column.type == ColumnType::Block) spec.length = column.size;
+  spec.autoNumber = column.IsAutoNumber();
+  spec.compressed = column.compressed;
+  spec.required = rules.required;
+  spec.allowZeroLength = rules.allowZeroLength;
+  spec.defaultValue = rules.defaultValue;
+  spec.precision = column.precision;
+  spec.scale = column.scale;
+  return spec;
+}
+
+IndexSpec DescribeIndex(const Table& table, const LogicalIndexDefinition& logical) {
+  const format::IndexDefinition& real = table.Definition().indexes[logical.real];
+  IndexSpec spec;
+  spec.name = logical.name;
+  for (std::size_t i = 0; i < real.columns.size(); ++i) {
+    const std::size_t column = table.IndexColumns(logical.real)[i];
+    spec.columns.push_back({table.Definition().columns[column].name, real.columns[i].ascending});
+  }
+  spec.primary = logical.kind == LogicalIndexDefinition::Kind::Primary;
+  spec.foreign = logical.kind == LogicalIndexDefinition::Kind::Relation;
+  spec.unique = real.IsUnique();
+  spec.required = real.IsRequired();
+  spec.ignoreNulls = real.IgnoresNulls();
+  return spec;
+}
+
+}  // namespace
+
+TableInfo DescribeTable(const Table& table) {
+  TableInfo info;
+  info.name = table.Name();
+  info.isSystem = table.IsSystem();
+  info.rowCount = table.RowCount();
+  // Definitions list columns in any order; people know them in the order of their making.
+  std::vector<std::size_t> order(table.Definition().columns.size());
+  for (std::size_t c = 0; c < order.size(); ++c)
+    order[c] = c;
+  std::ranges::sort(order, {}, [&](std::size_t c) { return table.Definition().columns[c].number; });
+  for (const std::size_t c : order)
+    info.columns.push_back(DescribeColumn(table, c));
+  for (const LogicalIndexDefinition& index : table.Definition().logicalIndexes) {
+    info.indexes.push_back(DescribeIndex(table, index));
+  }
+  return info;
+}
+
+std::vector<RelationInfo> DescribeRelations(Store& store) {
+  const Table& relations = store.TableAt(format::system_page::kRelationships);
+  const auto column = [&](const char* name) {
+    const std::optional<std::size_t> found = relations.FindColumn(name);
+    if (!found) {
+      throw Error(ErrorNumber::DamagedFile,
+                  "Table 'MSysRelationships' is damaged: it has no column '" + std::string(name) + "'.");
+    }
+    return *found;
+  };
+  const std::size_t name = column("szRelationship");
+  const std::size_t attributes = column("grbit");
+  const std::size_t position = column("icolumn");
+  const std::size_t table = column("szObject");
+  const std::size_t tableColumn = column("szColumn");
+  const std::size_t parent = column("szReferencedObject");
+  const std::size_t parentColumn = column("szReferencedColumn");
+
+  struct Pair {
+    std::int32_t position;
+    std::string column;
+    std::string parentColumn;
+  };
+  std::map<std::string, std::pair<RelationInfo, std::vector<Pair>>> found;
+  for (TableScan scan(relations); scan.Next();) {
+    const auto text = [&](std::size_t c) { return relations.Read(scan.Row(), c).ToText(); };
+    const auto number = [&](std::size_t c) {
+      const Value value = relations.Read(scan.Row(), c);
+      return value.As<std::int32_t>() == nullptr ? 0 : *value.As<std::int32_t>();
+    };
+    const std::string relationName = text(name);
+    auto& [info, pairs] = found[format::FoldName(relationName)];
+    info.name = relationName;
+    info.table = text(table);
+    info.parentTable = text(parent);
+    info.enforced = (number(attributes) & kNotEnforced) == 0;
+    info.cascadeUpdates = (number(attributes) & kCascadeUpdates) != 0;
+    info.cascadeDeletes = (number(attributes) & kCascadeDeletes) != 0;
+    pairs.push_back({number(position), text(tableColumn), text(parentColumn)});
+  }
+  std::vector<RelationInfo> result;
+  for (auto& [key, entry] : found) {
+    auto& [info, pairs] = entry;
+    std::ranges::sort(pairs, {}, &Pair::position);
+    for (Pair& pair : pairs) {
+      info.columns.push_back(std::move(pair.column));
+      info.parentColumns.push_back(std::move(pair.parentColumn));
+    }
+    result.push_back(std::move(info));
+  }
+  return result;
+}
+
+}  // namespace jet
