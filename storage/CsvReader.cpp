@@ -40,10 +40,12 @@ CsvReader::CsvReader(std::istream& in, std::string file) : m_in(in), m_file(std:
 }
 
 void CsvReader::SkipByteOrderMark() {
+  const auto start = m_in.tellg();
   for (const int expected : {0xEF, 0xBB, 0xBF}) {
-    if (m_in.peek() != expected)
-      return;  // less than the whole mark is no UTF-8: refused with the first field
-    m_in.get();
+    if (m_in.get() == expected) continue;
+    m_in.clear();
+    m_in.seekg(start);
+    return;
   }
 }
 

@@ -32,7 +32,8 @@ class CsvError : public std::runtime_error {
 ///
 /// As RFC 4180 has it: fields are separated by commas and records by line ends (CR LF, or LF alone); a field
 /// in double quotes may hold both, and a quote when it is doubled. The text is UTF-8, with or without a byte
-/// order mark. Lines with nothing on them are passed over. Borrows the stream. Raises CsvError.
+/// order mark. Lines with nothing on them are passed over. Borrows the stream, which must be one that can be
+/// positioned. Raises CsvError.
 class CsvReader {
  public:
   /// `file` is the name for messages.

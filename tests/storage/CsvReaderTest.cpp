@@ -37,6 +37,7 @@ TEST(CsvReader, QuotedFieldsHoldCommasLineEndsAndDoubledQuotes) {
 TEST(CsvReader, PassesOverByteOrderMarkAndEmptyLines) {
   EXPECT_EQ(Read("\xEF\xBB\xBFid\n\n1\r\n\r\n\n"), (Records{{"id"}, {"1"}}));
   EXPECT_EQ(Read("\xEF\xBB\xBF\"id\"\n"), (Records{{"id"}}));
+  EXPECT_EQ(Read("\xEF\xBD\x89\n"), (Records{{"\xEF\xBD\x89"}})) << "begins like the mark, but is none";
   EXPECT_EQ(Read("Zo\xC3\xAB,\xF0\x9F\x8F\x88"), (Records{{"Zo\xC3\xAB", "\xF0\x9F\x8F\x88"}}));
 }
 
