@@ -275,13 +275,14 @@ std::vector<std::string> FileNames() {
 }
 
 std::vector<Filled> FillFromFolder(jet::Database& database, const std::string& folder) {
-  if (!std::filesystem::is_directory(ToSystemPath(folder))) {
+  std::error_code unknown;
+  if (!std::filesystem::is_directory(ToSystemPath(folder), unknown)) {
     throw jet::Error(jet::ErrorNumber::PathNotFound, "There is no folder " + folder + ".");
   }
   std::vector<Filled> filled;
   for (const TableFile& file : TableFiles()) {
     const std::filesystem::path path = ToSystemPath(folder) / file.file;
-    if (!std::filesystem::exists(path)) continue;
+    if (std::filesystem::status(path, unknown).type() == std::filesystem::file_type::not_found) continue;
     filled.push_back({file.file, file.table, FillFromFile(database, file, path)});
   }
   return filled;

@@ -212,7 +212,8 @@ void RefuseFileInUse(const std::string& path) {
 }  // namespace
 
 void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options) {
-  if (std::filesystem::exists(ToSystemPath(path))) {
+  std::error_code unknown;  // what cannot be looked at cannot be made either: the engine says why
+  if (std::filesystem::exists(ToSystemPath(path), unknown)) {
     if (!options.overwrite)
       throw jet::Error(jet::ErrorNumber::ObjectExists, "File " + path + " is there already.");
     RefuseFileInUse(path);

@@ -1,0 +1,22 @@
+# Installs the library into a folder of its own, moves it, and builds and runs a client there.
+# Called with BUILD (the build tree), WORK (a folder to work in), CLIENT (the client's sources) and COMPILER.
+function(run)
+  execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    string(JOIN " " command ${ARGV})
+    message(FATAL_ERROR "${command}\n${output}")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --component HLDataSrvc --prefix ${WORK}/first)
+file(RENAME ${WORK}/first ${WORK}/moved)
+file(GLOB_RECURSE pc_file ${WORK}/moved/HLDataSrvc.pc)
+get_filename_component(pc_folder ${pc_file} DIRECTORY)
+set(ENV{PKG_CONFIG_PATH} ${pc_folder})
+run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -DCMAKE_PREFIX_PATH=${WORK}/moved -DCMAKE_CXX_COMPILER=${COMPILER})
+run(${CMAKE_COMMAND} --build ${WORK}/client)
+run(${WORK}/client/client)
+if(EXISTS ${WORK}/client/client_of_pkgconfig)
+  run(${WORK}/client/client_of_pkgconfig)
+endif()
