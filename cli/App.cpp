@@ -20,10 +20,10 @@ constexpr const char* kHelpHint =
     "'halcyra --help' lists the commands, 'halcyra COMMAND --help' a command's options.";
 
 void AddGlobalOptions(CLI::App& app, Context& context) {
-  app.add_option("--folder", context.folder,
-                 "folder of the league's files; else $HALCYRA_FOLDER, else the program's own")
+  app.add_option("--folder", context.folder, "folder of the league's files; without one, the program's own")
+      ->type_name("DIR")
       ->envname("HALCYRA_FOLDER");
-  app.add_option("--kind", context.kindName, "live, test, blank, backup or setup")
+  app.add_option("--kind", context.kindName, "which of the league's files to work on")
       ->transform(CLI::IsMember({"live", "test", "blank", "backup", "setup"}, CLI::ignore_case))
       ->capture_default_str();
   app.add_flag("--json", context.json, "print the result as JSON");
@@ -38,6 +38,9 @@ void AddCommands(CLI::App& app, Context& context) {
   AddDumpCommand(app, context);
   AddQueryCommand(app, context);
   AddCheckCommand(app, context);
+  for (CLI::App* command : app.get_subcommands({})) {
+    command->footer("The options that 'halcyra --help' lists may stand here too.");
+  }
 }
 
 CLI::App& ChosenCommand(CLI::App& app) {
@@ -112,9 +115,10 @@ bool Parse(CLI::App& app, std::vector<std::string> words, Output& output) {
 void ParseAndAct(const std::vector<std::string>& words, Output& output, Messages& messages) {
   Context context(output, messages);
   CLI::App app("The files of a private fantasy league: make them, look into them, check them.");
+  app.set_help_flag("--help,-h", "print this help and exit");
   app.require_subcommand(1);
   app.fallthrough();
-  app.set_version_flag("--version", "halcyra " HALCYRA_VERSION);
+  app.set_version_flag("--version", "halcyra " HALCYRA_VERSION, "print the version and exit");
   AddGlobalOptions(app, context);
   AddCommands(app, context);
   if (Parse(app, words, output)) {

@@ -13,7 +13,7 @@ namespace {
 class CheckOptions : public DatabaseOptions {
  public:
   void AddTo(CLI::App& command) {
-    command.add_option("FILE", m_file, "file to check; without one, the league's");
+    command.add_option("FILE", m_file, "file to check; without one, the league's")->type_name("");
     DatabaseOptions::AddTo(command);
   }
 };

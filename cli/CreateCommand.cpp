@@ -96,6 +96,7 @@ void AddCreateCommand(CLI::App& app, Context& context) {
           "--csv", options->csvFolder,
           "fill it from the files positions.csv, teams.csv, prize-types.csv, prizes.csv, players.csv and "
           "managers.csv of this folder, those that are there")
+      ->type_name("DIR")
       ->excludes(sample);
   command->add_flag("--force", options->force, "replace a file that is there already");
   command->callback(

@@ -24,13 +24,15 @@ std::string FirstLine(const std::string& path) {
 }  // namespace
 
 void DatabaseOptions::AddTo(CLI::App& command) {
-  command.add_option("--file", m_file, "any Jet 4 file; without one, the league's of the chosen kind");
-  m_passwordOption =
-      command.add_option("--password", m_password,
-                         "password of the file; other users of the machine may see it while the "
-                         "program runs, so better --password-file or $HALCYRA_PASSWORD");
-  m_passwordFileOption =
-      command.add_option("--password-file", m_passwordFile, "file whose first line is the password");
+  command.add_option("--file", m_file, "any Jet 4 file; without one, the league's of the chosen kind")
+      ->type_name("FILE");
+  m_passwordOption = command.add_option(
+      "--password", m_password, "password of the file; other users may see it while the program runs");
+  m_passwordOption->type_name("PASSWORD");
+  m_passwordFileOption = command.add_option(
+      "--password-file", m_passwordFile,
+      "file whose first line is the password; without either, $HALCYRA_PASSWORD, else the league's own");
+  m_passwordFileOption->type_name("FILE");
 }
 
 std::string DatabaseOptions::Path(const Context& context) const {

@@ -60,7 +60,7 @@ void Dump(Context& context, const DumpOptions& options) {
 void AddDumpCommand(CLI::App& app, Context& context) {
   CLI::App* command = app.add_subcommand("dump", "Print the rows of a table in the order of its primary key");
   auto options = std::make_shared<DumpOptions>();
-  command->add_option("TABLE", options->table, "name of the table, in any case")->required();
+  command->add_option("TABLE", options->table, "name of the table, in any case")->type_name("")->required();
   options->format.AddTo(*command);
   options->AddTo(*command);
   command->callback(

@@ -26,7 +26,7 @@ void Query(Context& context, const QueryOptions& options) {
 void AddQueryCommand(CLI::App& app, Context& context) {
   CLI::App* command = app.add_subcommand("query", "Run a select statement and print its rows");
   auto options = std::make_shared<QueryOptions>();
-  command->add_option("STATEMENT", options->statement, "the select statement")->required();
+  command->add_option("STATEMENT", options->statement, "the select statement")->type_name("")->required();
   options->format.AddTo(*command);
   command->add_flag("--explain", options->explain, "tell on standard error how the rows are found");
   options->AddTo(*command);

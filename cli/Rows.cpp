@@ -6,7 +6,7 @@
 namespace cli {
 
 void FormatOption::AddTo(CLI::App& command) {
-  command.add_option("--format", m_format, "tsv, csv or json")
+  command.add_option("--format", m_format, "how the rows are written")
       ->check(CLI::IsMember({"tsv", "csv", "json"}))
       ->capture_default_str();
 }

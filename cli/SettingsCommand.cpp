@@ -35,7 +35,8 @@ void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
 void AddSettingsCommand(CLI::App& app, Context& context) {
   CLI::App* command = app.add_subcommand("settings", "Show the league's settings, or change them");
   auto season = std::make_shared<std::optional<std::int32_t>>();
-  command->add_option("--current-season", *season, "make the season with this id the current one; 0: none");
+  command->add_option("--current-season", *season, "make the season with this id the current one; 0: none")
+      ->type_name("ID");
   command->callback(
       [&context, season] { context.action = [&context, season] { Settings(context, *season); }; });
 }
