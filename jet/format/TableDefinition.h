@@ -27,6 +27,7 @@ struct ColumnDefinition {
   std::uint8_t sortVariant = 0;       ///< text: upper half of the LCID
   std::uint8_t sortVersion = 0;       ///< text: 0 is General Legacy
   bool compressed = false;            ///< text may be stored with a byte a character
+  std::uint8_t otherFlags = 0;        ///< what stands beside `compressed`; kept
 
   bool IsFixed() const { return (flags & 0x01) != 0; }
   bool IsAutoNumber() const { return (flags & 0x04) != 0; }

@@ -57,6 +57,7 @@ ColumnDefinition ReadColumn(ByteReader& reader) {
   column.sortVersion = LoadU8(at + 14);
   column.flags = LoadU8(at + 15);
   column.compressed = (LoadU8(at + 16) & kCompressed) != 0;
+  column.otherFlags = static_cast<std::uint8_t>(LoadU8(at + 16) & ~kCompressed);
   column.fixedOffset = LoadU16(at + 21);
   column.size = LoadU16(at + 23);
   return column;
@@ -77,7 +78,7 @@ void WriteColumn(const ColumnDefinition& column, std::byte* at) {
   StoreU8(at + 13, column.sortVariant);
   StoreU8(at + 14, column.sortVersion);
   StoreU8(at + 15, column.flags);
-  StoreU8(at + 16, column.compressed ? kCompressed : std::uint8_t{0});
+  StoreU8(at + 16, static_cast<std::uint8_t>(column.otherFlags | (column.compressed ? kCompressed : 0)));
   StoreU16(at + 21, column.IsFixed() ? column.fixedOffset : std::uint16_t{0});
   StoreU16(at + 23, column.size);
 }

@@ -70,6 +70,10 @@ std::unique_ptr<Store> Store::Open(std::unique_ptr<File> file, const std::string
   auto pages = std::make_unique<PageStore>(std::move(file), name);
   pages->SetKey(header.databaseKey);
   auto pager = std::make_unique<Pager>(std::move(pages), cacheBytes);
+  return Adopt(std::move(pager), std::move(header));
+}
+
+std::unique_ptr<Store> Store::Adopt(std::unique_ptr<Pager> pager, format::DatabaseHeader header) {
   std::unique_ptr<Store> store(new Store(std::move(pager), std::move(header)));
   store->m_allocator.CheckFileIsWhole();
   store->ReadCatalog();

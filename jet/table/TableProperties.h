@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "jet/Schema.h"
+#include "jet/Value.h"
+
+namespace jet {
+
+/// The properties (LvProp) of a new table: what its columns require, allow and default to. Empty when no
+/// column has any.
+Bytes MakeTableProperties(const TableSpec& table);
+
+}  // namespace jet
