@@ -177,7 +177,10 @@ void IndexCheck::TakeEntry(const EntryBytes& entry, PageNumber page) {
   const bool ascends =
       m_lastEntry.empty() ||
       std::lexicographical_compare(m_lastEntry.begin(), m_lastEntry.end(), entry.begin(), entry.end());
-  if (!ascends) m_findings->Add(m_where, "entries of page " + std::to_string(page) + " are out of order");
+  if (!ascends && m_disorderedPage != page) {
+    m_findings->Add(m_where, "entries of page " + std::to_string(page) + " are out of order");
+    m_disorderedPage = page;
+  }
   m_rows.push_back(row);
   CheckEntry(entry, row);
   m_lastEntry = entry;

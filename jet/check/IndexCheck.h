@@ -51,9 +51,10 @@ class IndexCheck {
   std::string m_where;
   std::vector<PageNumber> m_tree;
   std::vector<PageNumber> m_leaves;
-  std::vector<RowId> m_rows;       // rows of the entries met so far
-  format::EntryBytes m_lastEntry;  // empty before the first
-  bool m_isWhole = true;           // false: part of the tree could not be read
+  std::vector<RowId> m_rows;        // rows of the entries met so far
+  format::EntryBytes m_lastEntry;   // empty before the first
+  PageNumber m_disorderedPage = 0;  // the last page told of for the order of its entries
+  bool m_isWhole = true;            // false: part of the tree could not be read
 };
 
 }  // namespace jet::check

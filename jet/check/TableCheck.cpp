@@ -243,14 +243,15 @@ void TableCheck::CheckMovedRow(RowId home, std::span<const std::byte> pointerByt
 }
 
 void TableCheck::CheckRow(RowId id, std::span<const std::byte> row) {
-  m_findings->Guard(m_where + " " + PlaceOf(id.page, id.slot), [&] {
+  const auto check = [&] {
     const std::size_t columns = row.size() < 2 ? 0 : LoadU16(row.data());
     if (columns == 0 || columns > m_definition->columnsEver) {
       RaiseDamaged("the row says that it has " + std::to_string(columns) + " columns");
     }
     for (const ColumnDefinition& column : m_definition->columns)
       CheckValue(column, row);
-  });
+  };
+  m_findings->Guard(m_where, check, [id] { return "in the row at " + PlaceOf(id.page, id.slot) + ": "; });
 }
 
 void TableCheck::CheckValue(const ColumnDefinition& column, std::span<const std::byte> row) {

@@ -1,9 +1,10 @@
 #include "tests/support/TestFiles.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -26,21 +27,21 @@ TempFolder::~TempFolder() {
 std::string ReadWholeText(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw std::runtime_error("cannot read " + path);
-  return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  std::ostringstream content;
+  if (file.peek() != std::ifstream::traits_type::eof()) content << file.rdbuf();
+  return content.str();
 }
 
 std::vector<std::byte> ReadWholeFile(const std::string& path) {
   const std::string text = ReadWholeText(path);
   std::vector<std::byte> bytes(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i)
-    bytes[i] = static_cast<std::byte>(text[i]);
+  std::transform(text.begin(), text.end(), bytes.begin(), [](char c) { return static_cast<std::byte>(c); });
   return bytes;
 }
 
 void WriteWholeFile(const std::string& path, const std::vector<std::byte>& bytes) {
   std::string text(bytes.size(), '\0');
-  for (std::size_t i = 0; i < text.size(); ++i)
-    text[i] = static_cast<char>(bytes[i]);
+  std::transform(bytes.begin(), bytes.end(), text.begin(), [](std::byte b) { return static_cast<char>(b); });
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   if (!(file << text) || !file.flush()) throw std::runtime_error("cannot write " + path);
 }
