@@ -17,8 +17,6 @@ namespace {
 
 using namespace definition_page;
 
-constexpr std::uint16_t kDefaultSortLocale = 0x0409;
-
 Error Damaged(const std::string& why) {
   return Error(ErrorNumber::DamagedFile, "The definition of a table is damaged: " + why + ".");
 }
