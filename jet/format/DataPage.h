@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <span>
 
+#include "jet/format/PageLayout.h"
+
 namespace jet::format {
 
 // Data page: rows of one table, usage-map rows, or pieces of long values.

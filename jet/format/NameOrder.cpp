@@ -11,8 +11,9 @@ bool IsBetween(char32_t point, char32_t first, char32_t last) {
   return point >= first && point <= last;
 }
 
-/// The small letter of a capital; other characters stay.
-char32_t Fold(char32_t point) {
+}  // namespace
+
+char32_t FoldCharacter(char32_t point) {
   if (point < 0x80) return IsBetween(point, 'A', 'Z') ? point + 0x20 : point;
   if (IsBetween(point, 0xC0, 0xDE)) return point == 0xD7 ? point : point + 0x20;
   if (IsBetween(point, 0x100, 0x137) || IsBetween(point, 0x14A, 0x177)) {
@@ -27,13 +28,11 @@ char32_t Fold(char32_t point) {
   return point;
 }
 
-}  // namespace
-
 std::string FoldName(std::string_view name) {
   std::string folded;
   folded.reserve(name.size());
   for (std::size_t at = 0; at < name.size();)
-    AppendUtf8(Fold(NextCodePoint(name, at)), folded);
+    AppendUtf8(FoldCharacter(NextCodePoint(name, at)), folded);
   return folded;
 }
 
@@ -41,7 +40,7 @@ std::strong_ordering CompareNames(std::string_view a, std::string_view b) {
   std::size_t i = 0;
   std::size_t j = 0;
   while (i < a.size() && j < b.size()) {
-    const auto order = Fold(NextCodePoint(a, i)) <=> Fold(NextCodePoint(b, j));
+    const auto order = FoldCharacter(NextCodePoint(a, i)) <=> FoldCharacter(NextCodePoint(b, j));
     if (order != 0) return order;
   }
   return (i < a.size()) <=> (j < b.size());
