@@ -15,8 +15,8 @@ class FileSystem;
 class CallObserver {
  public:
   virtual ~CallObserver() = default;
-  /// `call` is the member's name as in "Database.OpenRecordset", "Recordset.MoveNext", "Field.Value" (reading),
-  /// "Field.Value=" (assigning); `detail` the statement, file or column name where there is one.
+  /// `call` is the member's name as in "Database.OpenRecordset", "Recordset.MoveNext", "Field.Value"
+  /// (reading), "Field.Value=" (assigning); `detail` the statement, file or column name where there is one.
   virtual void OnCall(const char* call, const std::string& detail) = 0;
 };
 
@@ -29,8 +29,8 @@ struct EngineOptions {
 
 /// Properties of a database made from nothing.
 struct CreateOptions {
-  std::string password;         ///< up to 20 UTF-16 units; empty: none
-  bool encode = false;          ///< code the pages (RC4) with a key of the file's own
+  std::string password;  ///< up to 20 UTF-16 units; empty: none
+  bool encode = false;   ///< code the pages (RC4) with a key of the file's own
 };
 
 /// The engine: opens and creates database files. Cheap; keep one per thread. Databases outlive it safely.
@@ -38,17 +38,18 @@ class DBEngine {
  public:
   explicit DBEngine(EngineOptions options = {});
 
-  /// Opens a database file. `exclusive`: while it is open, no other process and no other connection can open it.
-  /// `connect` is a list of items separated by `;`; `pwd=` (any case) carries the password. A file without a
-  /// password opens with any. Raises FileNotFound, InvalidFileName, PathNotFound, NotADatabase, PasswordRejected,
-  /// FileInUse, FileHeldExclusively, PermissionDenied, DamagedFile.
+  /// Opens a database file. `exclusive`: while it is open, no other process and no other connection can open
+  /// it. `connect` is a list of items separated by `;`; `pwd=` (any case) carries the password. A file
+  /// without a password opens with any. Raises FileNotFound, InvalidFileName, PathNotFound, NotADatabase,
+  /// PasswordRejected, FileInUse, FileHeldExclusively, PermissionDenied, DamagedFile.
   ///
-  /// A shared open that is not read-only holds the file as an exclusive one does, but only against other writers.
-  std::shared_ptr<Database> OpenDatabase(const std::string& name, bool exclusive = false, bool readOnly = false,
-                                         const std::string& connect = {});
+  /// A shared open that is not read-only holds the file as an exclusive one does, but only against other
+  /// writers.
+  std::shared_ptr<Database> OpenDatabase(const std::string& name, bool exclusive = false,
+                                         bool readOnly = false, const std::string& connect = {});
 
-  /// Makes a new database file with empty system tables and opens it exclusively. Raises ObjectExists when the
-  /// file is there; when it fails, no file is left behind.
+  /// Makes a new database file with empty system tables and opens it exclusively. Raises ObjectExists when
+  /// the file is there; when it fails, no file is left behind.
   std::shared_ptr<Database> CreateDatabase(const std::string& name, const CreateOptions& options = {});
 
  private:

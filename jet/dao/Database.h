@@ -16,8 +16,8 @@ struct CheckReport;
 
 /// An open database file: runs select statements and changes the schema.
 ///
-/// Handed out by DBEngine; closes when the last reference goes or `Close` is called, and its recordsets with it.
-/// Every member but `Close`, `Name` and `IsOpen` raises ObjectClosed after that.
+/// Handed out by DBEngine; closes when the last reference goes or `Close` is called, and its recordsets with
+/// it. Every member but `Close`, `Name` and `IsOpen` raises ObjectClosed after that.
 class Database {
  public:
   explicit Database(std::shared_ptr<DatabaseCore> core);
@@ -30,9 +30,9 @@ class Database {
   bool IsOpen() const;
   bool IsReadOnly() const;
 
-  /// Runs a select statement. A plain select of one table gives a dynaset, which can be changed; joins, aggregates
-  /// give a snapshot, which cannot. Raises SyntaxErrorInFrom, SyntaxErrorInExpression, NotASelect, UnknownTable,
-  /// UnknownColumnInStatement, TypeMismatch, BadPattern.
+  /// Runs a select statement. A plain select of one table gives a dynaset, which can be changed; joins,
+  /// aggregates give a snapshot, which cannot. Raises SyntaxErrorInFrom, SyntaxErrorInExpression, NotASelect,
+  /// UnknownTable, UnknownColumnInStatement, TypeMismatch, BadPattern.
   std::shared_ptr<Recordset> OpenRecordset(const std::string& sql);
 
   /// Closes the file and every recordset opened from it. Twice is harmless.
@@ -44,8 +44,9 @@ class Database {
   TableInfo Table(std::string_view name) const;
   std::vector<RelationInfo> Relations() const;
 
-  /// Schema changes; each applies whole or not at all. They raise ObjectExists, UnknownTable, InvalidDefinition,
-  /// and the errors of rows that break a new unique index or relationship (DuplicateKey, NoReferredRow).
+  /// Schema changes; each applies whole or not at all. They raise ObjectExists, UnknownTable,
+  /// InvalidDefinition, and the errors of rows that break a new unique index or relationship (DuplicateKey,
+  /// NoReferredRow).
   void CreateTable(const TableSpec& table);
   void CreateIndex(std::string_view table, const IndexSpec& index);
   void CreateRelation(const RelationInfo& relation);

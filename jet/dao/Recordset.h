@@ -25,8 +25,8 @@ class Field {
   /// Value in the row being added or edited if there is one, else in the current row. Raises NoCurrentRecord,
   /// RowDeleted, ObjectClosed.
   jet::Value Value() const;
-  /// The same without building a Value: the text of a text or memo column. Null gives nullptr. Valid until the
-  /// next call of the recordset. Raises CannotConvert for a column of another type.
+  /// The same without building a Value: the text of a text or memo column. Null gives nullptr. Valid until
+  /// the next call of the recordset. Raises CannotConvert for a column of another type.
   const std::string* Text() const;
 
   /// Assigns in the row being added or edited, converting to the column's type. Raises NoEditInProgress,
@@ -40,9 +40,10 @@ class Field {
 
 /// The rows of a select statement, one of them current.
 ///
-/// Opens on its first row. A dynaset holds the rows that it found when it opened and reads their values when asked;
-/// a snapshot holds values. Handed out by Database and valid until closed, or until the database is; afterwards every
-/// member but `Close` raises ObjectClosed. Adding and editing work on a copy of the row until `Update`; moving drops it.
+/// Opens on its first row. A dynaset holds the rows that it found when it opened and reads their values when
+/// asked; a snapshot holds values. Handed out by Database and valid until closed, or until the database is;
+/// afterwards every member but `Close` raises ObjectClosed. Adding and editing work on a copy of the row
+/// until `Update`; moving drops it.
 class Recordset {
  public:
   explicit Recordset(std::unique_ptr<RecordsetCore> core);
@@ -56,8 +57,9 @@ class Recordset {
   void MoveNext();
   /// To the first row; with no rows it stays at the end.
   void MoveFirst();
-  /// To the first row, from the start, for which `criterion` (the text of a where clause) holds. When there is none
-  /// `NoMatch` is true and there is no current row.
+  /// To the first row, from the start, for which `criterion` (the text of a where clause) holds. When there
+  /// is none `NoMatch` is true and there is no current row. Raises SyntaxErrorInExpression,
+  /// UnknownColumnInStatement, TypeMismatch; FeatureNotSupported for a snapshot.
   void FindFirst(const std::string& criterion);
   bool NoMatch() const;
 
@@ -66,8 +68,8 @@ class Recordset {
   /// Starts a copy of the current row. Raises CannotUpdate, NoCurrentRecord, RowDeleted.
   void Edit();
   /// Writes the row being added or edited, whole or not at all. Raises NoEditInProgress, DuplicateKey,
-  /// NullInRequiredColumn, NullInPrimaryKey, ZeroLengthText, NoReferredRow, RowIsReferred, RecordTooLarge and the
-  /// errors of the file; the row being edited is kept, so that it can be mended and updated again.
+  /// NullInRequiredColumn, NullInPrimaryKey, ZeroLengthText, NoReferredRow, RowIsReferred, RecordTooLarge and
+  /// the errors of the file; the row being edited is kept, so that it can be mended and updated again.
   void Update();
   /// Drops the row being added or edited.
   void CancelUpdate();
@@ -82,7 +84,8 @@ class Recordset {
   Field& Fields(std::size_t ordinal);
   std::size_t FieldCount() const;
   bool Updatable() const;
-  /// How the rows are found, in a few words for people: "player info: index PrimaryKey = 17", "scan of draft info".
+  /// How the rows are found, in a few words for people: "player info: index PrimaryKey = 17", "scan of draft
+  /// info".
   const std::string& Plan() const;
 
  private:

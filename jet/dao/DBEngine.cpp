@@ -1,0 +1,73 @@
+#include "jet/dao/DBEngine.h"
+
+#include <random>
+#include <string_view>
+#include <utility>
+
+#include "jet/Error.h"
+#include "jet/dao/DatabaseCore.h"
+#include "jet/file/File.h"
+#include "jet/sql/Literals.h"
+#include "jet/table/EmptyDatabase.h"
+
+namespace jet {
+namespace {
+
+/// The password in a connect string; empty when there is none.
+std::string_view PasswordIn(std::string_view connect) {
+  for (;;) {
+    const std::size_t end = connect.find(';');
+    const std::string_view item = connect.substr(0, end);
+    const std::size_t equal = item.find('=');
+    if (equal != std::string_view::npos && sql::SameWord(sql::Trim(item.substr(0, equal)), "pwd"))
+      return item.substr(equal + 1);
+    if (end == std::string_view::npos) return {};
+    connect.remove_prefix(end + 1);
+  }
+}
+
+std::uint32_t RandomKey() {
+  std::random_device device;
+  std::uint32_t key = 0;
+  while (key == 0)  // which would mean that the pages are plain
+    key = static_cast<std::uint32_t>(device());
+  return key;
+}
+
+}  // namespace
+
+DBEngine::DBEngine(EngineOptions options) : m_options(std::move(options)) {
+  if (m_options.files == nullptr) m_options.files = SystemFiles();
+}
+
+std::shared_ptr<Database> DBEngine::OpenDatabase(const std::string& name, bool exclusive, bool readOnly,
+                                                 const std::string& connect) {
+  if (m_options.observer != nullptr) m_options.observer->OnCall("DBEngine.OpenDatabase", name);
+  auto file = m_options.files->Open(name, {.exclusive = exclusive, .readOnly = readOnly, .create = false});
+  auto store = Store::Open(std::move(file), name, PasswordIn(connect), m_options.cacheBytes);
+  return std::make_shared<Database>(
+      std::make_shared<DatabaseCore>(name, std::move(store), readOnly, m_options.observer));
+}
+
+std::shared_ptr<Database> DBEngine::CreateDatabase(const std::string& name, const CreateOptions& options) {
+  if (m_options.observer != nullptr) m_options.observer->OnCall("DBEngine.CreateDatabase", name);
+  auto file = m_options.files->Open(name, {.exclusive = true, .readOnly = false, .create = true});
+  std::unique_ptr<Store> store;
+  try {
+    const NewDatabase properties{.password = options.password,
+                                 .databaseKey = options.encode ? RandomKey() : 0};
+    store = CreateEmptyDatabase(std::move(file), name, properties, m_options.cacheBytes);
+  } catch (...) {
+    file.reset();
+    try {
+      m_options.files->Remove(name);
+    } catch (const Error&) {
+      // The first error is the one to tell.
+    }
+    throw;
+  }
+  return std::make_shared<Database>(
+      std::make_shared<DatabaseCore>(name, std::move(store), false, m_options.observer));
+}
+
+}  // namespace jet

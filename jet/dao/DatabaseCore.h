@@ -1,0 +1,81 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jet/dao/DBEngine.h"
+#include "jet/sql/StatementCache.h"
+#include "jet/table/Store.h"
+
+namespace jet {
+
+class RecordsetCore;
+
+/// What a Database and its recordsets share: the open file, until it is closed, and who must let go of it.
+///
+/// Owned by the Database and kept by its recordsets, so that these can tell that it was closed.
+class DatabaseCore {
+ public:
+  DatabaseCore(std::string name, std::unique_ptr<Store> store, bool readOnly,
+               std::shared_ptr<CallObserver> observer);
+  ~DatabaseCore();
+  DatabaseCore(const DatabaseCore&) = delete;
+  DatabaseCore& operator=(const DatabaseCore&) = delete;
+
+  const std::string& Name() const { return m_name; }
+  bool IsOpen() const { return m_store != nullptr; }
+  bool IsReadOnly() const { return m_readOnly; }
+  /// Raises ObjectClosed.
+  Store& OpenStore();
+  sql::StatementCache& Statements() { return m_statements; }
+
+  /// Tells the observer of a call.
+  void Observe(const char* call) const {
+    if (m_observer != nullptr) m_observer->OnCall(call, {});
+  }
+  template <typename Text>
+  void Observe(const char* call, const Text& detail) const {
+    if (m_observer != nullptr) m_observer->OnCall(call, std::string(detail));
+  }
+
+  /// Recordsets that read from the file.
+  void Add(RecordsetCore& recordset) { m_recordsets.push_back(&recordset); }
+  void Remove(RecordsetCore& recordset);
+
+  /// Runs `change`, a change of rows, as one unit: whole or not at all. Raises ObjectClosed, CannotUpdate.
+  template <typename Change>
+  void ChangeRows(const Change& change) {
+    Store& store = WritableStore();
+    ReleaseRows();
+    ChangeUnit unit(store.Pages());
+    change();
+    unit.Commit();
+  }
+  /// The store, ready for a change of the schema, which is a unit of its own.
+  Store& StoreForSchema();
+
+  void BeginUpdates();
+  void CommitUpdates();
+  void RollbackUpdates();
+
+  /// Closes the recordsets and the file; unfinished updates are undone. Twice is harmless.
+  void Close();
+
+ private:
+  Store& WritableStore();
+  void ReleaseRows();
+  void CheckInUpdates() const;
+  void ReloadAfterUndo();
+
+  std::string m_name;
+  std::unique_ptr<Store> m_store;  // none once closed
+  bool m_readOnly;
+  std::shared_ptr<CallObserver> m_observer;
+  sql::StatementCache m_statements;
+  std::vector<RecordsetCore*> m_recordsets;
+  std::optional<ChangeUnit> m_updates;  // goes before the store does
+};
+
+}  // namespace jet

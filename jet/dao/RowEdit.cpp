@@ -1,0 +1,56 @@
+#include "jet/dao/RowEdit.h"
+
+#include "jet/Error.h"
+#include "jet/dao/Conversion.h"
+
+namespace jet {
+
+RowEdit::RowEdit(const Table& table, Kind kind)
+    : m_table(&table), m_kind(kind), m_values(table.Definition().columns.size()) {
+  if (kind == Kind::Edit) return;
+  for (std::size_t column = 0; column < m_values.size(); ++column) {
+    if (!HasDefault(column)) continue;
+    try {
+      m_values[column] = Missing(column);
+    } catch (const Error&) {
+      // The row may do without it; if it does not, Changes raises this.
+    }
+  }
+}
+
+bool RowEdit::HasDefault(std::size_t column) const {
+  return !m_table->Definition().columns[column].IsAutoNumber() &&
+         m_table->Rules(column).defaultValue.has_value();
+}
+
+Value RowEdit::Missing(std::size_t column) const {
+  const format::ColumnDefinition& definition = m_table->Definition().columns[column];
+  if (!HasDefault(column)) return definition.type == ColumnType::YesNo ? Value(false) : Value();
+  const std::string& expression = *m_table->Rules(column).defaultValue;
+  const std::optional<Value> constant = ConstantDefault(expression);
+  if (!constant) {
+    throw Error(ErrorNumber::FeatureNotSupported,
+                "Column '" + definition.name + "' of table '" + m_table->Name() +
+                    "' needs a value: its default, " + expression +
+                    ", is an expression that the engine does not work out.");
+  }
+  return ConvertForColumn(*constant, definition, m_table->Name());
+}
+
+void RowEdit::Assign(std::size_t column, const Value& value) {
+  m_values[column] = ConvertForColumn(value, m_table->Definition().columns[column], m_table->Name());
+}
+
+std::vector<ColumnValue> RowEdit::Changes() const {
+  std::vector<ColumnValue> changes;
+  for (std::size_t column = 0; column < m_values.size(); ++column) {
+    if (m_values[column]) {
+      changes.push_back({column, *m_values[column]});
+    } else if (IsNew() && HasDefault(column)) {
+      changes.push_back({column, Missing(column)});
+    }
+  }
+  return changes;
+}
+
+}  // namespace jet

@@ -1,0 +1,98 @@
+#include "jet/sql/BoundExpression.h"
+
+#include <utility>
+
+#include "jet/Error.h"
+#include "jet/sql/Numbers.h"
+
+namespace jet::sql {
+namespace {
+
+using Kind = Expression::Kind;
+
+BoundExpression Bind(const Expression& expression, const NameScope& scope);
+
+void NeedCondition(const Expression& expression, ValueKind kind) {
+  if (kind == ValueKind::Number || kind == ValueKind::Null) return;
+  throw Error(ErrorNumber::TypeMismatch,
+              Describe(expression) + " is " + NameOf(kind) + " and cannot be taken for true or false.");
+}
+
+// A number with decimals meets floating numbers as the floating number that it stands for: 0.1 finds 0.1.
+void AdaptLiteral(BoundExpression& literal, const BoundExpression& other) {
+  if (literal.kind != Kind::Literal || literal.literal.As<Decimal>() == nullptr || other.kind != Kind::Column)
+    return;
+  if (other.column.type == ColumnType::Single || other.column.type == ColumnType::Double)
+    literal.literal = ToDouble(literal.literal);
+}
+
+void BindComparison(const Expression& expression, BoundExpression& bound) {
+  BoundExpression& left = bound.operands[0];
+  BoundExpression& right = bound.operands[1];
+  if (left.valueKind != right.valueKind && left.valueKind != ValueKind::Null &&
+      right.valueKind != ValueKind::Null) {
+    throw Error(ErrorNumber::TypeMismatch, Describe(expression.operands[0]) + ", " + NameOf(left.valueKind) +
+                                               ", cannot be compared with " +
+                                               Describe(expression.operands[1]) + ", " +
+                                               NameOf(right.valueKind) + ".");
+  }
+  AdaptLiteral(left, right);
+  AdaptLiteral(right, left);
+}
+
+void BindLike(const Expression& expression, BoundExpression& bound) {
+  for (std::size_t i = 0; i < 2; ++i) {
+    if (bound.operands[i].valueKind != ValueKind::Binary) continue;
+    throw Error(ErrorNumber::TypeMismatch,
+                Describe(expression.operands[i]) + " is binary data and fits no like.");
+  }
+  const BoundExpression& pattern = bound.operands[1];
+  if (pattern.kind == Kind::Literal && !pattern.literal.IsNull())
+    bound.pattern.emplace(pattern.literal.ToText());
+}
+
+BoundExpression Bind(const Expression& expression, const NameScope& scope) {
+  BoundExpression bound;
+  bound.kind = expression.kind;
+  for (const Expression& operand : expression.operands)
+    bound.operands.push_back(Bind(operand, scope));
+  bound.valueKind = ValueKind::Number;
+  switch (expression.kind) {
+    case Kind::Column:
+      bound.column = scope.Resolve(expression.column);
+      bound.valueKind = KindOf(bound.column.type);
+      bound.text = Describe(expression);
+      break;
+    case Kind::Literal:
+      bound.literal = expression.literal;
+      bound.valueKind = KindOf(bound.literal);
+      bound.text = Describe(expression);
+      break;
+    case Kind::Compare:
+      bound.comparison = expression.comparison;
+      BindComparison(expression, bound);
+      break;
+    case Kind::Like:
+      BindLike(expression, bound);
+      break;
+    case Kind::IsNull:
+      break;
+    case Kind::And:
+    case Kind::Or:
+    case Kind::Not:
+      for (std::size_t i = 0; i < bound.operands.size(); ++i)
+        NeedCondition(expression.operands[i], bound.operands[i].valueKind);
+      break;
+  }
+  return bound;
+}
+
+}  // namespace
+
+BoundExpression BindCondition(const Expression& condition, const NameScope& scope) {
+  BoundExpression bound = Bind(condition, scope);
+  NeedCondition(condition, bound.valueKind);
+  return bound;
+}
+
+}  // namespace jet::sql

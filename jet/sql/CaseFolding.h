@@ -1,0 +1,9 @@
+#pragma once
+
+namespace jet::sql {
+
+/// The small letter of a capital of the Latin (to U+017F), Greek and Cyrillic scripts; other characters stay.
+/// Accents stay too.
+char32_t FoldCase(char32_t character);
+
+}  // namespace jet::sql

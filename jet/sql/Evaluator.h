@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+
+#include "jet/sql/BoundExpression.h"
+
+namespace jet::sql {
+
+/// Gives the values of the row, or the row of each table, that an expression is evaluated for.
+class RowSource {
+ public:
+  virtual ~RowSource() = default;
+  virtual Value Read(ColumnPlace place) const = 0;
+  /// A text or memo column without building a Value; false for Null.
+  virtual bool ReadText(ColumnPlace place, std::string& into) const = 0;
+};
+
+/// Three-valued logic: what is compared with Null is neither true nor false.
+enum class Truth { False, True, Unknown };
+
+/// Evaluates conditions for the rows that a RowSource stands on, reading only the columns that decide. Reuses
+/// its buffers from row to row. Raises what the reading of rows raises.
+class Evaluator {
+ public:
+  /// `rows` must outlive it.
+  explicit Evaluator(const RowSource& rows) : m_rows(&rows) {}
+
+  Truth Test(const BoundExpression& condition);
+  bool Holds(const BoundExpression& condition) { return Test(condition) == Truth::True; }
+  /// What a column, literal or condition gives.
+  Value Evaluate(const BoundExpression& expression);
+
+ private:
+  Truth Compare(const BoundExpression& comparison);
+  Truth Like(const BoundExpression& like);
+  bool IsNull(const BoundExpression& operand);
+  const std::string* TextOf(const BoundExpression& operand, std::string& buffer);
+
+  const RowSource* m_rows;
+  std::string m_left;
+  std::string m_right;
+};
+
+}  // namespace jet::sql

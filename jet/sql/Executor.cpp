@@ -1,0 +1,208 @@
+#include "jet/sql/Executor.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "jet/Error.h"
+#include "jet/sql/Aggregation.h"
+#include "jet/sql/KeyFit.h"
+#include "jet/sql/RowOrder.h"
+
+namespace jet::sql {
+namespace {
+
+RowRef FetchIndexed(const Table& table, std::size_t index, RowId id) {
+  std::optional<RowRef> row = table.Fetch(id);
+  if (!row) {
+    throw Error(ErrorNumber::DamagedFile, "The " + table.IndexAt(index).Where() +
+                                              " is damaged: it leads to a row that is not there, page " +
+                                              std::to_string(id.page) + " row " + std::to_string(id.slot) +
+                                              ".");
+  }
+  return *std::move(row);
+}
+
+}  // namespace
+
+Executor::Executor(const Query& query, const Plan& plan)
+    : m_query(&query),
+      m_plan(&plan),
+      m_evaluator(*this),
+      m_rows(query.sources.size()),
+      m_buffers(plan.steps.size()) {}
+
+Value Executor::Read(ColumnPlace place) const {
+  return TableOf(place.source).Read(*m_rows[place.source].row, place.column);
+}
+
+bool Executor::ReadText(ColumnPlace place, std::string& into) const {
+  return TableOf(place.source).ReadText(*m_rows[place.source].row, place.column, into);
+}
+
+template <typename Visit>
+void Executor::Run(const Visit& visit) {
+  if (!m_plan->nothing) RunStep(0, visit);
+}
+
+template <typename Visit>
+void Executor::Take(std::size_t number, RowId id, const RowRef& row, const Visit& visit) {
+  const Step& step = m_plan->steps[number];
+  m_rows[step.source] = {id, &row};
+  for (const BoundExpression* filter : step.filters) {
+    if (!m_evaluator.Holds(*filter)) return;
+  }
+  if (number + 1 == m_plan->steps.size()) {
+    visit();
+  } else {
+    RunStep(number + 1, visit);
+  }
+}
+
+template <typename Visit>
+void Executor::RunStep(std::size_t number, const Visit& visit) {
+  const Step& step = m_plan->steps[number];
+  KeyBytes lower;
+  KeyBytes upper;
+  switch (FindRange(step, lower, upper)) {
+    case Lookup::NoRow:
+      return;
+    case Lookup::Range:
+      RunIndex(number, std::move(lower), std::move(upper), visit);
+      return;
+    case Lookup::Scan:
+      for (TableScan scan(TableOf(step.source)); scan.Next();)
+        Take(number, scan.Id(), scan.Row(), visit);
+  }
+}
+
+template <typename Visit>
+void Executor::RunIndex(std::size_t number, KeyBytes lower, KeyBytes upper, const Visit& visit) {
+  const Step& step = m_plan->steps[number];
+  const Table& table = TableOf(step.source);
+  const std::size_t index = step.access->index;
+  IndexCursor cursor = table.IndexAt(index).Range(std::move(lower), std::move(upper));
+  if (step.access->inKeyOrder) {
+    while (cursor.Next()) {
+      const RowId id = cursor.Row();
+      const RowRef row = FetchIndexed(table, index, id);
+      Take(number, id, row, visit);
+    }
+    return;
+  }
+  // The step is not entered again before it is left, so that the buffer is free.
+  std::vector<RowId>& rows = m_buffers[number];
+  rows.clear();
+  while (cursor.Next())
+    rows.push_back(cursor.Row());
+  std::sort(rows.begin(), rows.end());
+  for (const RowId id : rows) {
+    const RowRef row = FetchIndexed(table, index, id);
+    Take(number, id, row, visit);
+  }
+}
+
+// The bounds within which the step's rows stand in its index.
+Executor::Lookup Executor::FindRange(const Step& step, KeyBytes& lower, KeyBytes& upper) {
+  if (!step.access) return Lookup::Scan;
+  const IndexAccess& access = *step.access;
+  if (access.isConstant) {
+    lower = access.lower;
+    upper = access.upper;
+    return Lookup::Range;
+  }
+  const Table& table = TableOf(step.source);
+  const std::vector<std::size_t>& columns = table.IndexColumns(access.index);
+  std::vector<Value> keys(access.equal.size());
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const Value wanted = m_evaluator.Evaluate(*access.equal[i]);
+    const KeyFit fit = FitKey(wanted, table.Definition().columns[columns[i]], keys[i]);
+    if (fit == KeyFit::NoRow) return Lookup::NoRow;
+    if (fit == KeyFit::Unknown) return Lookup::Scan;
+  }
+  std::optional<KeyBytes> prefix = table.IndexAt(access.index).KeyPrefix(keys);
+  if (!prefix) return Lookup::Scan;
+  upper = KeyAfter(*prefix);
+  lower = *std::move(prefix);
+  return Lookup::Range;
+}
+
+std::vector<RowId> Executor::FindRows() {
+  std::vector<RowId> rows;
+  RowOrder order(m_query->order);
+  Run([&] {
+    rows.push_back(m_rows[0].id);
+    if (m_plan->sorted) return;
+    for (const SortColumn& column : m_query->order)
+      order.AddKey(Read(column.column.place));
+  });
+  if (m_plan->sorted) return rows;
+  std::vector<RowId> sorted;
+  sorted.reserve(rows.size());
+  for (const std::size_t row : order.Sorted())
+    sorted.push_back(rows[row]);
+  return sorted;
+}
+
+ValueRows Executor::ReadRows() {
+  return m_query->aggregates ? ReadAggregates() : ReadPlain();
+}
+
+ValueRows Executor::ReadPlain() {
+  ValueRows rows;
+  rows.width = m_query->columns.size();
+  RowOrder order(m_query->order);
+  Run([&] {
+    for (const OutputColumn& column : m_query->columns)
+      rows.values.push_back(Read(column.place));
+    if (m_plan->sorted) return;
+    for (const SortColumn& column : m_query->order)
+      order.AddKey(Read(column.column.place));
+  });
+  if (m_plan->sorted) return rows;
+  ValueRows sorted;
+  sorted.width = rows.width;
+  sorted.values.reserve(rows.values.size());
+  for (const std::size_t row : order.Sorted()) {
+    for (std::size_t column = 0; column < rows.width; ++column)
+      sorted.values.push_back(std::move(rows.values[row * rows.width + column]));
+  }
+  return sorted;
+}
+
+ValueRows Executor::ReadAggregates() {
+  ValueRows result;
+  result.width = m_query->columns.size();
+  if (!m_plan->ends.empty()) {
+    for (std::size_t i = 0; i < result.width; ++i)
+      result.values.push_back(ReadEnd(m_query->columns[i], m_plan->ends[i]));
+    return result;
+  }
+  std::vector<Aggregation> aggregations(m_query->columns.begin(), m_query->columns.end());
+  Run([&] {
+    for (std::size_t i = 0; i < aggregations.size(); ++i) {
+      const OutputColumn& column = m_query->columns[i];
+      aggregations[i].Add(column.star ? Value(true) : Read(column.place));
+    }
+  });
+  for (const Aggregation& aggregation : aggregations)
+    result.values.push_back(aggregation.Result());
+  return result;
+}
+
+Value Executor::ReadEnd(const OutputColumn& column, const IndexEnd& end) const {
+  const Table& table = TableOf(column.place.source);
+  const Index& index = table.IndexAt(end.index);
+  std::optional<RowId> id;
+  if (end.last) {
+    // Descending, Nulls stand at the end and their keys begin with this byte, which begins no other.
+    const bool ascending = index.Definition().columns.front().ascending;
+    id = index.Last(ascending ? KeyBytes{} : KeyBytes{std::byte{0xFF}});
+  } else {
+    IndexCursor cursor = index.Range(index.FirstNotNull(), {});
+    if (cursor.Next()) id = cursor.Row();
+  }
+  if (!id) return {};
+  return table.Read(FetchIndexed(table, end.index, *id), column.place.column);
+}
+
+}  // namespace jet::sql

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "jet/Value.h"
+#include "jet/format/TableDefinition.h"
+
+namespace jet::sql {
+
+/// Whether rows with a value can be looked up in an index.
+enum class KeyFit {
+  Found,    ///< they can
+  NoRow,    ///< no value of the column equals it, so that there are none
+  Unknown,  ///< several keys may stand for it, or none is known: only reading all rows tells
+};
+
+/// Gives the value as the column of an index holds it. `wanted` is of the column's kind.
+KeyFit FitKey(const Value& wanted, const format::ColumnDefinition& column, Value& key);
+
+/// Whether an index of the column has its rows in the order in which values compare. Not so for text: an
+/// index of another writer may hold characters that have no place in the sort order known here.
+bool HasKeyOrder(ColumnType type);
+
+}  // namespace jet::sql

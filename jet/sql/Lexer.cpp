@@ -1,0 +1,152 @@
+#include "jet/sql/Lexer.h"
+
+#include <optional>
+#include <utility>
+
+#include "jet/sql/Literals.h"
+
+namespace jet::sql {
+namespace {
+
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool BeginsWord(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+bool IsInWord(char c) {
+  return BeginsWord(c) || IsDigit(c);
+}
+
+}  // namespace
+
+Token Lexer::Symbol(Token::Kind kind, std::size_t length) {
+  m_at += length;
+  Token token;
+  token.kind = kind;
+  token.begin = m_begin;
+  token.end = m_at;
+  return token;
+}
+
+Token Lexer::Invalid(const std::string& why) {
+  m_at = m_text.size();
+  Token token = Symbol(Token::Kind::Invalid, 0);
+  token.text = why;
+  return token;
+}
+
+Token Lexer::TextLiteral(char quote) {
+  std::string text;
+  for (++m_at; m_at < m_text.size(); ++m_at) {
+    if (m_text[m_at] == quote) {
+      ++m_at;
+      if (At(m_at) != quote) {
+        Token token = Symbol(Token::Kind::Literal, 0);
+        token.value = Value(std::move(text));
+        return token;
+      }
+    }
+    text += m_text[m_at];
+  }
+  return Invalid("a text in quotes is never closed");
+}
+
+Token Lexer::NumberLiteral() {
+  // All that can belong to a number or makes it none: 1.5, 1e-3, but also 3abc and 1.2.3.
+  while (m_at < m_text.size()) {
+    const char c = m_text[m_at];
+    const bool signOfExponent =
+        (c == '+' || c == '-') && (m_text[m_at - 1] == 'e' || m_text[m_at - 1] == 'E');
+    if (!IsInWord(c) && c != '.' && !signOfExponent) break;
+    ++m_at;
+  }
+  const std::string_view text = m_text.substr(m_begin, m_at - m_begin);
+  std::optional<Value> number = ParseNumber(text);
+  if (!number) return Invalid("'" + std::string(text) + "' is not a number");
+  Token token = Symbol(Token::Kind::Literal, 0);
+  token.value = *std::move(number);
+  return token;
+}
+
+Token Lexer::DateLiteral() {
+  const std::size_t close = m_text.find('#', m_at + 1);
+  if (close == std::string_view::npos) return Invalid("a date between # is never closed");
+  const std::string_view text = m_text.substr(m_at + 1, close - m_at - 1);
+  const std::optional<DateTime> date = ParseDate(Trim(text));
+  if (!date) return Invalid("'" + std::string(text) + "' is not a date such as #2024-09-05#");
+  m_at = close + 1;
+  Token token = Symbol(Token::Kind::Literal, 0);
+  token.value = *date;
+  return token;
+}
+
+Token Lexer::BracketedName() {
+  const std::size_t close = m_text.find(']', m_at + 1);
+  if (close == std::string_view::npos) return Invalid("a name in brackets is never closed");
+  const std::string_view name = m_text.substr(m_at + 1, close - m_at - 1);
+  m_at = close + 1;
+  Token token = Symbol(Token::Kind::Name, 0);
+  token.text = name;
+  return token;
+}
+
+Token Lexer::Word() {
+  while (m_at < m_text.size() && IsInWord(m_text[m_at]))
+    ++m_at;
+  Token token = Symbol(Token::Kind::Word, 0);
+  token.text = m_text.substr(m_begin, m_at - m_begin);
+  return token;
+}
+
+Token Lexer::Next() {
+  using Kind = Token::Kind;
+  while (m_at < m_text.size() && IsBlank(m_text[m_at]))
+    ++m_at;
+  m_begin = m_at;
+  if (m_at == m_text.size()) return Symbol(Kind::End, 0);
+  const char c = m_text[m_at];
+  const char following = At(m_at + 1);
+  if (BeginsWord(c)) return Word();
+  if (IsDigit(c) || (c == '.' && IsDigit(following))) return NumberLiteral();
+  switch (c) {
+    case '\'':
+    case '"':
+      return TextLiteral(c);
+    case '[':
+      return BracketedName();
+    case '#':
+      return DateLiteral();
+    case '=':
+      return Symbol(Kind::Equal, 1);
+    case '<':
+      if (following == '>') return Symbol(Kind::NotEqual, 2);
+      return following == '=' ? Symbol(Kind::LessOrEqual, 2) : Symbol(Kind::Less, 1);
+    case '>':
+      return following == '=' ? Symbol(Kind::GreaterOrEqual, 2) : Symbol(Kind::Greater, 1);
+    case '+':
+      return Symbol(Kind::Plus, 1);
+    case '-':
+      return Symbol(Kind::Minus, 1);
+    case '*':
+      return Symbol(Kind::Star, 1);
+    case '.':
+      return Symbol(Kind::Dot, 1);
+    case ',':
+      return Symbol(Kind::Comma, 1);
+    case '(':
+      return Symbol(Kind::Open, 1);
+    case ')':
+      return Symbol(Kind::Close, 1);
+    case ';':
+      return Symbol(Kind::Semicolon, 1);
+    default:
+      return Invalid("a character that has no meaning there");
+  }
+}
+
+}  // namespace jet::sql

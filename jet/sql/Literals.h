@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "jet/Value.h"
+
+/// Values written as text, the same on every machine.
+namespace jet::sql {
+
+/// The number that the whole text says: digits, a decimal point, a sign before and an exponent behind, no
+/// blanks. Whole numbers of 32 bits, then decimals of up to 28 digits, then doubles. None when it is not a
+/// number, or past the range of doubles.
+std::optional<Value> ParseNumber(std::string_view text);
+
+/// The date that the whole text says: "2024-09-05", "2024-09-05 19:30", "2024-09-05 19:30:15", also with a T
+/// between; years 100 to 9999. None when there is no such day or time.
+std::optional<DateTime> ParseDate(std::string_view text);
+
+/// The GUID that the whole text says, with or without braces.
+std::optional<Guid> ParseGuid(std::string_view text);
+
+/// The text without blanks, tabs and line ends at both ends.
+std::string_view Trim(std::string_view text);
+
+/// Whether the texts are the same but for the case of Latin letters without accents.
+bool SameWord(std::string_view a, std::string_view b);
+
+}  // namespace jet::sql

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "jet/sql/Ast.h"
+
+namespace jet::sql {
+
+/// Longest statement, in bytes.
+inline constexpr std::size_t kMaxStatementLength = 64 * 1024;
+/// Deepest nesting of parentheses and `not` in a statement.
+inline constexpr int kMaxNesting = 200;
+
+/// Reads a select statement. Raises NotASelect for anything else, SyntaxErrorInFrom for a mistake in the from
+/// clause, SyntaxErrorInExpression elsewhere, also for a statement too long or too deep.
+SelectStatement ParseSelect(std::string_view text);
+
+/// Reads the text of a where clause, without the word itself. Raises SyntaxErrorInExpression.
+Expression ParseCriterion(std::string_view text);
+
+}  // namespace jet::sql
