@@ -68,9 +68,12 @@ TEST_F(LeagueFileTest, IndependentReadersFindItSound) {
   EXPECT_EQ(FilesInFolder(), std::vector<std::string>{"Halcyra - Live.mdb"});
   EXPECT_EQ(IndependentCheck(m_path, /*strict=*/true, kDatabasePassword), "");
   ASSERT_TRUE(jet::test::HasMdbExport());
-  EXPECT_EQ(jet::test::MdbExport(m_path, "settings"),
-            "1\x1F"
-            "0\x1E");
+  const std::string settings = jet::test::MdbExport(m_path, "settings");
+  EXPECT_TRUE(
+      settings.ends_with("\x1E"
+                         "1\x1F"
+                         "0\x1E"))
+      << settings;
   EXPECT_EQ(NumberOfError([&] { jet::DBEngine().OpenDatabase(m_path, true, false, ";pwd=TALWEP83RN"); }),
             jet::ErrorNumber::PasswordRejected);
 }
@@ -120,7 +123,8 @@ TEST_F(LeagueFileTest, HasDefaultsInSeasonsOnlyAndTakesNoEmptyTexts) {
     for (const auto& column : table.columns) {
       const bool hasDefault = table.name == "season info" && column.name != "id";
       EXPECT_EQ(column.defaultValue.has_value(), hasDefault) << table.name << "." << column.name;
-      EXPECT_FALSE(column.allowZeroLength) << table.name << "." << column.name;
+      EXPECT_FALSE(column.type == jet::ColumnType::Text && column.allowZeroLength)
+          << table.name << "." << column.name;
     }
   }
   AddRow(*database, "season info", {{"id", 1}});
