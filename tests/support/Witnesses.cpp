@@ -1,5 +1,6 @@
 #include "tests/support/Witnesses.h"
 
+#include <filesystem>
 #include <stdexcept>
 
 #include "tests/support/Processes.h"
@@ -28,14 +29,25 @@ std::string IndependentCheck(const std::vector<std::byte>& bytes, bool strict, c
 
 std::string MdbExport(const std::string& path, std::string_view table) {
   const ProgramResult result =
-      RunProgram({"mdb-export", "-H", "-Q", "-d", "\x1F", "-R", "\x1E", "-0", "\\N", "-b", "strip", "-T",
-                  "%Y-%m-%d %H:%M:%S", path, std::string(table)});
+      RunProgram({"mdb-export", "-Q", "-d", std::string(1, kMdbExportFieldEnd), "-R",
+                  std::string(1, kMdbExportRowEnd), "-0", "\\N", "-b", "strip", path, std::string(table)});
   if (result.exitCode != 0) throw std::runtime_error("mdb-export failed on " + path + ": " + result.output);
   return result.output;
 }
 
 bool HasMdbExport() {
   return HasProgram("mdb-export");
+}
+
+std::string MdbReaderJson(const std::string& path, const std::string& password) {
+  const ProgramResult result =
+      RunProgram({"node", std::string(HALCYRA_TEST_TOOLS) + "/node/read-tables.mjs", path, password});
+  if (result.exitCode != 0) throw std::runtime_error("mdb-reader failed on " + path + ": " + result.output);
+  return result.output;
+}
+
+bool HasMdbReader() {
+  return HasProgram("node") && std::filesystem::exists(HALCYRA_TEST_TOOLS "/node/node_modules/mdb-reader");
 }
 
 }  // namespace jet::test

@@ -15,10 +15,16 @@ std::string IndependentCheck(const std::string& path, bool strict = false, const
 std::string IndependentCheck(const std::vector<std::byte>& bytes, bool strict = false,
                              const std::string& password = {});
 
-/// Rows of a table as mdb-export (of mdbtools) prints them: fields separated by U+001F, rows ended by U+001E,
-/// Null as
-/// `\N`, dates as YYYY-MM-DD hh:mm:ss; binary values are left out. Without the header row.
+/// A table as mdb-export (of mdbtools) prints it, first the names of the columns, then the rows: Null as
+/// `\N`, yes/no as 1 and 0; binary values are left out.
 std::string MdbExport(const std::string& path, std::string_view table);
+inline constexpr char kMdbExportFieldEnd = '\x1F';
+inline constexpr char kMdbExportRowEnd = '\x1E';
 bool HasMdbExport();
+
+/// All tables as mdb-reader (of npm) sees them: {table: {columns: [name], rows: [[value]]}} as JSON.
+std::string MdbReaderJson(const std::string& path, const std::string& password);
+/// Whether tests/tools/node has been installed.
+bool HasMdbReader();
 
 }  // namespace jet::test
