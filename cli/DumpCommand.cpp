@@ -50,9 +50,10 @@ std::string SelectAll(const jet::TableInfo& table) {
 
 void Dump(Context& context, const DumpOptions& options) {
   const auto database = options.Open(context);
-  const auto rows = database->OpenRecordset(SelectAll(FindTable(*database, options.table)));
+  const jet::TableInfo table = FindTable(*database, options.table);
+  const auto rows = database->OpenRecordset(SelectAll(table));
   const auto writer = MakeRowWriter(options.format.Format(context), context.output);
-  WriteRows(*rows, *writer);
+  WriteRows(*rows, *writer, "table '" + table.name + "' of " + options.Path(context));
 }
 
 }  // namespace

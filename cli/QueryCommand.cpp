@@ -18,7 +18,7 @@ void Query(Context& context, const QueryOptions& options) {
   const auto rows = database->OpenRecordset(options.statement);
   if (options.explain) context.messages.Note("plan: " + rows->Plan());
   const auto writer = MakeRowWriter(options.format.Format(context), context.output);
-  WriteRows(*rows, *writer);
+  WriteRows(*rows, *writer, "the rows of a statement on " + options.Path(context));
 }
 
 }  // namespace

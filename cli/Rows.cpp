@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "jet/Error.h"
+
 namespace cli {
 
 void FormatOption::AddTo(CLI::App& command) {
@@ -16,7 +18,7 @@ RowFormat FormatOption::Format(const Context& context) const {
   return m_format == "csv" ? RowFormat::Csv : RowFormat::Tsv;
 }
 
-void WriteRows(jet::Recordset& rows, RowWriter& writer) {
+void WriteRows(jet::Recordset& rows, RowWriter& writer, const std::string& source) try {
   const std::size_t count = rows.FieldCount();
   std::vector<std::string> columns;
   for (std::size_t i = 0; i < count; ++i)
@@ -29,6 +31,9 @@ void WriteRows(jet::Recordset& rows, RowWriter& writer) {
     writer.Row(values);
   }
   writer.End();
+} catch (jet::Error& error) {
+  error.AddContext(source);
+  throw;
 }
 
 std::string Bracketed(const std::string& name) {

@@ -20,9 +20,9 @@ class FormatOption {
   std::string m_format = "tsv";
 };
 
-/// Writes the rows of a recordset, from the current one to the last. Raises what reading them raises; what
-/// was written until then is not whole.
-void WriteRows(jet::Recordset& rows, RowWriter& writer);
+/// Writes the rows of a recordset, from the current one to the last. Raises what reading them raises, with
+/// `source`, where the rows come from, as context; what was written until then is not whole.
+void WriteRows(jet::Recordset& rows, RowWriter& writer, const std::string& source);
 
 /// A name of a table or column as select statements take it.
 std::string Bracketed(const std::string& name);

@@ -35,11 +35,14 @@ class Query(support.CliTest):
         self.assertEqual(self.rows("select max(id) as highestid from [player info] where id < 0"), [[None]])
 
     def test_json_keeps_columns_of_one_name_apart(self):
-        rows = support.json_of(self.succeed(
-            "query", "select p.id, t.id, t.abbr from [player info] p inner join [team info] t on p.[team id] = t.id "
-            "where p.id = 1", "--file", LEAGUE, "--json"))
-        self.assertEqual(rows, [{"id": 1, "id 2": 12, "abbr": dict(
-            (t[0], t[1]) for t in support.expected_rows("team info"))["12"]}])
+        teams = {team[0]: team[1] for team in support.expected_rows("team info")}
+        joined = ("select p.id, t.id, t.abbr from [player info] p inner join [team info] t on p.[team id] = t.id "
+                  "where p.id = 1")
+        self.assertEqual(support.json_of(self.succeed("query", joined, "--file", LEAGUE, "--json")),
+                         [{"p.id": 1, "t.id": 12, "abbr": teams["12"]}])
+        twice = "select id, abbr, id from [team info] where id = 1"
+        self.assertEqual(support.json_of(self.succeed("query", twice, "--file", LEAGUE, "--json")),
+                         [{"id": 1, "abbr": teams["1"], "id 2": 1}])
 
     def test_broken_statements_are_refused_and_print_nothing(self):
         cases = {
