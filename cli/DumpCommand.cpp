@@ -51,9 +51,8 @@ std::string SelectAll(const jet::TableInfo& table) {
 void Dump(Context& context, const DumpOptions& options) {
   const auto database = options.Open(context);
   const jet::TableInfo table = FindTable(*database, options.table);
-  const auto rows = database->OpenRecordset(SelectAll(table));
-  const auto writer = MakeRowWriter(options.format.Format(context), context.output);
-  WriteRows(*rows, *writer, "table '" + table.name + "' of " + options.Path(context));
+  WriteRows(context, *database, SelectAll(table), options.format,
+            "table '" + table.name + "' of " + options.Path(context));
 }
 
 }  // namespace

@@ -14,11 +14,8 @@ struct QueryOptions : DatabaseOptions {
 };
 
 void Query(Context& context, const QueryOptions& options) {
-  const auto database = options.Open(context);
-  const auto rows = database->OpenRecordset(options.statement);
-  if (options.explain) context.messages.Note("plan: " + rows->Plan());
-  const auto writer = MakeRowWriter(options.format.Format(context), context.output);
-  WriteRows(*rows, *writer, "the rows of a statement on " + options.Path(context));
+  WriteRows(context, *options.Open(context), options.statement, options.format, options.Path(context),
+            options.explain);
 }
 
 }  // namespace

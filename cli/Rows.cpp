@@ -6,19 +6,10 @@
 #include "jet/Error.h"
 
 namespace cli {
+namespace {
 
-void FormatOption::AddTo(CLI::App& command) {
-  command.add_option("--format", m_format, "how the rows are written")
-      ->check(CLI::IsMember({"tsv", "csv", "json"}))
-      ->capture_default_str();
-}
-
-RowFormat FormatOption::Format(const Context& context) const {
-  if (context.json || m_format == "json") return RowFormat::Json;
-  return m_format == "csv" ? RowFormat::Csv : RowFormat::Tsv;
-}
-
-void WriteRows(jet::Recordset& rows, RowWriter& writer, const std::string& source) try {
+/// From the current row to the last.
+void Write(jet::Recordset& rows, RowWriter& writer) {
   const std::size_t count = rows.FieldCount();
   std::vector<std::string> columns;
   for (std::size_t i = 0; i < count; ++i)
@@ -31,8 +22,28 @@ void WriteRows(jet::Recordset& rows, RowWriter& writer, const std::string& sourc
     writer.Row(values);
   }
   writer.End();
+}
+
+}  // namespace
+
+void FormatOption::AddTo(CLI::App& command) {
+  command.add_option("--format", m_format, "how the rows are written")
+      ->check(CLI::IsMember({"tsv", "csv", "json"}))
+      ->capture_default_str();
+}
+
+RowFormat FormatOption::Format(const Context& context) const {
+  if (context.json || m_format == "json") return RowFormat::Json;
+  return m_format == "csv" ? RowFormat::Csv : RowFormat::Tsv;
+}
+
+void WriteRows(Context& context, jet::Database& database, const std::string& statement,
+               const FormatOption& format, const std::string& source, bool explain) try {
+  const auto rows = database.OpenRecordset(statement);
+  if (explain) context.messages.Note("plan: " + rows->Plan());
+  Write(*rows, *MakeRowWriter(format.Format(context), context.output));
 } catch (jet::Error& error) {
-  error.AddContext(source);
+  if (error.Number() == jet::ErrorNumber::DamagedFile) error.AddContext(source);
   throw;
 }
 

@@ -6,7 +6,7 @@
 
 #include "cli/Context.h"
 #include "cli/RowWriter.h"
-#include "jet/dao/Recordset.h"
+#include "jet/dao/Database.h"
 
 namespace cli {
 
@@ -20,9 +20,11 @@ class FormatOption {
   std::string m_format = "tsv";
 };
 
-/// Writes the rows of a recordset, from the current one to the last. Raises what reading them raises, with
-/// `source`, where the rows come from, as context; what was written until then is not whole.
-void WriteRows(jet::Recordset& rows, RowWriter& writer, const std::string& source);
+/// Runs a select statement and writes its rows in the format asked for; with `explain` it notes how they are
+/// found. Raises what the engine raises, an error of damage with `source`, where the rows come from, as
+/// context; what was written until then is not whole.
+void WriteRows(Context& context, jet::Database& database, const std::string& statement,
+               const FormatOption& format, const std::string& source, bool explain = false);
 
 /// A name of a table or column as select statements take it.
 std::string Bracketed(const std::string& name);
