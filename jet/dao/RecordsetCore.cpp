@@ -223,6 +223,10 @@ void RecordsetCore::Delete() {
 }
 
 std::size_t RecordsetCore::FindField(std::string_view name) const {
+  // Most callers write names as they are.
+  for (std::size_t i = 0; i < m_infos.size(); ++i) {
+    if (m_infos[i].name == name) return i;
+  }
   for (std::size_t i = 0; i < m_infos.size(); ++i) {
     if (format::SameName(m_infos[i].name, name)) return i;
   }
