@@ -17,12 +17,13 @@ constexpr std::size_t kKeptBuffers = 64;
 Pager::Pager(std::unique_ptr<PageStore> store, std::size_t cacheBytes)
     : m_store(std::move(store)),
       m_capacity(std::max(kLeastPages, cacheBytes / kPageSize)),
+      m_evictAt(m_capacity),
       m_pageCount(m_store->PageCount()) {}
 
 Pager::~Pager() = default;
 
 PageHandle Pager::Load(PageNumber number) {
-  if (m_cached >= m_capacity) Evict();
+  if (m_cached >= m_evictAt) MakeRoom();
   // Read before the frame is entered: a page that cannot be read leaves no trace.
   auto frame = std::make_unique<Frame>();
   frame->number = number;
@@ -34,7 +35,7 @@ PageHandle Pager::Load(PageNumber number) {
   return PageHandle(m_frames[number].get());
 }
 
-void Pager::Evict() {
+void Pager::MakeRoom() {
   // Second chance: a page used since the last visit is passed over once. Changed and pinned pages stay,
   // whatever the bound.
   for (std::size_t steps = 0; steps < 2 * m_frames.size() && m_cached >= m_capacity; ++steps) {
@@ -48,6 +49,8 @@ void Pager::Evict() {
     frame.reset();
     --m_cached;
   }
+  // A unit that changes more pages than the cache holds should not search them all for each further one.
+  m_evictAt = m_cached < m_capacity ? m_capacity : m_cached + m_capacity / 2;
 }
 
 std::unique_ptr<PageBytes> Pager::TakeBuffer() {
@@ -85,7 +88,7 @@ MutablePage Pager::Append() {
   if (m_pageCount >= kMaxPages) {
     throw Error(ErrorNumber::FileTooLarge, "The file '" + FileName() + "' would grow past 2 GiB.");
   }
-  if (m_cached >= m_capacity) Evict();
+  if (m_cached >= m_evictAt) MakeRoom();
   const PageNumber number = m_pageCount;
   if (m_frames.size() <= number) m_frames.resize(number + 1);
   auto frame = std::make_unique<Frame>();
@@ -146,7 +149,7 @@ void Pager::Commit() {
     GiveBuffer(std::move(undo.before));
   }
   m_levels.pop_back();
-  if (m_cached > m_capacity) Evict();
+  if (m_cached > m_capacity) MakeRoom();
 }
 
 void Pager::Rollback() noexcept {

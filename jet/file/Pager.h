@@ -129,7 +129,7 @@ class Pager {
 
   PageHandle Load(PageNumber number);
   detail::Frame& NewFrame(PageNumber number);
-  void Evict();
+  void MakeRoom();
   void SaveBefore(detail::Frame& frame, bool isNew);
   std::unique_ptr<PageBytes> TakeBuffer();
   void GiveBuffer(std::unique_ptr<PageBytes> buffer);
@@ -139,6 +139,7 @@ class Pager {
 
   std::unique_ptr<PageStore> m_store;
   std::size_t m_capacity;
+  std::size_t m_evictAt;  // pages in the cache at which room is made again
   std::vector<std::unique_ptr<detail::Frame>> m_frames;  // by page number
   std::size_t m_cached = 0;
   std::size_t m_clock = 0;  // where the search for a page to evict goes on

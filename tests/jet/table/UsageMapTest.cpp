@@ -1,0 +1,105 @@
+#include <random>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "jet/Error.h"
+#include "jet/format/Bytes.h"
+#include "jet/table/UsageMap.h"
+#include "tests/jet/table/BarePages.h"
+
+namespace jet {
+namespace {
+
+using test::BarePages;
+
+std::uint32_t NewMap(BarePages& bare) {
+  MutablePage page = bare.pager.Change(BarePages::kMapPage);
+  return UsageMap::Create(page);
+}
+
+TEST(UsageMapTest, RandomAddsAndRemoves_AgreeWithASet_AlsoWhenTheMapGrowsPastItsRow) {
+  const unsigned seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  BarePages bare;
+  ChangeUnit unit(bare.pager);
+  while (bare.pager.PageCount() < 2000)
+    bare.allocator.Allocate();
+  // Pages near each other stay in the row, which moves along with them; pages far apart make the map one by
+  // reference.
+  for (const PageNumber reach : {300U, 1900U}) {
+    UsageMap map(bare.pager, NewMap(bare));
+    std::set<PageNumber> model;
+    for (int step = 0; step < 2000; ++step) {
+      const PageNumber page = 5 + 1000 * (reach == 300 ? 1U : 0U) + static_cast<PageNumber>(random() % reach);
+      if (random() % 3 != 0) {
+        map.Add(page, bare.allocator);
+        model.insert(page);
+      } else {
+        map.Remove(page);
+        model.erase(page);
+      }
+      ASSERT_EQ(map.Contains(page), model.count(page) == 1);
+      const PageNumber from = static_cast<PageNumber>(random() % 2000);
+      const auto next = model.lower_bound(from);
+      ASSERT_EQ(map.Next(from), next == model.end() ? format::kNoPage : *next);
+    }
+    EXPECT_EQ(map.Pages(), std::vector<PageNumber>(model.begin(), model.end()));
+    EXPECT_EQ(map.MapPages().empty(), reach == 300);
+  }
+}
+
+TEST(UsageMapTest, AMapThatListsPagesPastTheEnd_IsDamage) {
+  BarePages bare;
+  ChangeUnit unit(bare.pager);
+  UsageMap map(bare.pager, NewMap(bare));
+  map.Add(2, bare.allocator);
+  MutablePage page = bare.pager.Change(BarePages::kMapPage);
+  format::DataPage(page.Bytes(), page.Number()).MutableRow(0)[10] = std::byte{1};
+  EXPECT_THROW(map.Pages(), Error);
+}
+
+TEST(PageAllocatorTest, FreedPagesAreGivenOutAgain_LowestFirst_AndAnUndoneUnitGivesThemBack) {
+  BarePages bare;
+  {
+    ChangeUnit unit(bare.pager);
+    for (int i = 0; i < 20; ++i)
+      bare.allocator.Allocate();
+    bare.allocator.Free(9);
+    bare.allocator.Free(7);
+    unit.Commit();
+  }
+  {
+    ChangeUnit unit(bare.pager);
+    EXPECT_EQ(bare.allocator.Allocate().Number(), 7U);
+    EXPECT_EQ(bare.allocator.Allocate().Number(), 9U);
+    EXPECT_EQ(bare.allocator.Allocate().Number(), 23U);
+  }
+  EXPECT_TRUE(bare.allocator.IsFree(7));
+  EXPECT_EQ(bare.pager.PageCount(), 23U);
+  ChangeUnit unit(bare.pager);
+  EXPECT_EQ(bare.allocator.Allocate().Number(), 7U);
+}
+
+TEST(PageAllocatorTest, TheGlobalMapGrowsWithTheFile_FirstItsRow_ThenByReference) {
+  BarePages bare;
+  ChangeUnit unit(bare.pager);
+  std::set<PageNumber> given{0, 1, 2};
+  // The row of page 1 has room for the map of some 31,000 pages.
+  while (bare.pager.PageCount() < 34000) {
+    ASSERT_TRUE(given.insert(bare.allocator.Allocate().Number()).second);
+  }
+  bare.allocator.CheckFileIsWhole();
+  std::size_t mapPages = 0;
+  for (PageNumber page = 0; page < bare.pager.PageCount(); ++page) {
+    ASSERT_FALSE(bare.allocator.IsFree(page)) << page;
+    if (given.count(page) == 0) ++mapPages;
+  }
+  EXPECT_EQ(mapPages, 2U) << "34,000 pages take two pages of map";
+  bare.allocator.Free(33000);
+  EXPECT_EQ(bare.allocator.Allocate().Number(), 33000U);
+}
+
+}  // namespace
+}  // namespace jet
