@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Prints the medians of a benchmark run as a Markdown table: summary.py RESULT.json"""
+"""Prints the medians (of processor time) of a benchmark run as a Markdown table: summary.py RESULT.json"""
 import json
 import sys
 
@@ -20,7 +20,7 @@ def main():
         if run.get("aggregate_name") != "median":
             continue
         what, who, *rows = run["run_name"].split("/")
-        medians.setdefault((what, rows[0] if rows else ""), {})[who] = run["real_time"] * scale[run["time_unit"]]
+        medians.setdefault((what, rows[0] if rows else ""), {})[who] = run["cpu_time"] * scale[run["time_unit"]]
     print("| what | rows | engine | SQLite | engine / SQLite | SQLite, prepared once | engine / that |")
     print("|---|---|---|---|---|---|---|")
     for (what, rows), times in medians.items():

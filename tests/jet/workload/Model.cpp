@@ -23,6 +23,20 @@ std::string Decimals(double number) {
   return text;
 }
 
+bool HasNull(const ModelRow& row, const std::vector<std::size_t>& columns) {
+  return std::any_of(columns.begin(), columns.end(),
+                     [&](std::size_t column) { return row[column].IsNull(); });
+}
+
+/// Whether two rows, of one table or of two, hold the same values in columns of theirs.
+bool SameValues(const ModelRow& a, const std::vector<std::size_t>& columnsOfA, const ModelRow& b,
+                const std::vector<std::size_t>& columnsOfB) {
+  for (std::size_t i = 0; i < columnsOfA.size(); ++i) {
+    if (!(a[columnsOfA[i]] == b[columnsOfB[i]])) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::string ExactText(const Value& value) {
@@ -39,6 +53,13 @@ std::size_t ModelTable::Column(const std::string& name) const {
     if (info.columns[i].name == name) return i;
   }
   throw std::runtime_error("no column " + name);
+}
+
+std::vector<std::size_t> ModelTable::Columns(const std::vector<std::string>& names) const {
+  std::vector<std::size_t> columns;
+  for (const std::string& name : names)
+    columns.push_back(Column(name));
+  return columns;
 }
 
 std::string ModelTable::KeyOf(const ModelRow& row) const {
@@ -116,25 +137,24 @@ std::vector<std::string> Model::TableNames() const {
   return names;
 }
 
-Model::Key Model::KeyIn(const ModelTable& table, const std::vector<std::string>& columns,
-                        const ModelRow& row) {
-  std::string key;
-  for (const std::string& name : columns) {
-    const Value& value = row[table.Column(name)];
-    if (value.IsNull()) return std::nullopt;
-    key += ExactText(value) + "|";
-  }
-  return key;
-}
-
-std::vector<ModelRow> Model::Children(const RelationInfo& relation, const Key& parentKey) const {
-  std::vector<ModelRow> children;
-  if (!parentKey) return children;
+std::vector<ModelRow> Model::Children(const RelationInfo& relation, const ModelRow& parent) const {
   const ModelTable& table = m_tables.at(relation.table);
+  const Positions foreign = table.Columns(relation.columns);
+  const Positions referred = m_tables.at(relation.parentTable).Columns(relation.parentColumns);
+  std::vector<ModelRow> children;
+  if (HasNull(parent, referred)) return children;
   for (const auto& [key, row] : table.rows) {
-    if (KeyIn(table, relation.columns, row) == parentKey) children.push_back(row);
+    if (SameValues(row, foreign, parent, referred)) children.push_back(row);
   }
   return children;
+}
+
+bool Model::HasParent(const RelationInfo& relation, const ModelRow& child) const {
+  const ModelTable& table = m_tables.at(relation.parentTable);
+  const Positions foreign = m_tables.at(relation.table).Columns(relation.columns);
+  const Positions referred = table.Columns(relation.parentColumns);
+  return std::any_of(table.rows.begin(), table.rows.end(),
+                     [&](const auto& entry) { return SameValues(entry.second, referred, child, foreign); });
 }
 
 std::set<ErrorNumber> Model::Refusals(const std::string& name, const ModelRow& row,
@@ -148,31 +168,29 @@ std::set<ErrorNumber> Model::Refusals(const std::string& name, const ModelRow& r
     if (!column.allowZeroLength && text != nullptr && text->empty())
       refusals.insert(ErrorNumber::ZeroLengthText);
   }
+  const std::string oldKey = old == nullptr ? std::string() : table.KeyOf(*old);
   for (const IndexSpec& index : table.info.indexes) {
-    std::vector<std::string> columns;
+    Positions columns;
     for (const IndexColumn& part : index.columns)
-      columns.push_back(part.name);
-    const Key key = KeyIn(table, columns, row);
-    if (!key && index.primary) refusals.insert(ErrorNumber::NullInPrimaryKey);
-    if (!key && index.required) refusals.insert(ErrorNumber::NullInRequiredColumn);
-    if (!key || !(index.unique || index.primary)) continue;
+      columns.push_back(table.Column(part.name));
+    const bool anyNull = HasNull(row, columns);
+    if (anyNull && index.primary) refusals.insert(ErrorNumber::NullInPrimaryKey);
+    if (anyNull && index.required) refusals.insert(ErrorNumber::NullInRequiredColumn);
+    if (anyNull || !(index.unique || index.primary)) continue;
     for (const auto& [otherKey, other] : table.rows) {
-      if (old != nullptr && otherKey == table.KeyOf(*old)) continue;
-      if (KeyIn(table, columns, other) == key) refusals.insert(ErrorNumber::DuplicateKey);
+      if (SameValues(other, columns, row, columns) && (old == nullptr || otherKey != oldKey)) {
+        refusals.insert(ErrorNumber::DuplicateKey);
+      }
     }
   }
   for (const RelationInfo& relation : m_relations) {
-    if (relation.table == name) {
-      const ModelTable& parent = m_tables.at(relation.parentTable);
-      const Key key = KeyIn(table, relation.columns, row);
-      const bool found = std::any_of(parent.rows.begin(), parent.rows.end(), [&](const auto& entry) {
-        return KeyIn(parent, relation.parentColumns, entry.second) == key;
-      });
-      if (key && !found) refusals.insert(ErrorNumber::NoReferredRow);
+    if (relation.table == name && !HasNull(row, table.Columns(relation.columns)) &&
+        !HasParent(relation, row)) {
+      refusals.insert(ErrorNumber::NoReferredRow);
     }
     if (relation.parentTable == name && old != nullptr && !relation.cascadeUpdates) {
-      const Key before = KeyIn(table, relation.parentColumns, *old);
-      if (before != KeyIn(table, relation.parentColumns, row) && !Children(relation, before).empty()) {
+      const Positions columns = table.Columns(relation.parentColumns);
+      if (!SameValues(*old, columns, row, columns) && !Children(relation, *old).empty()) {
         refusals.insert(ErrorNumber::RowIsReferred);
       }
     }
@@ -183,7 +201,7 @@ std::set<ErrorNumber> Model::Refusals(const std::string& name, const ModelRow& r
 bool Model::IsReferred(const std::string& name, const ModelRow& row) const {
   for (const RelationInfo& relation : m_relations) {
     if (relation.parentTable != name) continue;
-    for (const ModelRow& child : Children(relation, KeyIn(m_tables.at(name), relation.parentColumns, row))) {
+    for (const ModelRow& child : Children(relation, row)) {
       if (!relation.cascadeDeletes || IsReferred(relation.table, child)) return true;
     }
   }
@@ -196,13 +214,12 @@ void Model::Store(const std::string& name, const ModelRow& row, const ModelRow* 
     table.rows.erase(table.KeyOf(*old));
     for (const RelationInfo& relation : m_relations) {
       if (relation.parentTable != name) continue;
-      const Key before = KeyIn(table, relation.parentColumns, *old);
-      if (before == KeyIn(table, relation.parentColumns, row)) continue;
-      for (const ModelRow& child : Children(relation, before)) {
+      const Positions columns = table.Columns(relation.parentColumns);
+      if (SameValues(*old, columns, row, columns)) continue;
+      for (const ModelRow& child : Children(relation, *old)) {
         ModelRow changed = child;
-        for (std::size_t i = 0; i < relation.columns.size(); ++i) {
-          changed[m_tables.at(relation.table).Column(relation.columns[i])] =
-              row[table.Column(relation.parentColumns[i])];
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+          changed[m_tables.at(relation.table).Column(relation.columns[i])] = row[columns[i]];
         }
         Store(relation.table, changed, &child);
       }
@@ -215,9 +232,8 @@ void Model::Delete(const std::string& name, const ModelRow& row) {
   ModelTable& table = m_tables.at(name);
   for (const RelationInfo& relation : m_relations) {
     if (relation.parentTable != name) continue;
-    for (const ModelRow& child : Children(relation, KeyIn(table, relation.parentColumns, row))) {
+    for (const ModelRow& child : Children(relation, row))
       Delete(relation.table, child);
-    }
   }
   table.rows.erase(table.KeyOf(row));
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,6 +23,7 @@ struct ModelTable {
   std::map<std::string, ModelRow> rows;
 
   std::size_t Column(const std::string& name) const;
+  std::vector<std::size_t> Columns(const std::vector<std::string>& names) const;
   std::string KeyOf(const ModelRow& row) const;
   /// Condition that finds the row in a select statement.
   std::string Where(const ModelRow& row) const;
@@ -57,11 +57,12 @@ class Model {
   std::string Compare(Database& database) const;
 
  private:
-  using Key = std::optional<std::string>;  // none when a column is Null
+  using Positions = std::vector<std::size_t>;
 
-  static Key KeyIn(const ModelTable& table, const std::vector<std::string>& columns, const ModelRow& row);
   static void ReadRows(Database& database, ModelTable& table);
-  std::vector<ModelRow> Children(const RelationInfo& relation, const Key& parentKey) const;
+  /// Rows of the table that refers which refer to `parent`.
+  std::vector<ModelRow> Children(const RelationInfo& relation, const ModelRow& parent) const;
+  bool HasParent(const RelationInfo& relation, const ModelRow& child) const;
 
   std::map<std::string, ModelTable> m_tables;
   std::vector<RelationInfo> m_relations;
