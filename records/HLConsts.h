@@ -9,5 +9,7 @@ inline constexpr char kServiceTitle[] = "Halcyra Service";
 inline constexpr char kLineBreak[] = "\r\n";
 /// Begins the key of every record that is held under its identifier.
 inline constexpr char kRecordKeyPrefix[] = "K";
+/// Begins the key of a record that has no identifier yet; a running number follows.
+inline constexpr char kNewRecordKeyPrefix[] = "KNEW";
 
 }  // namespace HLDataSrvc::HLConsts

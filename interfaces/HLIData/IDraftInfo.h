@@ -18,7 +18,7 @@ class HLIDATA_TYPE IDraftInfo {
   virtual std::int32_t DraftNo() const = 0;
   virtual void DraftNo(std::int32_t value) = 0;
   /// What was picked, or empty. Setting an empty reference, or what is neither player nor team, changes
-  /// nothing.
+  /// nothing. Raises TypeMismatch for a player or team that is not one of the service's records.
   virtual std::shared_ptr<IPickable> PlayerOrTeam() const = 0;
   virtual void PlayerOrTeam(const std::shared_ptr<IPickable>& value) = 0;
   /// Who made the pick; empty while the pick is.

@@ -67,8 +67,9 @@ class HLIDATA_TYPE ISeasonInfo {
   /// is left alone.
   virtual bool IsPickableTaken(const std::shared_ptr<IPickable>& oPick, std::string& errMessage) = 0;
   /// Records that `oMgr` picked `pickedInfo` at pick `curPick`. Ask IsPickableTaken first: raises BadPosition
-  /// for a pick number outside the draft, and DuplicateKey for something picked already, after the pick was
-  /// taken out.
+  /// for a pick number outside the draft, and, after the pick was taken out for good, DuplicateKey for
+  /// something picked already and ObjectNotSet for an empty `pickedInfo`. A player or team that is not one of
+  /// the service's records raises TypeMismatch, when the pick stands under its new key already.
   virtual void UpdateDraft(const std::shared_ptr<IPickable>& pickedInfo, std::int32_t curPick,
                            const std::shared_ptr<IManagerInfo>& oMgr) = 0;
   /// Empties pick `curPick`. Raises BadPosition for a pick number outside the draft.

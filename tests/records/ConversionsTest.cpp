@@ -1,25 +1,15 @@
-#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "HLIData/Error.h"
 #include "records/Conversions.h"
+#include "tests/records/RecordsSupport.h"
 
 namespace HLDataSrvc::Conversions {
 namespace {
 
 using HLIData::ErrorNumber;
-
-template <typename Call>
-std::optional<ErrorNumber> NumberOfError(Call&& call) {
-  try {
-    call();
-  } catch (const HLIData::Error& error) {
-    return error.Number();
-  }
-  return {};
-}
+using test::NumberOfError;
 
 TEST(LeadingInt32, TakesTheNumberThatTheTextBeginsWith) {
   EXPECT_EQ(LeadingInt32("17"), 17);
