@@ -33,7 +33,7 @@ std::size_t ReadAll(SqliteStatement& rows) {
 void OpenAndSettings(benchmark::State& state) {
   const std::string file = SqliteFile(2500);
   for (auto _ : state) {
-    SqliteDatabase database(file);
+    SqliteDatabase database(file, false);
     SqliteStatement rows(database, "select * from settings");
     rows.Step();
     benchmark::DoNotOptimize(rows.Number(1));

@@ -4,10 +4,11 @@
 
 namespace bench {
 
-SqliteDatabase::SqliteDatabase(const std::string& file) {
+SqliteDatabase::SqliteDatabase(const std::string& file, bool forChanges) {
   if (sqlite3_open(file.c_str(), &m_database) != SQLITE_OK) throw std::runtime_error("cannot open " + file);
-  Run("pragma synchronous = off; pragma journal_mode = memory; pragma locking_mode = exclusive; pragma "
-      "cache_size = -65536");
+  if (!forChanges) return;
+  Run("pragma synchronous = off; pragma journal_mode = memory; pragma locking_mode = exclusive;"
+      "pragma cache_size = -65536");
 }
 
 SqliteDatabase::~SqliteDatabase() {

@@ -15,7 +15,7 @@ inline constexpr const char* kSqliteInsert = "insert into player_info values (?,
 /// is atomic against errors, and nothing waits for the disk.
 class SqliteDatabase {
  public:
-  explicit SqliteDatabase(const std::string& file);
+  explicit SqliteDatabase(const std::string& file, bool forChanges = true);
   ~SqliteDatabase();
   SqliteDatabase(const SqliteDatabase&) = delete;
   SqliteDatabase& operator=(const SqliteDatabase&) = delete;
