@@ -58,20 +58,22 @@ class Recordset {
   /// To the first row; with no rows it stays at the end.
   void MoveFirst();
   /// To the first row, from the start, for which `criterion` (the text of a where clause) holds. When there
-  /// is none `NoMatch` is true and there is no current row. Raises SyntaxErrorInExpression,
-  /// UnknownColumnInStatement, TypeMismatch; FeatureNotSupported for a snapshot.
+  /// is none `NoMatch` is true and there is no current row until MoveFirst or a search that succeeds. Raises
+  /// SyntaxErrorInExpression, UnknownColumnInStatement, TypeMismatch, BadPattern.
   void FindFirst(const std::string& criterion);
   bool NoMatch() const;
 
-  /// Starts a new row from the columns' default values. Raises CannotUpdate.
+  /// Starts a new row from the columns' default values, as far as these are constants. After `Update` the
+  /// current row is the one from before, and the new one stands at the end. Raises CannotUpdate.
   void AddNew();
   /// Starts a copy of the current row. Raises CannotUpdate, NoCurrentRecord, RowDeleted.
   void Edit();
   /// Writes the row being added or edited, whole or not at all. Raises NoEditInProgress, DuplicateKey,
-  /// NullInRequiredColumn, NullInPrimaryKey, ZeroLengthText, NoReferredRow, RowIsReferred, RecordTooLarge and
-  /// the errors of the file; the row being edited is kept, so that it can be mended and updated again.
+  /// NullInRequiredColumn, NullInPrimaryKey, ZeroLengthText, NoReferredRow, RowIsReferred, RecordTooLarge,
+  /// RowDeleted, FeatureNotSupported for a default that is an expression and would be needed, and the errors
+  /// of the file; the row being edited is kept, so that it can be mended and updated again.
   void Update();
-  /// Drops the row being added or edited.
+  /// Drops the row being added or edited; when there is none it does nothing.
   void CancelUpdate();
   /// Removes the current row at once; until the next move there is no current row. Raises NoCurrentRecord,
   /// RowDeleted, RowIsReferred, CannotUpdate.

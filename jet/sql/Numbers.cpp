@@ -178,8 +178,13 @@ std::optional<Value> Nearest(const Value& number, ColumnType type) {
       const std::optional<std::int64_t> units = ToInteger(*scaled);
       return units ? std::optional<Value>(Currency{*units}) : std::nullopt;
     }
-    case ColumnType::Single:
-      return Value(static_cast<float>(ToDouble(number)));
+    case ColumnType::Single: {
+      const double floating = ToDouble(number);
+      if (std::isfinite(floating) &&
+          std::abs(floating) > static_cast<double>(std::numeric_limits<float>::max()))
+        return std::nullopt;
+      return Value(static_cast<float>(floating));
+    }
     case ColumnType::Double:
       return Value(ToDouble(number));
     default:

@@ -76,6 +76,7 @@ TEST(Numbers, SameNumberAsKeepsTheWorth) {
   EXPECT_EQ(SameNumberAs(Number("0.00005"), ColumnType::Currency), std::nullopt);
   EXPECT_EQ(SameNumberAs(16777217, ColumnType::Single), std::nullopt);
   EXPECT_EQ(SameNumberAs(0.1, ColumnType::Single), std::nullopt);
+  EXPECT_EQ(SameNumberAs(1e300, ColumnType::Single), std::nullopt);
 }
 
 TEST(Literals, Numbers) {

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -6,6 +8,7 @@
 
 #include "jet/Error.h"
 #include "jet/dao/DBEngine.h"
+#include "jet/format/SortKey.h"
 #include "tests/support/TestFiles.h"
 
 // Statements on a league file that an independent writer made.
@@ -242,6 +245,70 @@ TEST_F(SelectTest, TextIsComparedByTheSortOrder) {
   EXPECT_EQ(Rows("select [abbr] from [position info] where [abbr] = 'qb'"), std::vector<std::string>{"QB"});
   EXPECT_EQ(Rows("select count(*) from [player info] where [first name] = 'zoe'")[0], "0");
   EXPECT_NE(Rows("select count(*) from [player info] where [first name] = 'ZOË'")[0], "0");
+}
+
+// What a name search sends, against a scan that compares by hand.
+TEST_F(SelectTest, SearchesFindWhatAScanFinds) {
+  struct Player {
+    std::string first, last, id;
+    bool retired;
+  };
+  std::vector<Player> players;
+  for (const auto rows = database->OpenRecordset("select * from [player info]"); !rows->Eof();
+       rows->MoveNext()) {
+    players.push_back({rows->Fields("first name").Value().ToText(),
+                       rows->Fields("last name").Value().ToText(), rows->Fields("id").Value().ToText(),
+                       *rows->Fields("is retired").Value().As<bool>()});
+  }
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  const auto lower = [](std::string text) {
+    for (char& c : text)
+      c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+    return text;
+  };
+  const auto begins = [&](const std::string& name, const std::string& word) {
+    return !name.empty() && lower(name).starts_with(lower(word));
+  };
+  const auto prefix = [&](const std::string& name) {
+    std::size_t length = std::min<std::size_t>(random() % 6, name.size());
+    while (length < name.size() && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80)
+      ++length;  // not inside a character
+    return name.substr(0, length);
+  };
+  std::size_t found = 0;
+  for (int i = 0; i < 150; ++i) {
+    const Player& model = players[random() % players.size()];
+    std::string a = prefix(model.first);
+    const std::string b = prefix(model.last);
+    if (a.find('\'') != std::string::npos || b.find('\'') != std::string::npos) continue;
+    if (random() % 2 == 0) a = lower(a);
+    const bool skipRetired = random() % 2 == 0;
+    const std::string pair = "(([last name] like '" + a + "*') and ([first name] like '" + b +
+                             "*')) or (([last name] like '" + b + "*') and ([first name] like '" + a + "*'))";
+    const std::vector<std::string> rows = Rows(
+        "select [id] from [player info] where (" + pair + " or " + pair + ")" +
+        (skipRetired ? " and ([is retired] = false)" : "") + " order by [first name], [last name], [id]");
+    std::vector<Player> expected;
+    for (const Player& player : players) {
+      const bool fits = (begins(player.last, a) && begins(player.first, b)) ||
+                        (begins(player.last, b) && begins(player.first, a));
+      if (fits && !(skipRetired && player.retired)) expected.push_back(player);
+    }
+    std::sort(expected.begin(), expected.end(), [](const Player& x, const Player& y) {
+      const auto first = format::CompareText(x.first, y.first);
+      if (first != 0) return first < 0;
+      const auto last = format::CompareText(x.last, y.last);
+      return last != 0 ? last < 0 : std::stoi(x.id) < std::stoi(y.id);
+    });
+    std::vector<std::string> ids;
+    for (const Player& player : expected)
+      ids.push_back(player.id);
+    ASSERT_EQ(rows, ids) << "'" << a << "' '" << b << "'";
+    found += ids.size();
+  }
+  EXPECT_GT(found, 150U);
 }
 
 TEST_F(SelectTest, MistakesAreNamed) {
