@@ -18,9 +18,10 @@ struct ColumnSpec {
   bool compressed = true;        ///< text and memo: stored with a byte a character where that is shorter
   bool required = false;         ///< Null is refused
   bool allowZeroLength = false;  ///< text and memo: an empty text is allowed
-  std::optional<std::string> defaultValue;  ///< the default's expression text: a constant, as "0", "False", "\"QB\""
-  std::uint8_t precision = 18;   ///< decimal: digits in all, 1..28
-  std::uint8_t scale = 0;        ///< decimal: digits after the point, 0..precision
+  std::optional<std::string>
+      defaultValue;             ///< the default's expression text: a constant, as "0", "False", "\"QB\""
+  std::uint8_t precision = 18;  ///< decimal: digits in all, 1..28
+  std::uint8_t scale = 0;       ///< decimal: digits after the point, 0..precision
 };
 
 struct IndexColumn {
@@ -32,11 +33,11 @@ struct IndexColumn {
 struct IndexSpec {
   std::string name;
   std::vector<IndexColumn> columns;  ///< 1 to 10
-  bool primary = false;      ///< the table's primary key: unique, no Nulls; at most one a table
-  bool unique = false;       ///< no two rows with the same key; keys with a Null do not count
-  bool required = false;     ///< no Nulls
-  bool ignoreNulls = false;  ///< rows with Null in every column have no entry
-  bool foreign = false;      ///< read only: made for a relationship
+  bool primary = false;              ///< the table's primary key: unique, no Nulls; at most one a table
+  bool unique = false;               ///< no two rows with the same key; keys with a Null do not count
+  bool required = false;             ///< no Nulls
+  bool ignoreNulls = false;          ///< rows with Null in every column have no entry
+  bool foreign = false;              ///< read only: made for a relationship
 };
 
 struct TableSpec {

@@ -67,7 +67,8 @@ using Bytes = std::vector<std::byte>;
 /// Byte, Integer and Long are all held as 32-bit integers; which of them a column is, its `ColumnType` says.
 class Value {
  public:
-  using Variant = std::variant<Null, bool, std::int32_t, float, double, Currency, DateTime, Decimal, std::string, Bytes, Guid>;
+  using Variant = std::variant<Null, bool, std::int32_t, float, double, Currency, DateTime, Decimal,
+                               std::string, Bytes, Guid>;
 
   Value() = default;
   Value(Null) {}
@@ -93,9 +94,10 @@ class Value {
     return std::get_if<T>(&m_data);
   }
 
-  /// The value joined to an empty text: Null gives "", yes/no "True" or "False", numbers their shortest decimal
-  /// form ("17", "-2.5"; up to 15 digits for doubles, 7 for singles), dates "YYYY-MM-DD" with " hh:mm:ss" when
-  /// there is a time of day, GUIDs "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}", binary its bytes as hexadecimal digits.
+  /// The value joined to an empty text: Null gives "", yes/no "True" or "False", numbers their shortest
+  /// decimal form ("17", "-2.5"; up to 15 digits for doubles, 7 for singles), dates "YYYY-MM-DD" with "
+  /// hh:mm:ss" when there is a time of day, GUIDs "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}", binary its bytes
+  /// as hexadecimal digits.
   std::string ToText() const;
 
   /// Same kind and same content. (Comparison by the rules of the select dialect is in sql/.)

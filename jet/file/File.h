@@ -8,8 +8,8 @@
 
 namespace jet {
 
-/// What the engine asks of an open file. Implemented for each system in a folder of its own below this one, and
-/// by the doubles in tests/support/. The lock taken when it was opened is held until the object goes.
+/// What the engine asks of an open file. Implemented for each system in a folder of its own below this one,
+/// and by the doubles in tests/support/. The lock taken when it was opened is held until the object goes.
 class File {
  public:
   virtual ~File() = default;
@@ -18,7 +18,8 @@ class File {
   virtual std::uint64_t Size() const = 0;
   /// Fills `into` from `offset`: all of it, or raises ReadFailed.
   virtual void Read(std::uint64_t offset, std::span<std::byte> into) = 0;
-  /// Writes all of `from` at `offset`, growing the file if needed, or raises DiskFull, PermissionDenied or ReadFailed.
+  /// Writes all of `from` at `offset`, growing the file if needed, or raises DiskFull, PermissionDenied or
+  /// ReadFailed.
   virtual void Write(std::uint64_t offset, std::span<const std::byte> from) = 0;
   /// Cuts or extends (with zeros) the file to `size` bytes.
   virtual void Resize(std::uint64_t size) = 0;
@@ -28,12 +29,13 @@ class File {
 
 /// How a file is opened and what others may do with it meanwhile.
 struct OpenMode {
-  bool exclusive = true;   ///< no other open of the file, in this or another process, while it is open
+  bool exclusive = true;  ///< no other open of the file, in this or another process, while it is open
   bool readOnly = false;
-  bool create = false;     ///< make a new file; raises ObjectExists when there is one
+  bool create = false;  ///< make a new file; raises ObjectExists when there is one
 };
 
-/// What the engine asks of a file system. Names are UTF-8; `\` separates folders on every system, and `/` too.
+/// What the engine asks of a file system. Names are UTF-8; `\` separates folders on every system, and `/`
+/// too.
 class FileSystem {
  public:
   virtual ~FileSystem() = default;

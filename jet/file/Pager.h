@@ -139,7 +139,7 @@ class Pager {
 
   std::unique_ptr<PageStore> m_store;
   std::size_t m_capacity;
-  std::size_t m_evictAt;  // pages in the cache at which room is made again
+  std::size_t m_evictAt;                                 // pages in the cache at which room is made again
   std::vector<std::unique_ptr<detail::Frame>> m_frames;  // by page number
   std::size_t m_cached = 0;
   std::size_t m_clock = 0;  // where the search for a page to evict goes on

@@ -35,7 +35,8 @@ class Store {
   /// NotADatabase, PasswordRejected, DamagedFile.
   static std::unique_ptr<Store> Open(std::unique_ptr<File> file, const std::string& name,
                                      std::string_view password, std::size_t cacheBytes);
-  /// Takes over a file whose header and system tables have been laid out by way of `pager`. Raises DamagedFile.
+  /// Takes over a file whose header and system tables have been laid out by way of `pager`. Raises
+  /// DamagedFile.
   static std::unique_ptr<Store> Adopt(std::unique_ptr<Pager> pager, format::DatabaseHeader header);
   ~Store();
 

@@ -78,7 +78,8 @@ TEST(Schema, ATableOfEveryType_HoldsRowsThatOthersRead) {
   WriteWholeFile(folder.File(kName), database.Bytes());
   if (!HasMdbExport()) GTEST_SKIP() << "mdb-export is not installed";
   const std::string rows = MdbExport(folder.File(kName), "every type");
-  EXPECT_EQ(std::count(rows.begin(), rows.end(), kMdbExportRowEnd), 1 + 300) << "the names of the columns and the rows";
+  EXPECT_EQ(std::count(rows.begin(), rows.end(), kMdbExportRowEnd), 1 + 300)
+      << "the names of the columns and the rows";
   EXPECT_NE(rows.find("Name é 36\x1F"), std::string::npos);
 }
 
