@@ -67,6 +67,9 @@ void TableCheck::CheckDefinition() {
   std::vector<std::uint32_t> pages;
   const Bytes stream = ReadDefinitionStream(m_store->Pages(), m_definition->page, pages);
   m_counts = DecodeDefinitionCounts(stream);
+  if (LoadU32(stream.data() + layout::kAutoNumberStep) != 1) {
+    m_findings->Add(m_where, "its automatic numbers do not go up in steps of one");
+  }
   for (std::size_t i = 0; i < pages.size(); ++i) {
     if (i > 0) m_pages->Claim(pages[i], "definition of " + m_where);
     const bool last = i + 1 == pages.size();

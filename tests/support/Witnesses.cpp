@@ -27,6 +27,13 @@ std::string IndependentCheck(const std::vector<std::byte>& bytes, bool strict, c
   return IndependentCheck(path, strict, password);
 }
 
+std::string IndependentRows(const std::string& path, std::string_view table) {
+  const ProgramResult result = RunProgram(
+      {"python3", std::string(HALCYRA_TEST_TOOLS) + "/mdbcheck.py", path, "--json", std::string(table)});
+  if (result.exitCode != 0) throw std::runtime_error("the checker failed on " + path + ": " + result.output);
+  return result.output;
+}
+
 std::string MdbExport(const std::string& path, std::string_view table) {
   const ProgramResult result =
       RunProgram({"mdb-export", "-Q", "-d", std::string(1, kMdbExportFieldEnd), "-R",

@@ -15,6 +15,10 @@ std::string IndependentCheck(const std::string& path, bool strict = false, const
 std::string IndependentCheck(const std::vector<std::byte>& bytes, bool strict = false,
                              const std::string& password = {});
 
+/// Rows of a table as the independent checker decodes them: a JSON object a line, values by the names of the
+/// columns.
+std::string IndependentRows(const std::string& path, std::string_view table);
+
 /// A table as mdb-export (of mdbtools) prints it, first the names of the columns, then the rows: Null as
 /// `\N`, yes/no as 1 and 0; binary values are left out.
 std::string MdbExport(const std::string& path, std::string_view table);

@@ -1,6 +1,8 @@
 #include "tests/jet/workload/WitnessComparison.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
@@ -95,6 +97,59 @@ std::vector<std::string> Split(const std::string& text, char separator) {
   return pieces;
 }
 
+std::string Digits(double number, int digits) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%.*g", digits, number);
+  return text;
+}
+
+// Digits that tell apart two values of a type, as far as a JSON number goes.
+constexpr int kDoubleDigits = 17;
+constexpr int kSingleDigits = 9;
+constexpr int kExactDigits = 15;
+
+/// A value in a form that CheckerForm gives too.
+std::string ModelForm(const ColumnSpec& column, const Value& value) {
+  if (value.IsNull()) return "Null";
+  switch (column.type) {
+    case ColumnType::Currency:
+    case ColumnType::Decimal:
+      return Digits(std::strtod(value.ToText().c_str(), nullptr), kExactDigits);
+    case ColumnType::Double:
+      return Digits(*value.As<double>(), kDoubleDigits);
+    case ColumnType::Single:
+      return Digits(static_cast<double>(*value.As<float>()), kSingleDigits);
+    case ColumnType::Binary:
+    case ColumnType::Ole:
+      return ExactText(value).substr(1);
+    default:
+      return value.ToText();
+  }
+}
+
+std::string CheckerForm(const ColumnSpec& column, const nlohmann::json& value) {
+  if (value.is_null()) return "Null";
+  if (value.is_boolean()) return value.get<bool>() ? "True" : "False";
+  switch (column.type) {
+    case ColumnType::Currency:
+    case ColumnType::Decimal:
+      return Digits(value.get<double>(), kExactDigits);
+    case ColumnType::Double:
+      return Digits(value.get<double>(), kDoubleDigits);
+    case ColumnType::Single:
+      return Digits(static_cast<double>(static_cast<float>(value.get<double>())), kSingleDigits);
+    case ColumnType::DateTime: {
+      std::string text = value.get<std::string>();
+      const auto midnight = text.find("T00:00:00");
+      if (midnight != std::string::npos) return text.substr(0, midnight);
+      std::replace(text.begin(), text.end(), 'T', ' ');
+      return text;
+    }
+    default:
+      return value.is_string() ? value.get<std::string>() : value.dump();
+  }
+}
+
 std::string JsonText(const nlohmann::json& value) {
   if (value.is_null()) return "\\N";
   if (value.is_boolean()) return value.get<bool>() ? "1" : "0";
@@ -102,6 +157,37 @@ std::string JsonText(const nlohmann::json& value) {
 }
 
 }  // namespace
+
+std::string CompareWithIndependentChecker(Model& model, const std::string& path) {
+  for (const std::string& name : model.TableNames()) {
+    const ModelTable& table = model.Table(name);
+    std::vector<std::string> expected;
+    for (const auto& [key, row] : table.rows) {
+      std::string& text = expected.emplace_back();
+      for (std::size_t i = 0; i < row.size(); ++i)
+        text += ModelForm(table.info.columns[i], row[i]) + ";";
+    }
+    std::vector<std::string> actual;
+    std::vector<std::string> lines = Split(IndependentRows(path, name), '\n');
+    lines.pop_back();
+    for (const std::string& line : lines) {
+      const auto values = nlohmann::json::parse(line, nullptr, false);
+      if (values.is_discarded()) return "the checker prints " + line.substr(0, 400);
+      std::string& text = actual.emplace_back();
+      for (const ColumnSpec& column : table.info.columns)
+        text += CheckerForm(column, values.at(column.name)) + ";";
+    }
+    std::sort(expected.begin(), expected.end());
+    std::sort(actual.begin(), actual.end());
+    if (expected == actual) continue;
+    const auto difference = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+    return "the checker reads " + std::to_string(actual.size()) + " rows of " + name + ", expected " +
+           std::to_string(expected.size()) + "\n  " +
+           (difference.first == actual.end() ? "" : difference.first->substr(0, 600)) + "\n  " +
+           (difference.second == expected.end() ? "" : difference.second->substr(0, 600));
+  }
+  return {};
+}
 
 std::string CompareWithMdbExport(Model& model, const std::string& path) {
   if (!HasMdbExport()) return {};

@@ -12,4 +12,8 @@ namespace jet::test {
 std::string CompareWithMdbExport(Model& model, const std::string& path);
 std::string CompareWithMdbReader(Model& model, const std::string& path, const std::string& password);
 
+/// Differences between the model and the values of all types that the independent checker decodes. Empty:
+/// none.
+std::string CompareWithIndependentChecker(Model& model, const std::string& path);
+
 }  // namespace jet::test

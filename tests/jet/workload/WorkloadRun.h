@@ -47,6 +47,7 @@ inline void RunWorkload(const std::string& path, const std::string& password, co
   }
   database->Close();
   std::cout << workload.Summary() << "\n";
+  EXPECT_EQ(CompareWithIndependentChecker(model, path), "");
   EXPECT_EQ(CompareWithMdbExport(model, path), "");
   EXPECT_EQ(CompareWithMdbReader(model, path, password), "");
 }
