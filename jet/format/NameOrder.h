@@ -7,9 +7,6 @@
 /// Names of tables, columns, indexes and relationships: the same in any case.
 namespace jet::format {
 
-/// The small letter of a Latin, Greek or Cyrillic capital; other characters stay.
-char32_t FoldCharacter(char32_t codePoint);
-
 /// A name in the form that names are compared in: Latin, Greek and Cyrillic capitals made small.
 std::string FoldName(std::string_view name);
 

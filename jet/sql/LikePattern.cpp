@@ -4,15 +4,15 @@
 #include <string>
 
 #include "jet/Error.h"
+#include "jet/format/CaseFolding.h"
 #include "jet/format/TextCodec.h"
-#include "jet/sql/CaseFolding.h"
 
 namespace jet::sql {
 namespace {
 
 char32_t NextFolded(std::string_view text, std::size_t& at) {
   const auto byte = static_cast<unsigned char>(text[at]);
-  if (byte >= 0x80) return FoldCase(format::NextCodePoint(text, at));
+  if (byte >= 0x80) return format::FoldCase(format::NextCodePoint(text, at));
   ++at;
   return byte >= 'A' && byte <= 'Z' ? char32_t{byte} + 32 : char32_t{byte};
 }

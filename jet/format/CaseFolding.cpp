@@ -1,6 +1,6 @@
-#include "jet/sql/CaseFolding.h"
+#include "jet/format/CaseFolding.h"
 
-namespace jet::sql {
+namespace jet::format {
 namespace {
 
 struct Block {
@@ -37,4 +37,4 @@ char32_t FoldCase(char32_t character) {
   return character;
 }
 
-}  // namespace jet::sql
+}  // namespace jet::format
