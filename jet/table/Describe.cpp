@@ -23,35 +23,35 @@ constexpr std::int32_t kCascadeDeletes = 0x1000;
 ColumnSpec DescribeColumn(const Table& table, std::size_t number) {
   const ColumnDefinition& column = table.Definition().columns[number];
   const ColumnRules& rules = table.Rules(number);
-  ColumnSpec spec;
-  spec.name = column.name;
-  spec.type = column.type;
-  if (column.type == ColumnType::Text) spec.length = column.size / 2;
-  if (column.type == ColumnType::Binary || column.type == ColumnType::Block) spec.length = column.size;
-  spec.autoNumber = column.IsAutoNumber();
-  spec.compressed = column.compressed;
-  spec.required = rules.required;
-  spec.allowZeroLength = rules.allowZeroLength;
-  spec.defaultValue = rules.defaultValue;
-  spec.precision = column.precision;
-  spec.scale = column.scale;
-  return spec;
+  ColumnSpec result;
+  result.name = column.name;
+  result.type = column.type;
+  if (column.type == ColumnType::Text) result.length = column.size / 2;
+  if (column.type == ColumnType::Binary || column.type == ColumnType::Block) result.length = column.size;
+  result.autoNumber = column.IsAutoNumber();
+  result.compressed = column.compressed;
+  result.required = rules.required;
+  result.allowZeroLength = rules.allowZeroLength;
+  result.defaultValue = rules.defaultValue;
+  result.precision = column.precision;
+  result.scale = column.scale;
+  return result;
 }
 
 IndexSpec DescribeIndex(const Table& table, const LogicalIndexDefinition& logical) {
   const format::IndexDefinition& real = table.Definition().indexes[logical.real];
-  IndexSpec spec;
-  spec.name = logical.name;
+  IndexSpec result;
+  result.name = logical.name;
   for (std::size_t i = 0; i < real.columns.size(); ++i) {
     const std::size_t column = table.IndexColumns(logical.real)[i];
-    spec.columns.push_back({table.Definition().columns[column].name, real.columns[i].ascending});
+    result.columns.push_back({table.Definition().columns[column].name, real.columns[i].ascending});
   }
-  spec.primary = logical.kind == LogicalIndexDefinition::Kind::Primary;
-  spec.foreign = logical.kind == LogicalIndexDefinition::Kind::Relation;
-  spec.unique = real.IsUnique();
-  spec.required = real.IsRequired();
-  spec.ignoreNulls = real.IgnoresNulls();
-  return spec;
+  result.primary = logical.kind == LogicalIndexDefinition::Kind::Primary;
+  result.foreign = logical.kind == LogicalIndexDefinition::Kind::Relation;
+  result.unique = real.IsUnique();
+  result.required = real.IsRequired();
+  result.ignoreNulls = real.IgnoresNulls();
+  return result;
 }
 
 }  // namespace
