@@ -58,31 +58,32 @@ std::uint16_t SizeOf(const ColumnSpec& column, const std::string& who) {
   return size;
 }
 
-ColumnDefinition LayOutColumn(const ColumnSpec& spec, const std::string& tableName) {
-  CheckName("column", spec.name);
-  const std::string who = ColumnOf(tableName, spec.name);
+ColumnDefinition LayOutColumn(const ColumnSpec& wanted, const std::string& tableName) {
+  CheckName("column", wanted.name);
+  const std::string who = ColumnOf(tableName, wanted.name);
   ColumnDefinition column;
-  column.name = spec.name;
-  column.type = spec.type;
-  column.size = SizeOf(spec, who);
+  column.name = wanted.name;
+  column.type = wanted.type;
+  column.size = SizeOf(wanted, who);
   const bool variable =
-      column.IsLongValue() || spec.type == ColumnType::Text || spec.type == ColumnType::Binary;
+      column.IsLongValue() || wanted.type == ColumnType::Text || wanted.type == ColumnType::Binary;
   column.flags = column_flag::kAlways;
   if (!variable) column.flags |= column_flag::kFixed;
-  if (spec.autoNumber) {
-    if (spec.type != ColumnType::Long)
+  if (wanted.autoNumber) {
+    if (wanted.type != ColumnType::Long)
       throw Invalid(who + "cannot be numbered automatically: it is no long integer.");
     column.flags |= column_flag::kAutoNumber;
   }
-  if (spec.type == ColumnType::Decimal) {
-    if (spec.precision < 1 || spec.precision > kMaxPrecision || spec.scale > spec.precision) {
+  if (wanted.type == ColumnType::Decimal) {
+    if (wanted.precision < 1 || wanted.precision > kMaxPrecision || wanted.scale > wanted.precision) {
       throw Invalid(who + "needs 1 to 28 digits, and no more decimal places than digits.");
     }
-    column.precision = spec.precision;
-    column.scale = spec.scale;
+    column.precision = wanted.precision;
+    column.scale = wanted.scale;
     column.sortLocale = 0;
   }
-  column.compressed = spec.compressed && (spec.type == ColumnType::Text || spec.type == ColumnType::Memo);
+  column.compressed =
+      wanted.compressed && (wanted.type == ColumnType::Text || wanted.type == ColumnType::Memo);
   return column;
 }
 
@@ -143,13 +144,13 @@ TableDefinition LayOutTable(const TableSpec& table) {
   TableDefinition definition;
   std::set<std::string> names;
   int autoNumbers = 0;
-  for (const ColumnSpec& spec : table.columns) {
-    ColumnDefinition column = LayOutColumn(spec, table.name);
+  for (const ColumnSpec& wanted : table.columns) {
+    ColumnDefinition column = LayOutColumn(wanted, table.name);
     column.ordinal = static_cast<std::uint16_t>(definition.columns.size());
-    if (!names.insert(format::FoldName(spec.name)).second) {
-      throw Invalid("Table '" + table.name + "' has two columns called '" + spec.name + "'.");
+    if (!names.insert(format::FoldName(wanted.name)).second) {
+      throw Invalid("Table '" + table.name + "' has two columns called '" + wanted.name + "'.");
     }
-    autoNumbers += spec.autoNumber ? 1 : 0;
+    autoNumbers += wanted.autoNumber ? 1 : 0;
     definition.columns.push_back(std::move(column));
   }
   if (autoNumbers > 1)
@@ -178,15 +179,15 @@ void CheckNewIndexName(const TableDefinition& definition, const std::string& tab
   }
 }
 
-void AddIndex(TableDefinition& definition, const std::string& tableName, const IndexSpec& spec) {
-  CheckName("index", spec.name);
-  CheckNewIndexName(definition, tableName, spec.name);
-  const std::string who = "Index '" + spec.name + "' of table '" + tableName + "' ";
-  if (spec.columns.empty() || spec.columns.size() > definition_page::kMaxIndexColumns) {
+void AddIndex(TableDefinition& definition, const std::string& tableName, const IndexSpec& wanted) {
+  CheckName("index", wanted.name);
+  CheckNewIndexName(definition, tableName, wanted.name);
+  const std::string who = "Index '" + wanted.name + "' of table '" + tableName + "' ";
+  if (wanted.columns.empty() || wanted.columns.size() > definition_page::kMaxIndexColumns) {
     throw Invalid(who + "needs 1 to 10 columns.");
   }
   IndexDefinition index;
-  for (const IndexColumn& part : spec.columns) {
+  for (const IndexColumn& part : wanted.columns) {
     const ColumnDefinition& column = Find(definition, part.name, who);
     if (column.IsLongValue())
       throw Invalid(who + "cannot be on the column '" + column.name + "', which holds long values.");
@@ -196,15 +197,15 @@ void AddIndex(TableDefinition& definition, const std::string& tableName, const I
     index.columns.push_back({column.number, part.ascending});
   }
   index.flags = index_flag::kAlways;
-  if (spec.unique || spec.primary) index.flags |= index_flag::kUnique;
-  if (spec.required || spec.primary) index.flags |= index_flag::kRequired;
-  if (spec.ignoreNulls && !spec.primary) index.flags |= index_flag::kIgnoreNulls;
+  if (wanted.unique || wanted.primary) index.flags |= index_flag::kUnique;
+  if (wanted.required || wanted.primary) index.flags |= index_flag::kRequired;
+  if (wanted.ignoreNulls && !wanted.primary) index.flags |= index_flag::kIgnoreNulls;
 
   LogicalIndexDefinition logical;
-  logical.name = spec.name;
+  logical.name = wanted.name;
   logical.number = NextIndexNumber(definition);
   logical.real = static_cast<std::uint32_t>(definition.indexes.size());
-  if (spec.primary) {
+  if (wanted.primary) {
     for (const LogicalIndexDefinition& other : definition.logicalIndexes) {
       if (other.kind != LogicalIndexDefinition::Kind::Primary) continue;
       throw Invalid("Table '" + tableName + "' already has the primary key '" + other.name + "'.");

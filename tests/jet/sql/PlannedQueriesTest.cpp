@@ -42,7 +42,7 @@ class PlannedQueriesTest : public testing::Test {
     options.files = std::make_shared<test::MemoryFileSystem>();
     database = DBEngine(options).CreateDatabase("queries.mdb");
     for (const char* table : {"indexed", "plain"})
-      database->CreateTable(Spec(table));
+      database->CreateTable(LookedUpTable(table));
     const auto index = [&](const char* name, std::vector<IndexColumn> columns, bool ignoreNulls = false) {
       database->CreateIndex("indexed",
                             {.name = name, .columns = std::move(columns), .ignoreNulls = ignoreNulls});
@@ -61,7 +61,7 @@ class PlannedQueriesTest : public testing::Test {
     Fill();
   }
 
-  static TableSpec Spec(const char* name) {
+  static TableSpec LookedUpTable(const char* name) {
     TableSpec table;
     table.name = name;
     const auto add = [&](const char* columnName, ColumnType type) {

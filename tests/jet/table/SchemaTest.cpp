@@ -76,7 +76,7 @@ TEST(Schema, ATableOfEveryType_HoldsRowsThatOthersRead) {
 
   const TempFolder folder;
   WriteWholeFile(folder.File(kName), database.Bytes());
-  if (!HasMdbExport()) GTEST_SKIP() << "mdb-export is not installed";
+  ASSERT_TRUE(HasMdbExport()) << "mdb-export (Debian: mdbtools) is not installed";
   const std::string rows = MdbExport(folder.File(kName), "every type");
   EXPECT_EQ(std::count(rows.begin(), rows.end(), kMdbExportRowEnd), 1 + 300)
       << "the names of the columns and the rows";

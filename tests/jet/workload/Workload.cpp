@@ -87,15 +87,15 @@ const ModelRow* Workload::AnyRow(const ModelTable& table) {
 }
 
 Value Workload::ValueFor(const ModelTable& table, std::size_t column) {
-  const ColumnSpec& spec = table.info.columns[column];
-  const bool isText = spec.type == ColumnType::Text || spec.type == ColumnType::Memo;
+  const ColumnSpec& definition = table.info.columns[column];
+  const bool isText = definition.type == ColumnType::Text || definition.type == ColumnType::Memo;
   if (isText && m_values.Chance(0.03) && !table.IsKey(column)) return "";
-  if (spec.type != ColumnType::YesNo && m_values.Chance(spec.required ? 0.01 : 0.1)) return {};
+  if (definition.type != ColumnType::YesNo && m_values.Chance(definition.required ? 0.01 : 0.1)) return {};
   // Now and then a key that is taken.
   if (table.IsKey(column) && m_values.Chance(0.05)) {
     if (const ModelRow* other = AnyRow(table)) return (*other)[column];
   }
-  return m_values.Make(spec, table.IsIndexed(column), table.IsKey(column));
+  return m_values.Make(definition, table.IsIndexed(column), table.IsKey(column));
 }
 
 /// Lets columns that refer to other tables mostly refer to rows that are there.
