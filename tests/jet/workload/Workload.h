@@ -44,7 +44,8 @@ class Workload {
   std::size_t m_refused = 0;
 };
 
-/// What the random numbers of a run start from: of the environment's HALCYRA_TEST_SEED if that is set, else random.
+/// What the random numbers of a run start from: of the environment's HALCYRA_TEST_SEED if that is set, else
+/// random.
 unsigned WorkloadSeed();
 
 }  // namespace jet::test
