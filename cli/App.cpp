@@ -30,10 +30,15 @@ void AddGlobalOptions(CLI::App& app, Context& context) {
   app.add_flag("--quiet,-q", context.quiet, "print no notes, only results and errors");
 }
 
+/// The commands on an open league, which a shell offers too.
+void AddLeagueCommands(CLI::App& app, Context& context) {
+  AddSettingsCommand(app, context);
+}
+
 void AddCommands(CLI::App& app, Context& context) {
   AddCreateCommand(app, context);
   AddInfoCommand(app, context);
-  AddSettingsCommand(app, context);
+  AddLeagueCommands(app, context);
   AddTablesCommand(app, context);
   AddDumpCommand(app, context);
   AddQueryCommand(app, context);

@@ -1,8 +1,18 @@
 #include "cli/Context.h"
 
+#include "cli/League.h"
 #include "storage/HLServiceUtils.h"
 
 namespace cli {
+
+Context::Context(Output& out, Messages& err) : output(out), messages(err) {}
+
+Context::~Context() = default;
+
+League& Context::TheLeague() {
+  if (!m_league) m_league = std::make_unique<League>(*this);
+  return *m_league;
+}
 
 HLIData::DBType Context::Kind() const {
   if (kindName == "test") return HLIData::DBType::Test;

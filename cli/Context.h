@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "HLIData/Types.h"
@@ -9,13 +10,18 @@
 
 namespace cli {
 
+class League;
+
 /// What one run of the program works with: the options that every command knows, where its result goes, and
 /// what the command line asks to be done.
 ///
-/// Lives as long as the run. Commands fill in `action` while the command line is read; it is carried out once
-/// the whole of it has been understood.
+/// Lives as long as the run, which is one command, or a shell with all of its commands. Commands fill in
+/// `action` while the command line is read; it is carried out once the whole of it has been understood.
 struct Context {
-  Context(Output& out, Messages& err) : output(out), messages(err) {}
+  Context(Output& out, Messages& err);
+  ~Context();
+  Context(const Context&) = delete;
+  Context& operator=(const Context&) = delete;
 
   Output& output;
   Messages& messages;
@@ -25,7 +31,14 @@ struct Context {
   bool json = false;             ///< --json
   bool quiet = false;            ///< --quiet
 
+  /// In a shell, changes of the draft wait for `draft save`; outside, each is saved at once.
+  bool inShell = false;
+
   std::function<void()> action;
+
+  /// The league of the chosen folder and kind: opened on first use, open until the run ends. Raises what
+  /// opening it raises; another try opens it again.
+  League& TheLeague();
 
   /// The kind that `kindName` names.
   HLIData::DBType Kind() const;
@@ -34,6 +47,9 @@ struct Context {
   /// The league file of the chosen kind in the chosen folder, whether it is there or not. For backups it is
   /// the pattern of their names.
   std::string LeaguePath() const;
+
+ private:
+  std::unique_ptr<League> m_league;
 };
 
 }  // namespace cli

@@ -24,7 +24,7 @@ ExitCode ExitCodeOf(jet::ErrorNumber number);
 /// A failure that the program itself finds, with the code that it ends with.
 class Failure : public std::runtime_error {
  public:
-  /// `hint`: what to do next, shown on a line of its own; empty when there is nothing to add.
+  /// `hint`: what to do next, shown on lines of its own; empty when there is nothing to add.
   Failure(ExitCode code, const std::string& text, std::string hint = {})
       : std::runtime_error(text), m_code(code), m_hint(std::move(hint)) {}
 

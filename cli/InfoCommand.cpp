@@ -16,8 +16,8 @@ struct LeagueFacts {
   std::vector<jet::TableInfo> tables;
 };
 
-LeagueFacts ReadFacts(const Context& context) {
-  League league(context);
+LeagueFacts ReadFacts(Context& context) {
+  League& league = context.TheLeague();
   LeagueFacts facts;
   facts.path = league.Path();
   facts.currentSeason = league.Service().CurrentSeasonID();

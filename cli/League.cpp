@@ -41,8 +41,17 @@ League::League(const Context& context)
   RaiseShownMessages();
 }
 
-void League::RaiseShownMessages() const {
-  if (!m_host->Shown().empty()) throw Failure(ExitCode::Refused, m_host->Shown().front());
+void League::RaiseShownMessages() {
+  const std::vector<std::string> shown = m_host->TakeShown();
+  if (shown.empty()) return;
+  std::string others;
+  for (std::size_t i = 1; i < shown.size(); ++i)
+    others += (others.empty() ? "" : "\n") + shown[i];
+  throw Failure(ExitCode::Refused, shown.front(), others);
+}
+
+void League::RefuseUnsavedPicks(const std::string& command) {
+  static_cast<void>(command);  // no command leaves picks unsaved so far
 }
 
 void League::RaiseNotOpened(const Context& context, const std::string& message) const {

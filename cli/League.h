@@ -3,6 +3,7 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "HLDataSrvc/Host.h"
@@ -22,8 +23,8 @@ class LeagueHost : public HLDataSrvc::Host {
   void ShowMessage(const std::string& text, const std::string& title) override;
   std::chrono::year_month_day Today() const override { return m_system->Today(); }
 
-  /// The texts of the message boxes since the start, oldest first, each on one line.
-  const std::vector<std::string>& Shown() const { return m_shown; }
+  /// The texts of the message boxes since they were last taken, oldest first, each on one line.
+  std::vector<std::string> TakeShown() { return std::exchange(m_shown, {}); }
 
  private:
   std::string m_folder;
@@ -40,8 +41,14 @@ class League {
   HLIData::IDataService& Service() { return *m_service; }
   /// The file that is open.
   const std::string& Path() const { return m_path; }
-  /// Raises Failure if the service has shown a message box: an operation of it has failed.
-  void RaiseShownMessages() const;
+  /// Raises Failure if the service has shown a message box since the last call: an operation of it has
+  /// failed. To be called after every operation that shows them, so that one failure is not told as
+  /// another's.
+  void RaiseShownMessages();
+  /// Raises Failure when there are picks that `draft save` has not stored yet. For commands, named by
+  /// `command` ("season use"), after which the draft is loaded again and such picks would be lost; to be
+  /// called before anything is changed.
+  void RefuseUnsavedPicks(const std::string& command);
 
  private:
   [[noreturn]] void RaiseNotOpened(const Context& context, const std::string& message) const;

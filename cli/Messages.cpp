@@ -1,5 +1,7 @@
 #include "cli/Messages.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 
 namespace cli {
@@ -10,7 +12,12 @@ void Messages::Error(std::string_view text) {
 }
 
 void Messages::Hint(std::string_view text) {
-  Line("  " + std::string(text));
+  std::size_t start = 0;
+  while (start <= text.size()) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    Line("  " + std::string(text.substr(start, end - start)));
+    start = end + 1;
+  }
 }
 
 void Messages::Note(std::string_view text) {

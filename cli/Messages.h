@@ -17,7 +17,7 @@ class Messages {
   void SetQuiet(bool quiet) { m_quiet = quiet; }
 
   void Error(std::string_view text);
-  /// A line that belongs to the error before it: what to do next, or where it came from.
+  /// Lines that belong to the error before them: what to do next, or where it came from.
   void Hint(std::string_view text);
   void Note(std::string_view text);
 

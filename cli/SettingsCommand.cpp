@@ -11,7 +11,8 @@ namespace cli {
 namespace {
 
 void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
-  League league(context);
+  League& league = context.TheLeague();
+  if (newSeason) league.RefuseUnsavedPicks("settings");
   const auto settings = league.Service().GetSettings();
   league.RaiseShownMessages();
   if (newSeason) {
