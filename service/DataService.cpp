@@ -5,6 +5,7 @@
 
 #include "HLIData/Error.h"
 #include "jet/dao/Database.h"
+#include "records/SeasonInfo.h"
 #include "records/SettingInfo.h"
 
 namespace HLDataSrvc {

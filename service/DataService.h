@@ -11,11 +11,15 @@
 
 namespace jet {
 class Database;
-}
+class Recordset;
+}  // namespace jet
 
 namespace HLDataSrvc {
 
+class PlayerInfo;
+class SeasonInfo;
 class SettingInfo;
+class TeamInfo;
 
 /// The data service: holds the open database, the settings object and the caches, and knows the current
 /// season.
@@ -85,13 +89,44 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
 
   /// The open database; raises ObjectNotSet when none is open.
   jet::Database& Database() const;
-  /// The season with an identifier or, when that is below 1, of a year; empty when there is none.
-  std::shared_ptr<HLIData::ISeasonInfo> LoadSeason(std::int32_t seasonID, std::int32_t seasonYear);
+
+  // Loaders. They keep what they load, answer an empty reference for what there is no row of, and raise what
+  // goes wrong unless they say that they show it.
+
+  /// The season with an identifier; for 0 that of today's year, which becomes the current one.
+  std::shared_ptr<SeasonInfo> SeasonByID(std::int32_t seasonID);
+  /// The season with an identifier or, when that is below 1, of a year, from the database.
+  std::shared_ptr<SeasonInfo> LoadSeason(std::int32_t seasonID, std::int32_t seasonYear);
+  /// Who takes part in a season, in ranking order.
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IManagerInfo>> LoadManagers(std::int32_t seasonID);
+  /// The picks of a season of which numbers, managers and rounds are known.
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IDraftInfo>> LoadDrafts(const SeasonInfo& season);
+  void PlaceStoredPick(HLIData::KeyedCollection<HLIData::IDraftInfo>& drafts, jet::Recordset& row,
+                       const SeasonInfo& season);
+  /// The prizes of a season with their amounts.
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IPrizeInfo>> LoadMoneyDistribution(std::int32_t seasonID);
+  /// The prizes won in a season. Shows its failure and answers an empty reference.
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IWinningInfo>> LoadWinnings(std::int32_t seasonID);
+  std::shared_ptr<HLIData::IManagerTmplInfo> ManagerTmplByID(std::int32_t managerID);
+  std::shared_ptr<PlayerInfo> PlayerByID(std::int32_t playerID);
+  /// Raises UnknownKey for a team that there is not.
+  std::shared_ptr<TeamInfo> TeamByID(std::int32_t teamID);
+
+  // Steps of saving. They raise what goes wrong.
+
+  /// SeasonByID as the first step of an operation whose later errors go to the caller: shows its failure with
+  /// the operation's sentence, and answers false.
+  bool FetchSeason(std::int32_t seasonID, const std::string& sentence, std::shared_ptr<SeasonInfo>& season);
+  void ReplaceMoneyDistribution(std::int32_t seasonID, const SeasonInfo& season);
+  /// Sets a yes/no column of the current season's row.
+  void WriteLock(const std::string& column);
+  void DeleteWinningRow(std::int32_t id);
 
   std::shared_ptr<Host> m_host;
   std::shared_ptr<jet::Database> m_database;
   std::int32_t m_currentSeasonID = 0;
   std::int32_t m_currentSeasonYear = 0;
+  std::int32_t m_newWinnings = 0;  // handed out so far by AddWinning, whatever the season
   ServiceCaches m_caches;
   std::shared_ptr<SettingInfo> m_settings;  // we are registered with it for as long as we hold it
   HLIData::DBType m_databaseKind{};

@@ -1,18 +1,103 @@
-// Positions and teams.
+// Positions, teams and players: the master records that can be drafted, and what they refer to.
 
+#include "records/Failures.h"
+#include "records/PlayerInfo.h"
+#include "records/PositionInfo.h"
+#include "records/RecordKey.h"
+#include "records/References.h"
+#include "records/TeamInfo.h"
 #include "service/DataService.h"
-#include "service/NotAvailable.h"
+#include "service/Rows.h"
+#include "storage/Schema.h"
 
 namespace HLDataSrvc {
 
-std::shared_ptr<HLIData::KeyedCollection<HLIData::IPositionInfo>> DataService::GetPlayerPositions() {
-  return ShowNotAvailable<std::shared_ptr<HLIData::KeyedCollection<HLIData::IPositionInfo>>>(
-      *m_host, "Error in loading positions.");
+using HLIData::IPlayerInfo;
+using HLIData::IPositionInfo;
+using HLIData::ITeamInfo;
+using HLIData::KeyedCollection;
+
+namespace {
+
+constexpr char kNoPositions[] = "The positions are not loaded.";
+constexpr char kNoTeams[] = "The teams are not loaded.";
+
+}  // namespace
+
+std::shared_ptr<KeyedCollection<IPositionInfo>> DataService::GetPlayerPositions() {
+  if (m_caches.positions) return m_caches.positions;
+  using Result = std::shared_ptr<KeyedCollection<IPositionInfo>>;
+  return ShowFailure<Result>(*m_host, "Error in loading positions.", [this](Result& result) {
+    // Kept before it is filled: what a failure leaves in it is served from then on.
+    const auto positions = m_caches.positions = std::make_shared<KeyedCollection<IPositionInfo>>();
+    Rows::ForEach(Database(), "select * from [position info] order by [id]", [&](jet::Recordset& row) {
+      const auto position = std::make_shared<PositionInfo>();
+      position->ID(Rows::LeadingInt32(row, Schema::Position::kID));
+      position->Abbr(Rows::Text(row, Schema::Position::kAbbr));
+      position->Desc(Rows::Text(row, Schema::Position::kDesc));
+      positions->Add(position, RecordKey(position->ID()));
+    });
+    result = positions;
+  });
 }
 
-std::shared_ptr<HLIData::KeyedCollection<HLIData::ITeamInfo>> DataService::GetTeams() {
-  return ShowNotAvailable<std::shared_ptr<HLIData::KeyedCollection<HLIData::ITeamInfo>>>(
-      *m_host, "Error in loading teams.");
+std::shared_ptr<KeyedCollection<ITeamInfo>> DataService::GetTeams() {
+  if (m_caches.teams) return m_caches.teams;
+  using Result = std::shared_ptr<KeyedCollection<ITeamInfo>>;
+  return ShowFailure<Result>(*m_host, "Error in loading teams.", [this](Result& result) {
+    GetPlayerPositions();
+    const auto teams = m_caches.teams = std::make_shared<KeyedCollection<ITeamInfo>>();  // as above
+    Rows::ForEach(Database(), "select * from [team info] order by [id]", [&](jet::Recordset& row) {
+      const auto team = std::make_shared<TeamInfo>();
+      team->ID(Rows::LeadingInt32(row, Schema::Team::kID));
+      team->Abbr(Rows::Text(row, Schema::Team::kAbbr));
+      team->Name(Rows::Text(row, Schema::Team::kName));
+      team->Nickname(Rows::Text(row, Schema::Team::kNickname));
+      const std::int32_t positionID = Rows::LeadingInt32(row, Schema::Team::kPositionID);
+      if (positionID > 0) {
+        team->Position(Required(m_caches.positions, kNoPositions).Item(RecordKey(positionID)));
+      }
+      teams->Add(team, RecordKey(team->ID()));
+    });
+    result = teams;
+  });
+}
+
+std::shared_ptr<TeamInfo> DataService::TeamByID(std::int32_t teamID) {
+  const auto teams = GetTeams();
+  return OwnRecord<TeamInfo>(Required(teams, kNoTeams).Item(RecordKey(teamID)), "A team");
+}
+
+std::shared_ptr<PlayerInfo> DataService::PlayerByID(std::int32_t playerID) {
+  if (playerID == 0) return {};
+  if (!m_caches.players) m_caches.players = std::make_shared<KeyedCollection<IPlayerInfo>>();
+  if (const auto known = FindCached(m_caches.players, playerID)) {
+    return OwnRecord<PlayerInfo>(known, "A player");
+  }
+
+  // From here on errors go to the caller, deliberately: they are not shown.
+  const auto rows =
+      Database().OpenRecordset("select * from [player info] where [id] = " + std::to_string(playerID));
+  std::shared_ptr<PlayerInfo> player;
+  if (!rows->Eof()) {
+    player = std::make_shared<PlayerInfo>();
+    player->ID(playerID);
+    player->FirstName(Rows::Text(*rows, Schema::Player::kFirstName));
+    player->LastName(Rows::Text(*rows, Schema::Player::kLastName));
+    const std::int32_t positionID = Rows::LeadingInt32(*rows, Schema::Player::kPositionID);
+    if (positionID != 0) {
+      const auto positions = GetPlayerPositions();
+      player->Position(Required(positions, kNoPositions).Item(RecordKey(positionID)));
+    }
+    const std::int32_t teamID = Rows::LeadingInt32(*rows, Schema::Player::kTeamID);
+    if (teamID != 0) player->Team(TeamByID(teamID));
+    player->IsRetired(Rows::Boolean(*rows, Schema::Player::kIsRetired));
+    player->IsSaved(true);
+    player->IsDirty(false);
+  }
+  rows->Close();
+  if (player) m_caches.players->Add(player, RecordKey(playerID));
+  return player;
 }
 
 }  // namespace HLDataSrvc

@@ -35,6 +35,10 @@ struct ServiceCaches {
   Cache<HLIData::IPrizeTypeInfo> prizeTypes;
   bool areAllSeasonsLoaded = false;  ///< seasonsByID was filled with every season there is
 
+  /// Puts a season into both collections of seasons. Of several seasons of one year the first stays under it.
+  void Keep(const std::shared_ptr<HLIData::ISeasonInfo>& season);
+  /// Takes a season out of both, also when its year was changed since.
+  void Forget(const std::shared_ptr<HLIData::ISeasonInfo>& season);
   /// Forgets all records. Deliberately leaves `areAllSeasonsLoaded` as it is: seasons are not listed anew
   /// afterwards.
   void Clear();

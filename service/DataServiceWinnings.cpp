@@ -1,0 +1,141 @@
+// The prizes won in a season.
+
+#include <exception>
+
+#include "records/Conversions.h"
+#include "records/Failures.h"
+#include "records/References.h"
+#include "records/SeasonInfo.h"
+#include "records/WinningInfo.h"
+#include "service/DataService.h"
+#include "service/Rows.h"
+#include "storage/Schema.h"
+
+namespace HLDataSrvc {
+
+using HLIData::IWinningInfo;
+using HLIData::KeyedCollection;
+using HLIData::WinningAction;
+
+namespace {
+
+constexpr char kNoSeason[] = "The current season is not loaded.";
+constexpr char kNoWinnings[] = "The winnings of the season are not loaded.";
+
+/// The identifiers of the winnings that one save adds: the table's maximum is read for the first of them
+/// alone.
+class NewWinningIDs {
+ public:
+  /// Goes on to the next identifier. False, and nothing said, when it cannot be found.
+  bool Next(jet::Database& database) {
+    try {
+      if (m_hasBase) {
+        m_id = Conversions::CheckedAdd(m_id, 1);
+      } else {
+        m_id = Rows::NextID(*database.OpenRecordset(Rows::SelectHighestID(Schema::Winning::kTable)));
+        m_hasBase = true;
+      }
+      return true;
+    } catch (const std::exception&) {
+      return false;
+    }
+  }
+  std::int32_t ID() const { return m_id; }
+
+ private:
+  bool m_hasBase = false;
+  std::int32_t m_id = 0;
+};
+
+void WriteNew(jet::Recordset& rows, const WinningInfo& winning, std::int32_t id, std::int32_t seasonID) {
+  rows.AddNew();
+  rows.Fields(Schema::Winning::kID).Value(id);
+  rows.Fields(Schema::Winning::kSeasonID).Value(seasonID);
+  rows.Fields(Schema::Winning::kPrizeID).Value(winning.PrizeID());
+  if (winning.Week() > 0) rows.Fields(Schema::Winning::kWeek).Value(winning.Week());
+  rows.Fields(Schema::Winning::kManagerID).Value(winning.ManagerID());
+  rows.Update();
+}
+
+}  // namespace
+
+std::shared_ptr<KeyedCollection<IWinningInfo>> DataService::LoadWinnings(std::int32_t seasonID) {
+  using Result = std::shared_ptr<KeyedCollection<IWinningInfo>>;
+  return ShowFailure<Result>(*m_host, "Error in loading winnings.", [this, seasonID](Result& result) {
+    const auto winnings = std::make_shared<KeyedCollection<IWinningInfo>>();
+    const std::string statement =
+        "select * from [winning info] where [season id] = " + std::to_string(seasonID);
+    Rows::ForEach(Database(), statement, [&](jet::Recordset& row) {
+      const auto winning = std::make_shared<WinningInfo>();
+      winning->SeasonID(seasonID);
+      winning->ID(Rows::WholeInt32(row, Schema::Winning::kID));
+      winning->PrizeID(Rows::Text(row, Schema::Winning::kPrizeID));
+      winning->ManagerID(Rows::Text(row, Schema::Winning::kManagerID));
+      winning->Week(Rows::LeadingInt32(row, Schema::Winning::kWeek));
+      winning->IsSaved(true);
+      winning->IsDirty(false);
+      winnings->Add(winning, winning->MakeKey(0));
+    });
+    result = winnings;
+  });
+}
+
+bool DataService::AddWinning(std::shared_ptr<IWinningInfo>& oNewWin) {
+  try {
+    m_newWinnings = Conversions::CheckedAdd(m_newWinnings, 1);
+    const auto winning = std::make_shared<WinningInfo>();
+    oNewWin = winning;
+    const std::string key = winning->MakeKey(m_newWinnings);
+    const auto season = SeasonByID(m_currentSeasonID);
+    Required(Required(season, kNoSeason).Winnings(), kNoWinnings).Add(winning, key);
+    return true;
+  } catch (const std::exception&) {
+    return false;  // nothing is shown
+  }
+}
+
+bool DataService::SaveWinnings() {
+  return ShowFailure<bool>(*m_host, "Error in saving winnings.", [this](bool& result) {
+    const auto season = SeasonByID(m_currentSeasonID);
+    const auto winnings = Required(season, kNoSeason).Winnings();
+    NewWinningIDs ids;
+    std::shared_ptr<jet::Recordset> additions;  // opened for the first new winning, for all of them
+    for (const auto& item : Required(winnings, kNoWinnings).Items()) {
+      WinningInfo& winning = *OwnRecord<WinningInfo>(item, "A winning");
+      if (!winning.IsDirty()) continue;
+      switch (winning.Action()) {
+        case WinningAction::Add:
+          // One for which there is no identifier is dropped without a word, deliberately. One saved before
+          // and changed since is added once more.
+          if (ids.Next(Database())) {
+            if (!additions) {
+              additions = Database().OpenRecordset("select * from [winning info] where [season id] = " +
+                                                   std::to_string(m_currentSeasonID));
+            }
+            WriteNew(*additions, winning, ids.ID(), m_currentSeasonID);
+            winning.ID(ids.ID());
+            winning.IsSaved(true);
+          }
+          winning.IsDirty(false);
+          break;
+        case WinningAction::Delete:
+          if (winning.IsSaved()) DeleteWinningRow(winning.ID());
+          winnings->Remove(winning.Key());
+          break;
+        default:
+          winning.IsDirty(false);  // changes of a stored winning are never written
+      }
+    }
+    if (additions) additions->Close();
+    result = true;
+  });
+}
+
+void DataService::DeleteWinningRow(std::int32_t id) {
+  const auto rows =
+      Database().OpenRecordset("select * from [winning info] where [id] = " + std::to_string(id));
+  if (!rows->Eof()) rows->Delete();
+  rows->Close();
+}
+
+}  // namespace HLDataSrvc
