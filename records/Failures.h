@@ -9,8 +9,8 @@
 
 namespace HLDataSrvc {
 
-// The two styles in which operations tell of a failure. Each operation keeps to one of them; both trap every
-// error that is raised inside.
+// The styles in which operations tell of a failure. Each operation keeps to one of them; all trap every error
+// that is raised inside.
 
 /// Runs `work(result)` and answers the result. When it raises, shows one message box with the operation's
 /// sentence and the error's description, and answers what the result held at that moment: false, or an empty
@@ -34,6 +34,17 @@ bool TellFailure(std::string& errorMessage, const std::string& sentence, Work&& 
     return std::forward<Work>(work)();
   } catch (const std::exception& error) {
     errorMessage = sentence.empty() ? error.what() : sentence + HLConsts::kLineBreak + error.what();
+    return false;
+  }
+}
+
+/// Runs `work()` and answers whether it ended without an error; of one nothing is told.
+template <typename Work>
+bool Succeeds(Work&& work) {
+  try {
+    std::forward<Work>(work)();
+    return true;
+  } catch (const std::exception&) {
     return false;
   }
 }

@@ -3,6 +3,7 @@
 #include <exception>
 #include <utility>
 
+#include "records/Failures.h"
 #include "records/HLUtils.h"
 #include "records/ManagerInfo.h"
 #include "records/PrizeInfo.h"
@@ -22,17 +23,6 @@ constexpr char kNoManager[] = "There is no manager.";
 template <typename T>
 std::shared_ptr<T> Find(const SeasonInfo::Collection<T>& collection, const std::string& key) {
   return collection ? collection->Find(key) : nullptr;
-}
-
-/// Whether `work()` ends without an error.
-template <typename Work>
-bool Succeeds(Work&& work) {
-  try {
-    std::forward<Work>(work)();
-    return true;
-  } catch (const std::exception&) {
-    return false;
-  }
 }
 
 }  // namespace

@@ -112,6 +112,16 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   /// Raises UnknownKey for a team that there is not.
   std::shared_ptr<TeamInfo> TeamByID(std::int32_t teamID);
 
+  // Search, one routine a kind. Each shows its failure and answers an empty reference.
+
+  using Found = HLIData::KeyedCollection<HLIData::IPickable>;
+  std::shared_ptr<Found> SearchPlayersAndTeams(const std::string& text, bool skipRetired);
+  std::shared_ptr<Found> SearchManagers(const std::string& text, bool curSeasonOnly);
+  std::shared_ptr<Found> SearchPrizes(const std::string& text, bool curSeasonOnly);
+  std::shared_ptr<Found> SearchPositions(const std::string& text);
+  template <typename Work>
+  std::shared_ptr<Found> ShowSearch(const char* sentence, Work&& work);
+
   // Steps of saving. They raise what goes wrong.
 
   /// SeasonByID as the first step of an operation whose later errors go to the caller: shows its failure with
@@ -121,6 +131,11 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   /// Sets a yes/no column of the current season's row.
   void WriteLock(const std::string& column);
   void DeleteWinningRow(std::int32_t id);
+  /// The identifier for a new row of a table.
+  std::int32_t NextID(const std::string& table);
+  /// A new row of a table, its identifier set, or the stored one of an identifier, ready to be filled in.
+  std::shared_ptr<jet::Recordset> StartWriting(const std::string& table, std::int32_t id, bool isNew);
+  void RemoveFromCache(HLIData::DeleteType deleteType, std::int32_t id);
 
   std::shared_ptr<Host> m_host;
   std::shared_ptr<jet::Database> m_database;

@@ -16,7 +16,6 @@ enum class ErrorNumber : std::int32_t {
   TypeMismatch = 13,   ///< a text that does not hold a value of the wanted type
   PathAccess = 75,     ///< the system does not let us look into a folder
   ObjectNotSet = 91,   ///< an empty reference where an object is needed
-  NotAvailable = 445,  ///< an operation that this version does not offer
   DuplicateKey = 457,  ///< a collection holds something under that key already
 };
 

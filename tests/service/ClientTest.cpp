@@ -35,7 +35,7 @@ TEST(Client, CatchesTheLibrarysErrors) {
     service->GetPrizeTypes();
     ADD_FAILURE();
   } catch (const HLIData::Error& error) {
-    EXPECT_EQ(error.Number(), HLIData::ErrorNumber::NotAvailable);
+    EXPECT_EQ(error.Number(), HLIData::ErrorNumber::ObjectNotSet);
   }
 }
 
