@@ -9,8 +9,10 @@
 namespace cli {
 
 ExitCode Run(const std::vector<std::string>& words, Output& output, Messages& messages) {
-  return Attempt(output, messages, [&] {
+  ExitCode exitCode = ExitCode::Done;
+  const ExitCode code = Attempt(output, messages, [&] {
     Context context(output, messages);
+    context.canAsk = IsTerminal(stdin) && IsTerminal(stderr);
     CommandLine line(context, CommandLine::Reader::Program);
     if (!line.Parse(words)) return;
     messages.SetQuiet(context.quiet);
@@ -18,7 +20,9 @@ ExitCode Run(const std::vector<std::string>& words, Output& output, Messages& me
     // A shell gives the context other actions while its own is under way.
     const auto action = std::exchange(context.action, nullptr);
     action();
+    exitCode = context.exitCode;
   });
+  return code == ExitCode::Done ? exitCode : code;
 }
 
 }  // namespace cli

@@ -31,6 +31,7 @@ void AddLeagueOptions(CLI::App& app, Context& context) {
 /// The commands on a league that is open; a shell has them too.
 void AddLeagueCommands(CLI::App& app, Context& context) {
   AddSettingsCommand(app, context);
+  AddDraftCommand(app, context);
 }
 
 /// The commands that open files themselves.
@@ -77,7 +78,7 @@ std::vector<std::string> OptionNames(const CLI::App& command) {
 
 /// Whether a word that a shell does not know is a command of the program.
 bool IsFileCommand(const std::string& word) {
-  const std::vector<std::string> names = {"create", "info", "tables", "dump", "query", "check"};
+  const std::vector<std::string> names = {"create", "info", "shell", "tables", "dump", "query", "check"};
   return std::find(names.begin(), names.end(), word) != names.end();
 }
 
@@ -99,6 +100,7 @@ CommandLine::CommandLine(Context& context, Reader reader)
     AddCreateCommand(app, context);
     AddInfoCommand(app, context);
     AddLeagueCommands(app, context);
+    AddShellCommand(app, context);
     AddFileCommands(app, context);
   } else {
     app.description("Commands on the league that is open.");

@@ -1,6 +1,9 @@
 #include "cli/Context.h"
 
+#include <iostream>
+
 #include "cli/League.h"
+#include "cli/Utf8.h"
 #include "storage/HLServiceUtils.h"
 
 namespace cli {
@@ -12,6 +15,22 @@ Context::~Context() = default;
 League& Context::TheLeague() {
   if (!m_league) m_league = std::make_unique<League>(*this);
   return *m_league;
+}
+
+std::optional<std::string> Context::Ask(const std::string& question) {
+  if (!canAsk) return std::nullopt;
+  messages.Prompt(question);
+  std::string answer;
+  if (!std::getline(std::cin, answer)) return std::nullopt;
+  constexpr const char* kBlanks = " \t\r";
+  answer.erase(0, answer.find_first_not_of(kBlanks));
+  answer.erase(answer.find_last_not_of(kBlanks) + 1);
+  return answer;
+}
+
+bool Context::Confirm(const std::string& question) {
+  const std::string answer = LowerCase(Ask(question + " [yes, no] ").value_or(""));
+  return answer == "y" || answer == "yes";
 }
 
 HLIData::DBType Context::Kind() const {

@@ -2,9 +2,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "HLIData/Types.h"
+#include "cli/ExitCode.h"
 #include "cli/Messages.h"
 #include "cli/Output.h"
 
@@ -31,14 +33,24 @@ struct Context {
   bool json = false;             ///< --json
   bool quiet = false;            ///< --quiet
 
+  /// Somebody sits at a terminal and can be asked.
+  bool canAsk = false;
   /// In a shell, changes of the draft wait for `draft save`; outside, each is saved at once.
   bool inShell = false;
 
   std::function<void()> action;
+  /// What the run ends with when its action raises nothing.
+  ExitCode exitCode = ExitCode::Done;
 
   /// The league of the chosen folder and kind: opened on first use, open until the run ends. Raises what
   /// opening it raises; another try opens it again.
   League& TheLeague();
+
+  /// The line with which a question is answered, without blanks around it; none when nobody can be asked, or
+  /// the answers have come to their end.
+  std::optional<std::string> Ask(const std::string& question);
+  /// Whether a question is answered with yes.
+  bool Confirm(const std::string& question);
 
   /// The kind that `kindName` names.
   HLIData::DBType Kind() const;

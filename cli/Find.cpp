@@ -1,26 +1,17 @@
 #include "cli/Find.h"
 
 #include <algorithm>
-#include <charconv>
 #include <functional>
 #include <optional>
 
 #include "cli/ExitCode.h"
+#include "cli/Numbers.h"
 #include "cli/Utf8.h"
 
 namespace cli {
 namespace {
 
 constexpr std::size_t kListedAtMost = 12;
-
-/// The number that is the whole of a word, if it is one of 32 bits.
-std::optional<std::int32_t> NumberIn(const std::string& word) {
-  std::int32_t number = 0;
-  const char* end = word.data() + word.size();
-  const auto [stop, error] = std::from_chars(word.data(), end, number);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return number;
-}
 
 std::string Shown(const Candidate& candidate) {
   return std::to_string(candidate.id) + "  " +
@@ -68,7 +59,7 @@ std::string OfSeason(const std::string& kind, const HLIData::ISeasonInfo& season
 std::size_t IndexOfMeant(const std::string& kind, const std::string& word,
                          const std::vector<Candidate>& candidates) {
   const std::string sought = LowerCase(word);
-  const std::optional<std::int32_t> id = NumberIn(word);
+  const std::optional<std::int32_t> id = WholeNumber(word);
   const auto begins = [&sought](const std::string& name) { return LowerCase(name).starts_with(sought); };
   std::vector<std::function<bool(const Candidate&)>> fits;
   if (id) {
@@ -111,7 +102,7 @@ std::shared_ptr<HLIData::IManagerInfo> FindManager(HLIData::ISeasonInfo& season,
                ManagerCandidate<HLIData::IManagerInfo>);
 }
 
-std::shared_ptr<HLIData::IManagerTmplInfo> FindManagerTmpl(League& league, const std::string& word) {
+std::vector<std::shared_ptr<HLIData::IManagerTmplInfo>> AllManagers(League& league) {
   const auto found = league.Service().Search(HLIData::SearchType::Managers, "", false, false);
   league.RaiseShownMessages();
   std::vector<std::shared_ptr<HLIData::IManagerTmplInfo>> managers;
@@ -119,7 +110,11 @@ std::shared_ptr<HLIData::IManagerTmplInfo> FindManagerTmpl(League& league, const
     if (auto manager = std::dynamic_pointer_cast<HLIData::IManagerTmplInfo>(pickable))
       managers.push_back(std::move(manager));
   }
-  return Meant("manager", word, managers, ManagerCandidate<HLIData::IManagerTmplInfo>);
+  return managers;
+}
+
+std::shared_ptr<HLIData::IManagerTmplInfo> FindManagerTmpl(League& league, const std::string& word) {
+  return Meant("manager", word, AllManagers(league), ManagerCandidate<HLIData::IManagerTmplInfo>);
 }
 
 std::shared_ptr<HLIData::IPrizeInfo> FindPrize(HLIData::ISeasonInfo& season, const std::string& word) {

@@ -36,6 +36,8 @@ std::shared_ptr<HLIData::ISeasonInfo> CurrentSeason(League& league);
 std::shared_ptr<HLIData::IManagerInfo> FindManager(HLIData::ISeasonInfo& season, const std::string& word);
 /// A manager's master record, whether he takes part or not.
 std::shared_ptr<HLIData::IManagerTmplInfo> FindManagerTmpl(League& league, const std::string& word);
+/// The master records of all managers, by first name, last name and id.
+std::vector<std::shared_ptr<HLIData::IManagerTmplInfo>> AllManagers(League& league);
 /// A prize that a season puts up.
 std::shared_ptr<HLIData::IPrizeInfo> FindPrize(HLIData::ISeasonInfo& season, const std::string& word);
 /// A prize's master record.

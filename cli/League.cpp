@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "HLDataSrvc/CreateDataService.h"
+#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "jet/Error.h"
 #include "storage/HLServiceUtils.h"
@@ -34,12 +35,16 @@ void LeagueHost::ShowMessage(const std::string& text, const std::string& title) 
 }
 
 League::League(const Context& context)
-    : m_host(std::make_shared<LeagueHost>(context.folder)), m_service(HLDataSrvc::CreateDataService(m_host)) {
+    : m_host(std::make_shared<LeagueHost>(context.folder)),
+      m_service(HLDataSrvc::CreateDataService(m_host)),
+      m_draft(std::make_unique<DraftSession>(*this)) {
   std::string message;
   if (!m_service->Initialize(context.Kind(), message)) RaiseNotOpened(context, message);
   m_path = HLServiceUtils::GetDatabasePath(*m_host, context.Kind(), "", "");
   RaiseShownMessages();
 }
+
+League::~League() = default;
 
 void League::RaiseShownMessages() {
   const std::vector<std::string> shown = m_host->TakeShown();
@@ -51,7 +56,12 @@ void League::RaiseShownMessages() {
 }
 
 void League::RefuseUnsavedPicks(const std::string& command) {
-  static_cast<void>(command);  // no command leaves picks unsaved so far
+  const std::vector<std::int32_t> unsaved = m_draft->Unsaved();
+  if (unsaved.empty()) return;
+  throw Failure(
+      ExitCode::Refused,
+      "'" + command + "' reads the draft again, and changes of " + PickNumbers(unsaved) + " are not saved.",
+      "'draft save' saves them, 'draft revert' drops them.");
 }
 
 void League::RaiseNotOpened(const Context& context, const std::string& message) const {

@@ -12,6 +12,8 @@
 
 namespace cli {
 
+class DraftSession;
+
 /// The host of a service that the command line runs: its folder is the one that --folder names, and what it
 /// would show in a message box is kept, for the command to fail with.
 class LeagueHost : public HLDataSrvc::Host {
@@ -37,6 +39,9 @@ class League {
  public:
   /// Raises Failure with the service's message when the league does not open.
   explicit League(const Context& context);
+  ~League();
+  League(const League&) = delete;
+  League& operator=(const League&) = delete;
 
   HLIData::IDataService& Service() { return *m_service; }
   /// The file that is open.
@@ -45,6 +50,8 @@ class League {
   /// failed. To be called after every operation that shows them, so that one failure is not told as
   /// another's.
   void RaiseShownMessages();
+  /// The draft of the current season, with the picks that are not saved yet.
+  DraftSession& Draft() { return *m_draft; }
   /// Raises Failure when there are picks that `draft save` has not stored yet. For commands, named by
   /// `command` ("season use"), after which the draft is loaded again and such picks would be lost; to be
   /// called before anything is changed.
@@ -56,6 +63,7 @@ class League {
   std::shared_ptr<LeagueHost> m_host;
   std::shared_ptr<HLIData::IDataService> m_service;
   std::string m_path;
+  std::unique_ptr<DraftSession> m_draft;
 };
 
 }  // namespace cli

@@ -24,6 +24,11 @@ void Messages::Note(std::string_view text) {
   if (!m_quiet) Line(text);
 }
 
+void Messages::Prompt(std::string_view text) {
+  static_cast<void>(std::fwrite(text.data(), 1, text.size(), m_stream));
+  static_cast<void>(std::fflush(m_stream));
+}
+
 void Messages::Line(std::string_view text) {
   const std::string line = std::string(text) + "\n";
   static_cast<void>(std::fwrite(line.data(), 1, line.size(), m_stream));

@@ -20,6 +20,8 @@ class Messages {
   /// Lines that belong to the error before them: what to do next, or where it came from.
   void Hint(std::string_view text);
   void Note(std::string_view text);
+  /// A question, or the sign that a line can be typed: shown always, and without a line end.
+  void Prompt(std::string_view text);
 
  private:
   void Line(std::string_view text);

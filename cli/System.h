@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -16,6 +17,10 @@ void PrepareStandardStreams();
 
 /// The stream leads to a terminal, not to a file or another program.
 bool IsTerminal(std::FILE* stream);
+
+/// How many columns the terminal has to which the stream leads; 0 when it leads to none, or that cannot be
+/// told.
+std::size_t TerminalWidth(std::FILE* stream);
 
 /// The folder that this program was started from, without a separator at its end; "." when the system does
 /// not tell.

@@ -2,12 +2,18 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "cli/Utf8.h"
 
 namespace cli {
 
 void TextTable::Print(Output& output) const {
+  for (const std::string& line : Lines())
+    output.Line(line);
+}
+
+std::vector<std::string> TextTable::Lines() const {
   std::vector<std::string> titles;
   std::vector<std::size_t> widths;
   for (const Column& column : m_columns) {
@@ -19,7 +25,8 @@ void TextTable::Print(Output& output) const {
       widths[i] = std::max(widths[i], DisplayWidth(row[i]));
   }
 
-  const auto printRow = [&](const std::vector<std::string>& cells) {
+  std::vector<std::string> lines;
+  const auto addRow = [&](const std::vector<std::string>& cells) {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i) {
       const std::string padding(widths[i] - DisplayWidth(cells[i]), ' ');
@@ -27,11 +34,12 @@ void TextTable::Print(Output& output) const {
       line += m_columns[i].align == Align::Right ? padding + cells[i] : cells[i] + padding;
     }
     line.erase(line.find_last_not_of(' ') + 1);
-    output.Line(line);
+    lines.push_back(std::move(line));
   };
-  printRow(titles);
+  addRow(titles);
   for (const auto& row : m_rows)
-    printRow(row);
+    addRow(row);
+  return lines;
 }
 
 }  // namespace cli

@@ -21,6 +21,8 @@ class TextTable {
   /// As many cells as there are columns.
   void Add(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
   void Print(Output& output) const;
+  /// The header, then the rows, each without line end and without blanks at its end.
+  std::vector<std::string> Lines() const;
 
  private:
   std::vector<Column> m_columns;

@@ -128,6 +128,35 @@ std::string PaddedToWidth(std::string_view text, std::size_t width) {
   return padded;
 }
 
+std::vector<std::string> Wrapped(std::string_view text, std::size_t width) {
+  std::vector<std::string> lines(1);
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    const std::string word = CutToWidth(text.substr(0, end), width);
+    std::string& line = lines.back();
+    if (line.empty()) {
+      line = word;
+    } else if (DisplayWidth(line) + 1 + DisplayWidth(word) <= width) {
+      line += " " + word;
+    } else {
+      lines.push_back(word);
+    }
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
+}
+
+std::string FirstLetter(std::string_view text) {
+  std::string letter;
+  while (!text.empty()) {
+    const Character character = FirstOf(text);
+    if (!letter.empty() && WidthOf(character.code) > 0) break;
+    letter += character.bytes;
+    text.remove_prefix(character.bytes.size());
+  }
+  return letter;
+}
+
 std::string LowerCase(std::string_view text) {
   std::string lower;
   while (!text.empty()) {

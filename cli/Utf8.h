@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cli {
 
@@ -17,6 +18,12 @@ std::string CutToWidth(std::string_view text, std::size_t width);
 
 /// The text cut to `width` columns and filled up with blanks behind.
 std::string PaddedToWidth(std::string_view text, std::size_t width);
+
+/// The text on lines of at most `width` columns, broken at blanks; a word that is wider is cut.
+std::vector<std::string> Wrapped(std::string_view text, std::size_t width);
+
+/// The first character of a text with the marks that combine with it; empty for an empty text.
+std::string FirstLetter(std::string_view text);
 
 /// The text with its letters small, for comparing without regard to case: Latin, Greek and Cyrillic.
 std::string LowerCase(std::string_view text);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace cli {
@@ -16,6 +17,11 @@ void PrepareStandardStreams() {}
 
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) != 0;
+}
+
+std::size_t TerminalWidth(std::FILE* stream) {
+  winsize size{};
+  return ioctl(fileno(stream), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 std::string ProgramFolder() {

@@ -1,0 +1,177 @@
+#include <charconv>
+#include <memory>
+#include <optional>
+
+#include "cli/Commands.h"
+#include "cli/DraftBoard.h"
+#include "cli/DraftPicking.h"
+#include "cli/DraftReport.h"
+#include "cli/ExitCode.h"
+#include "cli/Find.h"
+#include "cli/League.h"
+#include "cli/System.h"
+#include "cli/Utf8.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kUsualWidth = 80;
+constexpr std::size_t kShownNext = 3;
+
+/// Columns to write in: as COLUMNS says, else as many as the terminal has.
+std::size_t OutputWidth() {
+  const std::string columns = EnvironmentText("COLUMNS");
+  std::size_t width = 0;
+  const auto [stop, error] = std::from_chars(columns.data(), columns.data() + columns.size(), width);
+  if (error == std::errc() && stop == columns.data() + columns.size() && width > 0) return width;
+  width = TerminalWidth(stdout);
+  return width == 0 ? kUsualWidth : width;
+}
+
+/// The picks that follow on the one that is due.
+std::vector<std::int32_t> NextEmptyPicks(const Picks& picks, std::int32_t due) {
+  std::vector<std::int32_t> next;
+  for (auto pick = FirstEmptyPick(picks, due + 1); pick && next.size() < kShownNext;
+       pick = FirstEmptyPick(picks, *pick + 1))
+    next.push_back(*pick);
+  return next;
+}
+
+void Clock(Context& context) {
+  DraftSession& session = context.TheLeague().Draft();
+  DraftReport report(session);
+  const DraftOrder& order = report.Order();
+  order.RequireSettled();
+  const Picks& picks = session.Current();
+  const auto due = FirstEmptyPick(picks);
+  const std::vector<std::int32_t> next = due ? NextEmptyPicks(picks, *due) : std::vector<std::int32_t>();
+  const bool isLocked = session.Season().IsDraftLocked() || session.Season().IsSeasonLocked();
+  if (context.json) {
+    Json document;
+    document["season"] = session.Season().Year();
+    document["noOfPicks"] = picks.size();
+    document["isLocked"] = isLocked;
+    document["onTheClock"] = report.TurnJson(due);
+    document["next"] = Json::array();
+    for (const std::int32_t pick : next)
+      document["next"].push_back(report.TurnJson(pick));
+    context.output.Line(JsonText(document));
+    return;
+  }
+  if (!due) {
+    context.output.Line(report.ClockText());
+    return;
+  }
+  const Turn turn = order.At(*due);
+  const auto name = [&](std::int32_t pick) { return Printable(FullName(*order.ManagerOn(pick))); };
+  std::string then;
+  for (const std::int32_t pick : next)
+    then += (then.empty() ? "" : ", ") + name(pick) + " (" + std::to_string(pick) + ")";
+  context.output.Line("on the clock  " + name(*due));
+  context.output.Line("pick          " + std::to_string(*due) + " of " + std::to_string(order.NoOfPicks()));
+  context.output.Line("round         " + std::to_string(turn.round) + " of " +
+                      std::to_string(order.NoOfRounds()) + ", pick " + std::to_string(turn.pickInRound) +
+                      " of " + std::to_string(order.NoOfManagers()));
+  context.output.Line("next          " + (then.empty() ? "nobody: it is the last pick" : then));
+  if (isLocked) context.output.Line("draft         locked");
+}
+
+Json BoardJson(DraftSession& session) {
+  DraftReport report(session);
+  const DraftOrder& order = report.Order();
+  Json document;
+  document["season"] = session.Season().Year();
+  document["noOfRounds"] = order.NoOfRounds();
+  document["managers"] = Json::array();
+  for (std::int32_t place = 1; place <= order.NoOfManagers(); ++place) {
+    const auto manager = order.ManagerAt(place);
+    Json json;
+    if (manager) {
+      json["id"] = manager->ID();
+      json["name"] = FullName(*manager);
+      json["rank"] = manager->Rank() < 1 ? Json() : Json(manager->Rank());
+    }
+    document["managers"].push_back(json);
+  }
+  document["picks"] = Json::array();
+  for (std::int32_t pick = 1; pick <= order.NoOfPicks(); ++pick)
+    document["picks"].push_back(report.PickJson(pick));
+  document["onTheClock"] = report.TurnJson(FirstEmptyPick(session.Current()));
+  document["unsavedPicks"] = session.Unsaved().size();
+  return document;
+}
+
+void Board(Context& context) {
+  DraftSession& session = context.TheLeague().Draft();
+  if (context.json) {
+    context.output.Line(JsonText(BoardJson(session)));
+    return;
+  }
+  for (const std::string& line :
+       DraftBoard(session.Season(), session.Current(), session.Stored()).Lines(OutputWidth()))
+    context.output.Line(line);
+}
+
+void AddPick(CLI::App& draft, Context& context) {
+  CLI::App* command = draft.add_subcommand("pick", "Pick a player or team for the manager on the clock");
+  auto options = std::make_shared<DraftPickOptions>();
+  command->add_option("WHO", options->who, "a name, or the beginning of one; or an id: P17, T5")
+      ->required()
+      ->type_name("");
+  command->add_option("--pick", options->pick, "fill this pick, or replace it")->type_name("N");
+  command->add_option("--team", options->words.team, "of namesakes the one in this team")->type_name("ABBR");
+  command->add_option("--position", options->words.position, "of namesakes the one at this position")
+      ->type_name("ABBR");
+  command->add_option("--manager", options->manager, "who picks, if it is not the one whose turn it is")
+      ->type_name("NAME");
+  command->add_flag("--retired", options->words.retired, "look among retired players too");
+  command->callback(
+      [&context, options] { context.action = [&context, options] { DraftPick(context, *options); }; });
+}
+
+void AddUndo(CLI::App& draft, Context& context) {
+  CLI::App* command = draft.add_subcommand("undo", "Take the last pick back, or empty pick N");
+  auto number = std::make_shared<std::optional<std::int32_t>>();
+  command->add_option("N", *number, "the pick to empty")->type_name("");
+  command->callback(
+      [&context, number] { context.action = [&context, number] { DraftUndo(context, *number); }; });
+}
+
+struct ClearOptions {
+  std::vector<std::int32_t> numbers;
+  bool isSure = false;
+};
+
+void AddClear(CLI::App& draft, Context& context) {
+  CLI::App* command = draft.add_subcommand("clear", "Empty picks, or the whole draft");
+  auto options = std::make_shared<ClearOptions>();
+  command->add_option("N", options->numbers, "the picks to empty; without any, all of them")->type_name("");
+  command->add_flag("--yes,-y,--force", options->isSure, "do not ask before the whole draft is emptied");
+  command->callback([&context, options] {
+    context.action = [&context, options] { DraftClear(context, options->numbers, options->isSure); };
+  });
+}
+
+void AddPlain(CLI::App& draft, Context& context, const std::string& name, const std::string& description,
+              void (*action)(Context&)) {
+  draft.add_subcommand(name, description)->callback([&context, action] {
+    context.action = [&context, action] { action(context); };
+  });
+}
+
+}  // namespace
+
+void AddDraftCommand(CLI::App& app, Context& context) {
+  CLI::App* draft = app.add_subcommand("draft", "Play the draft of the current season");
+  draft->require_subcommand(1);
+  AddPlain(*draft, context, "board", "Show the draft: rounds by managers", Board);
+  AddPlain(*draft, context, "clock", "Show whose turn it is", Clock);
+  AddPick(*draft, context);
+  AddUndo(*draft, context);
+  AddClear(*draft, context);
+  AddPlain(*draft, context, "save", "Save the picks that a shell has made", DraftSave);
+  AddPlain(*draft, context, "revert", "Drop the picks that a shell has made since they were saved",
+           DraftRevert);
+}
+
+}  // namespace cli

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HLIData/ISeasonInfo.h"
+#include "cli/Picks.h"
+
+namespace cli {
+
+class League;
+
+/// The draft of the current season as it is played: the picks made since the last saving, which wait in
+/// memory, and what was done last, to be taken back.
+///
+/// The season in memory shows the same picks. When the service has loaded the season's draft anew meanwhile,
+/// picks that are not saved are put into it again. Borrows the league, which owns this.
+class DraftSession {
+ public:
+  explicit DraftSession(League& league) : m_league(league) {}
+
+  /// The current season, with the picks as they stand. Raises what CurrentSeason raises.
+  HLIData::ISeasonInfo& Season();
+  /// The picks as they stand.
+  const Picks& Current();
+  /// The picks as they are stored.
+  const Picks& Stored();
+  /// The numbers of the picks that differ from what is stored; none before the draft was first looked at.
+  /// Loads nothing.
+  std::vector<std::int32_t> Unsaved() const { return DifferingPicks(m_picks, m_stored); }
+
+  /// Makes, replaces or, with empty picks, clears picks, in one step. No two picks of the draft may hold the
+  /// same player or team afterwards.
+  void Change(const std::vector<std::pair<std::int32_t, Pick>>& picks);
+  /// Takes the last step back that was not taken back yet; the numbers of its picks. None when there is none.
+  std::vector<std::int32_t> TakeBack();
+
+  /// Stores the picks, and answers how many were written; see DraftSaver. After a failure they are kept here.
+  std::size_t Save();
+  /// Drops what is not saved, and reads the season again.
+  void Revert();
+
+ private:
+  using Step = std::vector<std::pair<std::int32_t, Pick>>;  ///< the picks as they were before
+
+  void Synchronize();
+  /// Puts the picks into the season that is loaded.
+  void Put(const Step& picks);
+
+  League& m_league;
+  std::shared_ptr<HLIData::ISeasonInfo> m_season;
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IDraftInfo>>
+      m_drafts;  ///< tells whether it was loaded anew
+  Picks m_picks;
+  Picks m_stored;
+  std::vector<Step> m_steps;
+};
+
+}  // namespace cli

@@ -1,0 +1,264 @@
+#include "cli/Pickables.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "HLIData/IPlayerInfo.h"
+#include "HLIData/ITeamInfo.h"
+#include "cli/ExitCode.h"
+#include "cli/Find.h"
+#include "cli/TextTable.h"
+#include "cli/Utf8.h"
+
+namespace cli {
+namespace {
+
+using HLIData::IPickable;
+using HLIData::PickType;
+using Pickables = std::vector<std::shared_ptr<IPickable>>;
+
+constexpr std::size_t kListedAtMost = 15;
+
+PickableFacts FactsOfPlayer(const HLIData::IPlayerInfo& player) {
+  PickableFacts facts;
+  facts.id = "P" + std::to_string(player.ID());
+  facts.firstName = player.FirstName();
+  facts.lastName = player.LastName();
+  facts.name = FullName(facts.firstName, facts.lastName);
+  if (const auto team = player.Team()) facts.team = team->Abbr();
+  if (const auto position = player.Position()) facts.position = position->Abbr();
+  return facts;
+}
+
+PickableFacts FactsOfTeam(const HLIData::ITeamInfo& team) {
+  PickableFacts facts;
+  facts.id = "T" + std::to_string(team.ID());
+  facts.firstName = team.Name();
+  facts.lastName = team.Nickname().empty() ? team.Name() : team.Nickname();
+  facts.name = FullName(team.Name(), team.Nickname());
+  facts.team = team.Abbr();
+  if (const auto position = team.Position()) facts.position = position->Abbr();
+  return facts;
+}
+
+Pickables Search(League& league, const std::string& text, bool skipRetired) {
+  const auto found = league.Service().Search(HLIData::SearchType::PlayersAndTeams, text,
+                                             /*curSeasonOnly=*/false, skipRetired);
+  league.RaiseShownMessages();
+  return found ? found->Items() : Pickables();
+}
+
+struct PickableID {
+  PickType type;
+  std::int32_t id;
+};
+
+/// "P17" and "T5", in either case.
+std::optional<PickableID> IDIn(const std::string& who) {
+  if (who.size() < 2) return std::nullopt;
+  const std::string letter = LowerCase(who.substr(0, 1));
+  if (letter != "p" && letter != "t") return std::nullopt;
+  PickableID wanted{letter == "p" ? PickType::Player : PickType::Team, 0};
+  const auto [stop, error] = std::from_chars(who.data() + 1, who.data() + who.size(), wanted.id);
+  if (error != std::errc() || stop != who.data() + who.size()) return std::nullopt;
+  return wanted;
+}
+
+std::shared_ptr<IPickable> ByID(League& league, const PickableID& wanted) {
+  const bool isPlayer = wanted.type == PickType::Player;
+  // There is no request for one player; those whom the service has read before cost no more than their ids.
+  for (const auto& pickable : Search(league, "", /*skipRetired=*/false)) {
+    if (pickable->PickType() == wanted.type && pickable->PickID() == wanted.id) return pickable;
+  }
+  throw Failure(ExitCode::Refused, std::string("There is no ") + (isPlayer ? "player" : "team") +
+                                       " with the id " + std::to_string(wanted.id) + ".");
+}
+
+/// The words of a name; the service takes these separators for the same.
+std::vector<std::string> WordsOf(const std::string& text) {
+  std::vector<std::string> words(1);
+  for (const char c : text) {
+    if (c != ' ' && c != ',' && c != ';') {
+      words.back() += c;
+    } else if (!words.back().empty()) {
+      words.emplace_back();
+    }
+  }
+  if (words.back().empty()) words.pop_back();
+  return words;
+}
+
+/// A word as a pattern of the service's search that finds it, and perhaps more: an apostrophe would end the
+/// statement's literal, and other characters have a meaning in patterns.
+std::string AsPattern(std::string word) {
+  for (char& c : word) {
+    if (std::string("'*?#[]").find(c) != std::string::npos) c = '?';
+  }
+  return word;
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words)
+    text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+/// How well a name fits what was typed; the less, the better. None: not at all.
+std::optional<int> Fit(const IPickable& pickable, const std::string& typed) {
+  const PickableFacts facts = FactsOf(pickable);
+  const std::string first = LowerCase(Joined(WordsOf(facts.firstName)));
+  const std::string last = LowerCase(Joined(WordsOf(facts.lastName)));
+  const std::string whole = FullName(first, last);
+  const std::string turned = FullName(last, first);
+  const bool isTeam = pickable.PickType() == PickType::Team;
+  if (typed == whole || typed == turned) return 0;
+  if (typed == last || (isTeam && (typed == first || typed == LowerCase(facts.team)))) return 1;
+  if (whole.starts_with(typed) || turned.starts_with(typed)) return 2;
+  return std::nullopt;
+}
+
+/// Both names begin with words that were typed: "jo sm" for Joe Smith, in either order.
+bool FitsWordByWord(const IPickable& pickable, const std::vector<std::string>& typed) {
+  if (typed.size() != 2) return false;
+  const PickableFacts facts = FactsOf(pickable);
+  const std::string first = LowerCase(facts.firstName);
+  const std::string last = LowerCase(facts.lastName);
+  return (first.starts_with(typed[0]) && last.starts_with(typed[1])) ||
+         (first.starts_with(typed[1]) && last.starts_with(typed[0]));
+}
+
+/// Those that fit best of all.
+Pickables BestOf(const Pickables& found, const std::string& who) {
+  const std::vector<std::string> words = WordsOf(LowerCase(who));
+  const std::string typed = Joined(words);
+  Pickables best;
+  int bestFit = 4;
+  for (const auto& pickable : found) {
+    std::optional<int> fit = Fit(*pickable, typed);
+    if (!fit && FitsWordByWord(*pickable, words)) fit = 3;
+    if (!fit || *fit > bestFit) continue;
+    if (*fit < bestFit) best.clear();
+    bestFit = *fit;
+    best.push_back(pickable);
+  }
+  return best;
+}
+
+/// Raises Failure for a short name that no team has, or no position.
+template <typename Record>
+void RequireKnown(League& league, const std::string& kind, const std::string& abbr,
+                  const std::shared_ptr<HLIData::KeyedCollection<Record>>& records) {
+  league.RaiseShownMessages();
+  if (abbr.empty()) return;
+  std::string known;
+  for (const auto& record : *records) {
+    if (LowerCase(record->Abbr()) == LowerCase(abbr)) return;
+    known += (known.empty() ? "" : ", ") + record->Abbr();
+  }
+  throw Failure(ExitCode::Refused, "There is no " + kind + " '" + abbr + "'.", "There are " + known + ".");
+}
+
+Pickables OfTeamAndPosition(const Pickables& found, const PickableWords& words) {
+  Pickables left;
+  const auto fits = [](const std::string& wanted, const std::string& is) {
+    return wanted.empty() || LowerCase(wanted) == LowerCase(is);
+  };
+  std::copy_if(found.begin(), found.end(), std::back_inserter(left), [&](const auto& pickable) {
+    const PickableFacts facts = FactsOf(*pickable);
+    return fits(words.team, facts.team) && fits(words.position, facts.position);
+  });
+  return left;
+}
+
+std::string ListOf(const Pickables& pickables,
+                   const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
+  TextTable table({{"id"}, {"name"}, {"team"}, {"position"}, {""}});
+  for (std::size_t i = 0; i < std::min(pickables.size(), kListedAtMost); ++i) {
+    const PickableFacts facts = FactsOf(*pickables[i]);
+    table.Add({facts.id, Printable(facts.name), facts.team, facts.position, note(pickables[i])});
+  }
+  std::string list;
+  for (const std::string& line : table.Lines())
+    list += (list.empty() ? "" : "\n") + line;
+  if (pickables.size() > kListedAtMost)
+    list += "\nand " + std::to_string(pickables.size() - kListedAtMost) + " more";
+  return list;
+}
+
+/// All that may be meant. The service pairs two words as first and last name; names of several words are
+/// found by the first of them.
+Pickables Found(League& league, const std::string& who, bool skipRetired) {
+  Pickables found = Search(league, AsPattern(who), skipRetired);
+  const std::vector<std::string> words = WordsOf(who);
+  if (words.size() > 1 && BestOf(found, who).empty())
+    found = Search(league, AsPattern(words.front()), skipRetired);
+  return found;
+}
+
+[[noreturn]] void RaiseNobody(League& league, const PickableWords& words, const Pickables& others,
+                              const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
+  std::string what = "There is no player or team '" + words.who + "'";
+  if (!words.team.empty()) what += " of team " + words.team;
+  if (!words.position.empty())
+    what += (words.team.empty() ? " at position " : ", position ") + words.position;
+  std::string hint;
+  if (!others.empty()) {
+    hint = "There is\n" + ListOf(others, note);
+  } else if (!words.retired && !BestOf(Found(league, words.who, /*skipRetired=*/false), words.who).empty()) {
+    what += " who plays";
+    hint = "'--retired' looks among retired players too.";
+  }
+  throw Failure(ExitCode::Refused, what + ".", hint);
+}
+
+}  // namespace
+
+PickableFacts FactsOf(const IPickable& pickable) {
+  if (const auto* player = dynamic_cast<const HLIData::IPlayerInfo*>(&pickable))
+    return FactsOfPlayer(*player);
+  if (const auto* team = dynamic_cast<const HLIData::ITeamInfo*>(&pickable)) return FactsOfTeam(*team);
+  PickableFacts facts;
+  facts.id = std::to_string(pickable.PickID());
+  facts.lastName = facts.name = pickable.PickName();
+  return facts;
+}
+
+std::string PickableText(const PickableFacts& facts) {
+  std::string text = Printable(facts.name) + " (" + facts.id;
+  if (!facts.team.empty()) text += ", " + facts.team;
+  if (!facts.position.empty()) text += ", " + facts.position;
+  return text + ")";
+}
+
+Json PickableJson(const PickableFacts& facts) {
+  Json json;
+  json["id"] = facts.id;
+  json["name"] = facts.name;
+  json["team"] = facts.team.empty() ? Json() : Json(facts.team);
+  json["position"] = facts.position.empty() ? Json() : Json(facts.position);
+  return json;
+}
+
+std::shared_ptr<IPickable> FindPickable(
+    League& league, const PickableWords& words,
+    const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
+  RequireKnown(league, "team", words.team, league.Service().GetTeams());
+  RequireKnown(league, "position", words.position, league.Service().GetPlayerPositions());
+  if (const auto id = IDIn(words.who)) return ByID(league, *id);
+  if (WordsOf(words.who).empty())
+    throw Failure(ExitCode::WrongUsage, "Say whom: a name, or an id such as P17.");
+  const Pickables found = Found(league, words.who, /*skipRetired=*/!words.retired);
+  const Pickables named = BestOf(found, words.who);
+  const Pickables meant = BestOf(OfTeamAndPosition(found, words), words.who);
+  if (meant.empty()) RaiseNobody(league, words, named, note);
+  if (meant.size() == 1) return meant.front();
+  throw Failure(ExitCode::Refused, "More than one may be meant by '" + words.who + "'.",
+                ListOf(meant, note) + "\nSay which by id, or with --team and --position.");
+}
+
+}  // namespace cli

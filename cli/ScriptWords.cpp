@@ -1,0 +1,89 @@
+#include "cli/ScriptWords.h"
+
+#include <cstddef>
+
+#include "cli/ExitCode.h"
+
+namespace cli {
+namespace {
+
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
+}
+
+/// Reads one word after the other off a line.
+class WordReader {
+ public:
+  explicit WordReader(std::string_view line) : m_line(line) {}
+
+  /// False at the end of the line, or where a comment starts.
+  bool Next(std::string& word) {
+    while (!IsAtEnd() && IsBlank(m_line[m_at]))
+      ++m_at;
+    if (IsAtEnd() || m_line[m_at] == '#') return false;
+    word.clear();
+    for (const std::size_t start = m_at; !IsAtEnd() && !IsBlank(m_line[m_at]);) {
+      const char c = m_line[m_at++];
+      if (c == '\'' && !IsApostrophe(start)) {
+        ReadSingleQuoted(word);
+      } else if (c == '"') {
+        ReadDoubleQuoted(word);
+      } else if (c == '\\') {
+        word += Escaped();
+      } else {
+        word += c;
+      }
+    }
+    return true;
+  }
+
+ private:
+  bool IsAtEnd() const { return m_at >= m_line.size(); }
+
+  /// Whether the ' just read, in a word that starts at `start`, opens nothing.
+  bool IsApostrophe(std::size_t start) const {
+    return m_at - 1 > start && m_line.find('\'', m_at) == std::string_view::npos;
+  }
+
+  char Escaped() {
+    if (IsAtEnd()) throw Failure(ExitCode::WrongUsage, "The line ends in a '\\'.");
+    return m_line[m_at++];
+  }
+
+  void ReadSingleQuoted(std::string& word) {
+    const std::size_t end = m_line.find('\'', m_at);
+    if (end == std::string_view::npos) RaiseNotClosed('\'');
+    word += m_line.substr(m_at, end - m_at);
+    m_at = end + 1;
+  }
+
+  void ReadDoubleQuoted(std::string& word) {
+    while (!IsAtEnd() && m_line[m_at] != '"') {
+      const char c = m_line[m_at++];
+      const bool escapes = c == '\\' && !IsAtEnd() && (m_line[m_at] == '"' || m_line[m_at] == '\\');
+      word += escapes ? m_line[m_at++] : c;
+    }
+    if (IsAtEnd()) RaiseNotClosed('"');
+    ++m_at;
+  }
+
+  [[noreturn]] static void RaiseNotClosed(char quote) {
+    throw Failure(ExitCode::WrongUsage, std::string("A ") + quote + " is not closed.",
+                  "A name with an apostrophe can stand in double quotes.");
+  }
+
+  std::string_view m_line;
+  std::size_t m_at = 0;
+};
+
+}  // namespace
+
+std::vector<std::string> ScriptWords(std::string_view line) {
+  std::vector<std::string> words;
+  WordReader reader(line);
+  for (std::string word; reader.Next(word);)
+    words.push_back(word);
+  return words;
+}
+
+}  // namespace cli

@@ -1,0 +1,144 @@
+#include "cli/Seasons.h"
+
+#include <algorithm>
+#include <iterator>
+#include <tuple>
+
+#include "cli/ExitCode.h"
+#include "cli/Find.h"
+
+namespace cli {
+namespace {
+
+using HLIData::ISeasonInfo;
+using Seasons = std::vector<std::shared_ptr<ISeasonInfo>>;
+
+template <typename Record>
+HLIData::KeyedCollection<Record>& Loaded(const std::shared_ptr<HLIData::KeyedCollection<Record>>& part,
+                                         const std::string& what, const ISeasonInfo& season) {
+  if (part) return *part;
+  throw Failure(ExitCode::Refused, "The " + what + " of the season " + std::to_string(season.Year()) +
+                                       " could not be loaded.");
+}
+
+/// Forgets message boxes whose failure is told already.
+void DropShownMessages(League& league) {
+  try {
+    league.RaiseShownMessages();
+  } catch (const Failure&) {
+    // The failure that is under way is the one to tell.
+  }
+}
+
+/// The failure of a save as one that the user can do something about.
+[[noreturn]] void RaiseNotSaved(const std::string& what, ExitCode code, const std::string& reason,
+                                const std::string& details) {
+  std::string hint = what + " may be stored in part now: look at them before trying again.";
+  if (!details.empty()) hint = details + "\n" + hint;
+  throw Failure(code, what + " could not be saved. " + reason, hint);
+}
+
+}  // namespace
+
+Seasons AllSeasons(League& league) {
+  // The service lists all seasons once; a current one that was forgotten since has to be loaded again first.
+  if (league.Service().CurrentSeasonID() != 0) {
+    league.Service().GetCurrentSeasonInfo();
+    league.RaiseShownMessages();
+  }
+  const auto loaded = league.Service().GetAllSeasons();
+  league.RaiseShownMessages();
+  Seasons seasons = loaded ? loaded->Items() : Seasons();
+  std::sort(seasons.begin(), seasons.end(), [](const auto& a, const auto& b) {
+    return std::tuple(a->Year(), a->ID()) < std::tuple(b->Year(), b->ID());
+  });
+  return seasons;
+}
+
+Seasons SeasonsOfYear(League& league, std::int32_t year) {
+  const Seasons all = AllSeasons(league);
+  Seasons ofYear;
+  std::copy_if(all.begin(), all.end(), std::back_inserter(ofYear),
+               [year](const auto& season) { return season->Year() == year; });
+  return ofYear;
+}
+
+std::shared_ptr<ISeasonInfo> SeasonToShow(League& league, const std::optional<std::int32_t>& year) {
+  if (!year) return CurrentSeason(league);
+  const Seasons seasons = SeasonsOfYear(league, *year);
+  if (seasons.size() == 1) return seasons.front();
+  if (seasons.empty()) {
+    throw Failure(ExitCode::Refused, "There is no season " + std::to_string(*year) + ".",
+                  "'season list' lists the seasons.");
+  }
+  throw Failure(ExitCode::Refused, "There is more than one season " + std::to_string(*year) + ".",
+                "'season list' lists them; 'settings --current-season ID' chooses one by its id.");
+}
+
+bool IsCurrent(League& league, const ISeasonInfo& season) {
+  return season.ID() == league.Service().CurrentSeasonID();
+}
+
+HLIData::KeyedCollection<HLIData::IManagerInfo>& ManagersOf(const ISeasonInfo& season) {
+  return Loaded(season.Managers(), "managers", season);
+}
+
+HLIData::KeyedCollection<HLIData::IPrizeInfo>& PrizesOf(const ISeasonInfo& season) {
+  return Loaded(season.Prizes(), "prizes", season);
+}
+
+HLIData::KeyedCollection<HLIData::IWinningInfo>& WinningsOf(const ISeasonInfo& season) {
+  return Loaded(season.Winnings(), "winnings", season);
+}
+
+HLIData::KeyedCollection<HLIData::IDraftInfo>& DraftsOf(const ISeasonInfo& season) {
+  return Loaded(season.Drafts(), "draft", season);
+}
+
+std::vector<std::shared_ptr<HLIData::IManagerInfo>> ManagersInOrder(const ISeasonInfo& season) {
+  auto managers = ManagersOf(season).Items();
+  std::stable_sort(managers.begin(), managers.end(), [](const auto& a, const auto& b) {
+    if (a->Rank() < 1 || b->Rank() < 1) return a->Rank() >= 1 && b->Rank() < 1;
+    return a->Rank() < b->Rank();
+  });
+  return managers;
+}
+
+PicksMade PicksMadeIn(const ISeasonInfo& season) {
+  PicksMade made;
+  std::int32_t number = 0;
+  for (const auto& pick : DraftsOf(season)) {
+    ++number;
+    if (!pick->Manager()) continue;
+    made.last = number;
+    ++made.count;
+  }
+  return made;
+}
+
+void ChangeAndSave(League& league, const std::string& what, const std::function<bool()>& changeAndSave) {
+  const auto forget = [&league] {
+    DropShownMessages(league);
+    league.Service().DiscardCurrentSeasonInfo();
+  };
+  try {
+    const bool saved = changeAndSave();
+    league.RaiseShownMessages();
+    if (!saved) throw Failure(ExitCode::Refused, "The service has not said why.");
+  } catch (const Failure& failure) {
+    forget();
+    RaiseNotSaved(what, failure.Code(), failure.what(), failure.Hint());
+  } catch (const jet::Error& error) {
+    forget();
+    std::string details;
+    for (const std::string& context : error.Context())
+      details += (details.empty() ? "in " : "\nin ") + context;
+    RaiseNotSaved(what, ExitCodeOf(error.Number()), error.what(), details);
+  } catch (const std::exception& error) {
+    forget();
+    RaiseNotSaved(what, ExitCode::Refused, error.what(), {});
+  }
+  forget();
+}
+
+}  // namespace cli

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HLIData/ISeasonInfo.h"
+#include "cli/League.h"
+
+namespace cli {
+
+/// All seasons by year, those of one year by id. Raises Failure when one of them could not be loaded.
+std::vector<std::shared_ptr<HLIData::ISeasonInfo>> AllSeasons(League& league);
+
+/// The seasons of a year; there should be one at most, but the file allows more.
+std::vector<std::shared_ptr<HLIData::ISeasonInfo>> SeasonsOfYear(League& league, std::int32_t year);
+
+/// The season of a year; without a year, the current one. Raises Failure when there is none, or several.
+std::shared_ptr<HLIData::ISeasonInfo> SeasonToShow(League& league, const std::optional<std::int32_t>& year);
+
+/// Whether a season is the current one.
+bool IsCurrent(League& league, const HLIData::ISeasonInfo& season);
+
+// The parts of a season. Raise Failure for one that could not be loaded: what is missing must neither be
+// shown as empty nor be saved.
+
+HLIData::KeyedCollection<HLIData::IManagerInfo>& ManagersOf(const HLIData::ISeasonInfo& season);
+HLIData::KeyedCollection<HLIData::IPrizeInfo>& PrizesOf(const HLIData::ISeasonInfo& season);
+HLIData::KeyedCollection<HLIData::IWinningInfo>& WinningsOf(const HLIData::ISeasonInfo& season);
+HLIData::KeyedCollection<HLIData::IDraftInfo>& DraftsOf(const HLIData::ISeasonInfo& season);
+
+/// The managers by their rank; those who are not ranked come last.
+std::vector<std::shared_ptr<HLIData::IManagerInfo>> ManagersInOrder(const HLIData::ISeasonInfo& season);
+
+/// The number of the last pick that somebody has made, and how many are made in all.
+struct PicksMade {
+  std::int32_t last = 0;
+  std::int32_t count = 0;
+};
+PicksMade PicksMadeIn(const HLIData::ISeasonInfo& season);
+
+/// Changes the current season in memory and saves it; `what` is what could not be changed or saved when that
+/// fails: "The prizes". Afterwards, also after a failure, the season is forgotten, so that whatever follows
+/// goes on from what is stored. Check all that can be checked before: a save that fails half way leaves what
+/// it has done.
+/// Raises Failure for an exception, a message box or a false result of `changeAndSave`.
+void ChangeAndSave(League& league, const std::string& what, const std::function<bool()>& changeAndSave);
+
+}  // namespace cli

@@ -1,0 +1,51 @@
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <system_error>
+
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Shell.h"
+#include "cli/System.h"
+#include "platform/Paths.h"
+
+namespace cli {
+namespace {
+
+struct ShellOptions {
+  std::string script;
+  bool keepsGoing = false;
+};
+
+void RunShell(Context& context, const ShellOptions& options) {
+  if (options.script.empty() || options.script == "-") {
+    const bool isInteractive = options.script.empty() && IsTerminal(stdin);
+    context.exitCode = Shell(context, {std::cin, "", isInteractive, options.keepsGoing}).Run();
+    return;
+  }
+  errno = 0;
+  std::ifstream file(HLDataSrvc::ToSystemPath(options.script), std::ios::binary);
+  if (!file) {
+    throw Failure(ExitCode::CannotOpen, "The script " + options.script + " cannot be read: " +
+                                            std::generic_category().message(errno) + ".");
+  }
+  context.exitCode = Shell(context, {file, options.script, false, options.keepsGoing}).Run();
+}
+
+}  // namespace
+
+void AddShellCommand(CLI::App& app, Context& context) {
+  CLI::App* command =
+      app.add_subcommand("shell", "Run commands on the open league, from a terminal or a script");
+  auto options = std::make_shared<ShellOptions>();
+  command
+      ->add_option("--script", options->script,
+                   "read the commands from this file; without one, standard input")
+      ->type_name("FILE");
+  command->add_flag("--keep-going", options->keepsGoing, "let a script go on after a line that failed");
+  command->callback(
+      [&context, options] { context.action = [&context, options] { RunShell(context, *options); }; });
+}
+
+}  // namespace cli
