@@ -64,8 +64,8 @@ std::shared_ptr<KeyedCollection<ITeamInfo>> DataService::GetTeams() {
 }
 
 std::shared_ptr<TeamInfo> DataService::TeamByID(std::int32_t teamID) {
-  const auto teams = GetTeams();
-  return OwnRecord<TeamInfo>(Required(teams, kNoTeams).Item(RecordKey(teamID)), "A team");
+  GetTeams();  // shows its own failure; a team that it did not reach is missing below
+  return OwnRecord<TeamInfo>(Required(m_caches.teams, kNoTeams).Item(RecordKey(teamID)), "A team");
 }
 
 std::shared_ptr<PlayerInfo> DataService::PlayerByID(std::int32_t playerID) {
@@ -86,8 +86,8 @@ std::shared_ptr<PlayerInfo> DataService::PlayerByID(std::int32_t playerID) {
     player->LastName(Rows::Text(*rows, Schema::Player::kLastName));
     const std::int32_t positionID = Rows::LeadingInt32(*rows, Schema::Player::kPositionID);
     if (positionID != 0) {
-      const auto positions = GetPlayerPositions();
-      player->Position(Required(positions, kNoPositions).Item(RecordKey(positionID)));
+      GetPlayerPositions();  // as in TeamByID
+      player->Position(Required(m_caches.positions, kNoPositions).Item(RecordKey(positionID)));
     }
     const std::int32_t teamID = Rows::LeadingInt32(*rows, Schema::Player::kTeamID);
     if (teamID != 0) player->Team(TeamByID(teamID));

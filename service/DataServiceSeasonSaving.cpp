@@ -68,7 +68,8 @@ bool DataService::SaveCurrentSeasonInfo() {
       rows->Update();
     }
     rows->Close();
-    ReplaceMoneyDistribution(seasonID, Required(season, kNoSeason));
+    // An identifier without a season has its money replaced all the same: by nothing.
+    ReplaceMoneyDistribution(seasonID, season ? *season : SeasonInfo());
     DiscardCurrentSeasonInfo();
     SeasonByID(seasonID);
     result = true;

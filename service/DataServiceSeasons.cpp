@@ -2,7 +2,8 @@
 //
 // The loaders show nothing: what goes wrong in them is raised, so that the operation that asked tells of it
 // in its own style. A season of which a part cannot be loaded is not kept: saving it would write back less
-// than is stored.
+// than is stored. Winnings alone can be missing, because their loader shows its failure itself; they cannot
+// be saved then.
 
 #include <chrono>
 

@@ -1,0 +1,307 @@
+#include <algorithm>
+
+#include "HLIData/IPlayerInfo.h"
+#include "jet/Error.h"
+#include "tests/service/LeagueTest.h"
+
+namespace HLDataSrvc {
+namespace {
+
+using namespace HLIData;
+using test::Box;
+using test::Line;
+using test::Lines;
+using test::OrNull;
+
+constexpr char kLoading[] = "Error in loading season info.";
+
+class SeasonLoadingTest : public test::LeagueTest {
+ protected:
+  /// Rows of the fixture, of picks that have both a player and a team only the player: it is what counts.
+  static test::Tables Expected() {
+    test::Tables expected;
+    for (const char* table : {"season info", "playing info", "money distribution info", "winning info"})
+      expected[table] = test::ExpectedRows(table);
+    for (std::string line : test::ExpectedRows("draft info")) {
+      const std::size_t team = line.rfind('|') + 1;
+      if (line[team - 2] != '|') line.erase(team);
+      expected["draft info"].push_back(line);
+    }
+    return expected;
+  }
+  bool IsCached(std::int32_t id) const { return FindCached(m_service->Caches().seasonsByID, id) != nullptr; }
+};
+
+TEST_F(SeasonLoadingTest, EverySeasonOfTheFixtureIsWhatTheIndependentReaderFound) {
+  Open("league.mdb");
+  const auto seasons = m_service->GetAllSeasons();
+  ASSERT_NE(seasons, nullptr);
+  EXPECT_EQ(seasons->Count(), 12);
+  const test::Tables expected = Expected();
+  for (const auto& season : *seasons) {
+    SCOPED_TRACE("season " + std::to_string(season->ID()));
+    test::Tables rows = test::RowsOf(*season);
+    for (const auto& [table, lines] : expected)
+      EXPECT_EQ(rows[table], test::RowsOfSeason(expected, table, season->ID())) << table;
+    EXPECT_TRUE(std::is_sorted(season->Managers()->begin(), season->Managers()->end(),
+                               [](const auto& a, const auto& b) { return a->Rank() < b->Rank(); }));
+    EXPECT_EQ(season->CurrentPick(), 1);
+    ASSERT_EQ(season->Drafts()->Count(), season->NoOfManagers() * season->NoOfRounds());
+    std::size_t stored = 0;
+    for (std::int32_t number = 1; number <= season->Drafts()->Count(); ++number) {
+      const DraftInfo& pick = Pick(*season, number);
+      const auto picked = pick.PlayerOrTeam();
+      EXPECT_EQ(pick.DraftNo(), number);
+      EXPECT_FALSE(pick.IsChanged());
+      EXPECT_EQ(pick.IsStored(), pick.Manager() != nullptr);
+      EXPECT_EQ(season->Drafts()->KeyAt(number), (pick.PickType() == PickType::Player ? "P"
+                                                  : pick.PickType() == PickType::Team ? "T"
+                                                                                      : "N") +
+                                                     std::to_string(picked ? picked->PickID() : number));
+      stored += pick.IsStored() ? 1u : 0u;
+    }
+    EXPECT_EQ(stored, test::RowsOfSeason(expected, "draft info", season->ID()).size());
+    for (const auto& winning : *season->Winnings())
+      EXPECT_EQ(winning->Key(), "K" + std::to_string(winning->ID()));
+  }
+
+  const Lines players = test::ExpectedRows("player info");
+  EXPECT_GT(m_service->Caches().players->Count(), 700);
+  for (const auto& player : *m_service->Caches().players) {
+    const auto position = player->Position();
+    const auto team = player->Team();
+    const std::string line =
+        Line(player->ID(), player->FirstName(), player->LastName(), OrNull(position ? position->ID() : 0),
+             OrNull(team ? team->ID() : 0), player->IsRetired());
+    EXPECT_TRUE(std::binary_search(players.begin(), players.end(), line)) << line;
+  }
+  Lines managers;
+  for (const auto& manager : *m_service->Caches().managers)
+    managers.push_back(Line(manager->ID(), manager->FirstName(), manager->LastName()));
+  EXPECT_EQ(test::Sorted(managers), test::ExpectedRows("manager info"));
+
+  m_engine->calls.clear();
+  EXPECT_EQ(m_service->GetAllSeasons(), seasons);
+  EXPECT_EQ(m_service->GetCurrentSeasonInfo(), seasons->Item("K11"));
+  EXPECT_TRUE(m_engine->calls.empty());
+  EXPECT_TRUE(Boxes().empty());
+}
+
+TEST_F(SeasonLoadingTest, ReadsEachPartOnceAndInOrder) {
+  Open(test::SmallLeague());
+  const auto season = m_service->GetCurrentSeasonInfo();
+  EXPECT_EQ(
+      Statements(),
+      (Lines{"select * from [season info] s where s.id = 1",
+             "select * from [money distribution info] m where m.[season id] = 1",
+             "select * from [prize type info]", "select * from [prize info]",
+             "select * from [playing info] p where p.[season id] = 1 order by ranking",
+             "select * from [manager info] where [id] = 2", "select * from [manager info] where [id] = 1",
+             "select * from [winning info] where [season id] = 1",
+             "select * from [draft info] where [season id] = 1 order by [draft no]",
+             "select * from [player info] where [id] = 1", "select * from [position info] order by [id]",
+             "select * from [team info] order by [id]"}));
+  EXPECT_EQ(m_service->GetCurrentSeasonInfo(), season);
+  EXPECT_TRUE(m_engine->calls.empty());
+
+  EXPECT_TRUE(m_service->DiscardCurrentSeasonInfo());
+  EXPECT_NE(m_service->GetCurrentSeasonInfo(), season);
+  EXPECT_EQ(Statements(), (Lines{"select * from [season info] s where s.id = 1",
+                                 "select * from [money distribution info] m where m.[season id] = 1",
+                                 "select * from [playing info] p where p.[season id] = 1 order by ranking",
+                                 "select * from [winning info] where [season id] = 1",
+                                 "select * from [draft info] where [season id] = 1 order by [draft no]"}))
+      << "master records stay";
+
+  m_service->GetAllSeasons();
+  const Lines statements = Statements();
+  EXPECT_EQ(statements.at(0), "select id from [season info]");
+  EXPECT_EQ(statements.at(1), "select * from [season info] s where s.id = 2") << "season 1 is known";
+}
+
+TEST_F(SeasonLoadingTest, PickWithAManagerAloneStaysEmpty) {
+  Open(test::SmallLeague());
+  EXPECT_EQ(Keys(Season()->Drafts()), "P1 T1 N3 N4");
+  EXPECT_EQ(Pick(*Season(), 3).Manager(), Season()->Managers()->Item("K1"));
+  EXPECT_EQ(Pick(*Season(), 3).PlayerOrTeam(), nullptr);
+  EXPECT_TRUE(Pick(*Season(), 3).IsStored());
+  EXPECT_EQ(Pick(*Season(), 4).Manager(), nullptr);
+  EXPECT_FALSE(Pick(*Season(), 4).IsStored());
+}
+
+TEST_F(SeasonLoadingTest, SeasonThatThereIsNotIsNoneAndNoError) {
+  Open(test::SmallLeague());
+  m_service->CurrentSeasonID(99);
+  EXPECT_EQ(m_service->GetCurrentSeasonInfo(), nullptr);
+  EXPECT_EQ(m_service->GetCurrentSeasonInfo(), nullptr);
+  EXPECT_EQ(Statements(), Lines(2, "select * from [season info] s where s.id = 99"));
+  m_service->CurrentSeasonID(-1);
+  EXPECT_EQ(m_service->GetCurrentSeasonInfo(), nullptr);
+  EXPECT_TRUE(m_engine->calls.empty());
+  EXPECT_TRUE(m_service->DiscardCurrentSeasonInfo());
+  EXPECT_TRUE(Boxes().empty());
+}
+
+TEST_F(SeasonLoadingTest, WithoutACurrentSeasonThatOfThisYearIsMade) {
+  Open("league-blank.mdb");
+  ASSERT_EQ(m_service->CurrentSeasonID(), 0);
+  EXPECT_EQ(m_service->GetAllSeasons(), nullptr) << "there is none to make the list for";
+  m_engine->calls.clear();
+  const auto season = m_service->GetCurrentSeasonInfo();
+  ASSERT_NE(season, nullptr);
+  EXPECT_EQ(Steps().at(0), "select * from [season info] s where s.[season year] = 2024");
+  EXPECT_EQ(season->Year(), 2024);
+  EXPECT_EQ(season->Drafts()->Count(), 0);
+  EXPECT_EQ(m_service->CurrentSeasonID(), 1);
+  EXPECT_EQ(m_service->CurrentSeasonYear(), 2024);
+  EXPECT_EQ(m_service->GetCurrentSeasonInfo(), season);
+  EXPECT_EQ(Stored()["season info"], (Lines{"1|2024|0|0|0|0|0|0|0|0|0"}));
+  EXPECT_EQ(Stored()["settings"], (Lines{"1|1"}));
+}
+
+TEST_F(SeasonLoadingTest, TheYearFindsLoadsOrMakesASeasonAndKeepsItInTheSettings) {
+  Open(test::SmallLeague());
+  m_service->CurrentSeasonYear(2023);
+  EXPECT_EQ(Statements().front(), "select * from [season info] s where s.[season year] = 2023");
+  EXPECT_EQ(m_service->CurrentSeasonID(), 2);
+  EXPECT_EQ(Stored()["settings"], (Lines{"1|2"}));
+  m_service->CurrentSeasonYear(2023);
+  EXPECT_EQ(Steps(), (Lines{"select * from [settings] where [ID] = 1 | Edit | current season id | Update | "
+                            "Close"}))
+      << "the settings count as changed from then on";
+
+  m_service->CurrentSeasonYear(2030);
+  EXPECT_EQ(m_service->CurrentSeasonID(), 3);
+  EXPECT_EQ(Stored()["settings"], (Lines{"1|3"}));
+}
+
+TEST_F(SeasonLoadingTest, SeasonsOfOneYearAreBothReachedByIdentifier) {
+  OpenLoose({{"season info", {"3|2024"}}});
+  EXPECT_EQ(Keys(m_service->GetAllSeasons()), "K1 K2 K3");
+  m_service->CurrentSeasonYear(2024);
+  EXPECT_EQ(m_service->CurrentSeasonID(), 1) << "the first stays the one of the year";
+  m_service->CurrentSeasonID(3);
+  const auto third = m_service->GetCurrentSeasonInfo();
+  EXPECT_EQ(third->ID(), 3);
+  EXPECT_TRUE(m_service->DiscardCurrentSeasonInfo());
+  EXPECT_NE(m_service->GetCurrentSeasonInfo(), third);
+  EXPECT_EQ(FindCached(m_service->Caches().seasonsByYear, 2024)->ID(), 1);
+
+  m_service->CurrentSeasonID(1);
+  m_service->GetCurrentSeasonInfo()->Year(2040);  // forgotten all the same, under whatever year it stands
+  EXPECT_TRUE(m_service->DiscardCurrentSeasonInfo());
+  EXPECT_FALSE(IsCached(1));
+  EXPECT_EQ(FindCached(m_service->Caches().seasonsByYear, 2024), nullptr);
+}
+
+TEST_F(SeasonLoadingTest, AllSeasonsAreListedOnceAlsoAfterTheCachesWereEmptied) {
+  Open(test::SmallLeague());
+  EXPECT_EQ(Keys(m_service->GetAllSeasons()), "K1 K2");
+  ASSERT_TRUE(m_service->OpenDatabase(/*clearCache=*/true, m_message));
+  m_engine->calls.clear();
+  EXPECT_EQ(m_service->GetAllSeasons(), nullptr);
+  EXPECT_TRUE(m_engine->calls.empty());
+  ASSERT_NE(m_service->GetCurrentSeasonInfo(), nullptr);
+  EXPECT_EQ(Keys(m_service->GetAllSeasons()), "K1");
+}
+
+TEST_F(SeasonLoadingTest, ManagerWithoutAMasterRecordTakesPartWithoutAName) {
+  OpenLoose({{"playing info", {"1|9|1|3", "1||0|4"}}});
+  EXPECT_EQ(Keys(Season()->Managers()), "K2 K1 K9 K0");
+  EXPECT_EQ(Season()->Managers()->Item("K9")->ManagerTmpl(), nullptr);
+  EXPECT_THROW(Season()->Managers()->Item("K9")->LastName(), Error);
+  Statements();
+  m_service->DiscardCurrentSeasonInfo();
+  Season();
+  const Lines statements = Statements();
+  EXPECT_EQ(std::count(statements.begin(), statements.end(), "select * from [manager info] where [id] = 9"),
+            1);
+  EXPECT_EQ(std::count(statements.begin(), statements.end(), "select * from [manager info] where [id] = 0"),
+            0);
+}
+
+TEST_F(SeasonLoadingTest, WhatCannotBeIsShownOnceAndNothingOfItIsKept) {
+  struct Case {
+    test::Tables added;
+    std::string description;
+  };
+  const auto missing = [](const std::string& key) {
+    return "The collection holds no item with the key \"" + key + "\".";
+  };
+  const std::string pick = "Pick 4 of season 1 in [draft info] ";
+  const Case cases[] = {
+      {{{"money distribution info", {"1|99|5"}}}, missing("K99")},
+      {{{"money distribution info", {"1||5"}}}, missing("K")},
+      {{{"prize info", {"3|Third|1"}}, {"money distribution info", {"1|3|"}}}, "\"\" is not a number."},
+      {{{"money distribution info", {"1|2|5"}}}, "The collection already holds an item with the key \"K2\"."},
+      {{{"playing info", {"1|2|0|9"}}}, "The collection already holds an item with the key \"K2\"."},
+      {{{"draft info", {"1|0|1|2|"}}},
+       "Pick 0 of season 1 in [draft info] lies outside its draft of 4 picks."},
+      {{{"draft info", {"1|5|1|2|"}}},
+       "Pick 5 of season 1 in [draft info] lies outside its draft of 4 picks."},
+      {{{"draft info", {"1|4|3|2|"}}}, pick + "is of manager 3, who does not take part."},
+      {{{"draft info", {"1|4||2|"}}}, pick + "is of manager 0, who does not take part."},
+      {{{"draft info", {"1|4|1|1|"}}}, pick + "is the same as pick 1."},
+      {{{"draft info", {"1|4|1||9"}}}, missing("K9")},
+  };
+  for (const Case& bad : cases) {
+    SCOPED_TRACE(bad.description);
+    OpenLoose(bad.added);
+    const test::Tables before = Stored();
+    EXPECT_EQ(m_service->GetCurrentSeasonInfo(), nullptr);
+    EXPECT_EQ(Boxes(), (Lines{Box(kLoading, bad.description)}));
+    EXPECT_FALSE(IsCached(1));
+    EXPECT_EQ(FindCached(m_service->Caches().seasonsByYear, 2024), nullptr);
+    m_service->CurrentSeasonID(2);
+    EXPECT_NE(m_service->GetCurrentSeasonInfo(), nullptr);
+    EXPECT_EQ(Stored(), before);
+  }
+  OpenLoose({{"season info", {"3|2022|65536|65536"}}});
+  m_service->CurrentSeasonID(3);
+  EXPECT_EQ(m_service->GetCurrentSeasonInfo(), nullptr);
+  EXPECT_EQ(Boxes(), (Lines{Box(kLoading, "The result of 65536 * 65536 does not fit in 32 bits.")}));
+}
+
+TEST_F(SeasonLoadingTest, DamagedSeasonFailsEveryOperationThatNeedsItAndNoOther) {
+  const std::pair<const char*, std::string> fixtures[] = {
+      {"league-damaged-draftno.mdb",
+       "Pick 10000 of season 11 in [draft info] lies outside its draft of 192 picks."},
+      {"league-damaged-draftmanager.mdb",
+       "Pick 17 of season 11 in [draft info] is of manager 19, who does not take part."}};
+  for (const auto& [fixture, description] : fixtures) {
+    SCOPED_TRACE(fixture);
+    Open(fixture);
+    const test::Tables before = Stored();
+    const auto shows = [&, &words = description](const std::string& sentence, auto operation) {
+      EXPECT_FALSE(operation());
+      EXPECT_EQ(Boxes(), (Lines{Box(sentence, words)}));
+      EXPECT_FALSE(IsCached(11));
+    };
+    shows(kLoading, [&] { return m_service->GetCurrentSeasonInfo(); });
+    shows("Error in saving drafts.", [&] { return m_service->SaveDrafts(); });
+    shows("Error in saving winnings.", [&] { return m_service->SaveWinnings(); });
+    shows("Error in saving season info.", [&] { return m_service->SaveCurrentSeasonInfo(); });
+    shows("Error in saving playing info.", [&] { return m_service->SaveManagersPlaying(); });
+    shows("Error in saving ranking info.", [&] { return m_service->SaveRanking(); });
+    shows("Error in disabling ranking.", [&] { return m_service->DisableRanking(); });
+    shows("Error in disabling drafting.", [&] { return m_service->DisableDrafting(); });
+    shows(kLoading, [&] { return m_service->GetAllSeasons(); });
+    std::shared_ptr<IWinningInfo> winning;
+    EXPECT_FALSE(m_service->AddWinning(winning));
+    EXPECT_THROW(m_service->CurrentSeasonYear(2021), Error);
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_EQ(m_service->CurrentSeasonID(), 11);
+    EXPECT_EQ(Stored(), before);
+    for (const std::int32_t sound : {10, 12, 5}) {
+      m_service->CurrentSeasonID(sound);
+      EXPECT_NE(m_service->GetCurrentSeasonInfo(), nullptr);
+    }
+    m_service->CurrentSeasonID(11);
+    EXPECT_TRUE(m_service->DeleteDrafts()) << "the rows that were at fault are gone";
+    EXPECT_EQ(Season()->Drafts()->Count(), 192);
+    EXPECT_TRUE(Boxes().empty());
+  }
+}
+
+}  // namespace
+}  // namespace HLDataSrvc
