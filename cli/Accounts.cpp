@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <memory>
 #include <tuple>
 
 #include "cli/Find.h"
@@ -68,19 +67,18 @@ Accounts AccountsOf(League& league, const HLIData::ISeasonInfo& season) {
   return accounts;
 }
 
-Accounts AccountsOf(League& league, const std::vector<std::shared_ptr<HLIData::ISeasonInfo>>& seasons) {
+Accounts SumOf(const std::vector<Accounts>& seasons) {
   std::map<std::int32_t, Account> byManager;
   Accounts all;
-  for (const auto& season : seasons) {
-    const Accounts ofSeason = AccountsOf(league, *season);
-    for (const Account& account : ofSeason.managers) {
+  for (const Accounts& season : seasons) {
+    for (const Account& account : season.managers) {
       Account& sum = byManager[account.managerID];
       sum.managerID = account.managerID;
       sum.name = account.name;
       Add(sum, account);
     }
-    all.putUp += ofSeason.putUp;
-    all.unpricedWinnings += ofSeason.unpricedWinnings;
+    all.putUp += season.putUp;
+    all.unpricedWinnings += season.unpricedWinnings;
   }
   all.managers = SortedAccounts(byManager);
   return all;

@@ -31,7 +31,15 @@ void AddLeagueOptions(CLI::App& app, Context& context) {
 /// The commands on a league that is open; a shell has them too.
 void AddLeagueCommands(CLI::App& app, Context& context) {
   AddSettingsCommand(app, context);
+  AddSeasonCommand(app, context);
+  AddManagerCommand(app, context);
+  AddPrizeCommand(app, context);
   AddDraftCommand(app, context);
+  AddWinningCommand(app, context);
+  AddMoneyCommand(app, context);
+  AddHistoryCommand(app, context);
+  AddPositionCommand(app, context);
+  AddTeamCommand(app, context);
 }
 
 /// The commands that open files themselves.

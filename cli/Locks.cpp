@@ -29,8 +29,7 @@ void RequireRankingUnlocked(const HLIData::ISeasonInfo& season) {
 }
 
 void RequireDraftUnlocked(const HLIData::ISeasonInfo& season) {
-  if (season.IsDraftLocked())
-    RaiseLocked("draft of the season ", season, "the number of its picks", {});
+  if (season.IsDraftLocked()) RaiseLocked("draft of the season ", season, "the number of its picks", {});
 }
 
 }  // namespace cli

@@ -4,8 +4,8 @@
 
 namespace cli {
 
-// The locks of a season, which the service stores and leaves its callers to honour. All raise Failure, with one
-// sentence that names the lock.
+// The locks of a season, which the service stores and leaves its callers to honour. All raise Failure, with
+// one sentence that names the lock.
 
 /// For every change of a season but unlocking it. `what` cannot be changed then: "its prizes".
 void RequireSeasonUnlocked(const HLIData::ISeasonInfo& season, const char* what);

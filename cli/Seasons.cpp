@@ -17,8 +17,8 @@ template <typename Record>
 HLIData::KeyedCollection<Record>& Loaded(const std::shared_ptr<HLIData::KeyedCollection<Record>>& part,
                                          const std::string& what, const ISeasonInfo& season) {
   if (part) return *part;
-  throw Failure(ExitCode::Refused, "The " + what + " of the season " + std::to_string(season.Year()) +
-                                       " could not be loaded.");
+  throw Failure(ExitCode::Refused,
+                "The " + what + " of the season " + std::to_string(season.Year()) + " could not be loaded.");
 }
 
 /// Forgets message boxes whose failure is told already.

@@ -12,6 +12,10 @@
 
 namespace cli {
 
+/// The years that a season may have.
+inline constexpr std::int32_t kFirstYear = 1900;
+inline constexpr std::int32_t kLastYear = 2999;
+
 /// All seasons by year, those of one year by id. Raises Failure when one of them could not be loaded.
 std::vector<std::shared_ptr<HLIData::ISeasonInfo>> AllSeasons(League& league);
 

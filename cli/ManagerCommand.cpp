@@ -1,0 +1,204 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Find.h"
+#include "cli/League.h"
+#include "cli/Locks.h"
+#include "cli/ManagerReport.h"
+#include "cli/Numbers.h"
+#include "cli/Ranking.h"
+#include "cli/Seasons.h"
+#include "cli/Winnings.h"
+
+namespace cli {
+namespace {
+
+using Words = std::vector<std::string>;
+
+struct ListOptions {
+  std::optional<std::int32_t> year;
+  bool all = false;
+};
+
+void List(Context& context, const ListOptions& options) {
+  League& league = context.TheLeague();
+  if (options.all && !options.year && league.Service().CurrentSeasonID() == 0) {
+    PrintAllManagers(context, nullptr);
+    return;
+  }
+  const auto season = SeasonToShow(league, options.year);
+  if (options.all) {
+    PrintAllManagers(context, season.get());
+  } else {
+    PrintManagers(context, *season);
+  }
+}
+
+/// Prints the managers as they are stored now, and says where.
+void PrintSaved(Context& context) {
+  PrintManagers(context, *CurrentSeason(context.TheLeague()));
+  context.messages.Note("The managers were saved in " + context.TheLeague().Path() + ".");
+}
+
+/// Those whom the words mean, each once.
+template <typename Record, typename Find>
+std::vector<std::shared_ptr<Record>> AllMeant(const Words& names, const Find& find) {
+  std::vector<std::shared_ptr<Record>> meant;
+  for (const std::string& name : names) {
+    const auto record = find(name);
+    const auto isSame = [&](const auto& other) { return other->ID() == record->ID(); };
+    if (std::any_of(meant.begin(), meant.end(), isSame))
+      throw Failure(ExitCode::Refused, FullName(*record) + " is named twice.");
+    meant.push_back(record);
+  }
+  return meant;
+}
+
+std::vector<std::shared_ptr<HLIData::IManagerInfo>> ManagersMeant(HLIData::ISeasonInfo& season,
+                                                                  const Words& names) {
+  return AllMeant<HLIData::IManagerInfo>(names, [&](const auto& name) { return FindManager(season, name); });
+}
+
+void Join(Context& context, const Words& names) {
+  League& league = context.TheLeague();
+  league.RefuseUnsavedPicks("manager join");
+  const auto season = CurrentSeason(league);
+  RequireRankingUnlocked(*season);
+  const auto joining = AllMeant<HLIData::IManagerTmplInfo>(
+      names, [&](const auto& name) { return FindManagerTmpl(league, name); });
+  const auto& playing = ManagersOf(*season);
+  for (const auto& manager : joining) {
+    if (playing.Find("K" + std::to_string(manager->ID())))
+      throw Failure(ExitCode::Refused, FullName(*manager) + " takes part in the season already.");
+  }
+  const auto together = playing.Count() + static_cast<std::int32_t>(joining.size());
+  if (together > season->NoOfManagers()) {
+    throw Failure(ExitCode::Refused,
+                  "The season " + std::to_string(season->Year()) + " is set to " +
+                      CountOf(season->NoOfManagers(), "manager") + "; it would have " +
+                      std::to_string(together) + ".",
+                  "'season set --managers N' changes their number.");
+  }
+  ChangeAndSave(league, "The managers", [&] {
+    return std::all_of(joining.begin(), joining.end(),
+                       [&](const auto& manager) { return season->AddManager(manager); }) &&
+           league.Service().SaveManagersPlaying();
+  });
+  PrintSaved(context);
+}
+
+/// Raises Failure for a manager who has done more in the season than joining it.
+void RequireNothingDone(League& league, const HLIData::ISeasonInfo& season,
+                        const HLIData::IManagerInfo& manager) {
+  const auto& picks = DraftsOf(season);
+  const auto noOfPicks = std::count_if(picks.begin(), picks.end(), [&](const auto& pick) {
+    return pick->Manager() && pick->Manager()->ID() == manager.ID();
+  });
+  const auto winnings = WinningsIn(league, season);
+  const auto noOfWinnings = std::count_if(winnings.begin(), winnings.end(), [&](const Winning& winning) {
+    return winning.managerID == manager.ID();
+  });
+  if (noOfPicks == 0 && noOfWinnings == 0) return;
+  std::string what = noOfPicks == 0 ? "" : CountOf(noOfPicks, "pick");
+  if (noOfWinnings > 0) what += (what.empty() ? "" : " and ") + CountOf(noOfWinnings, "winning");
+  throw Failure(ExitCode::Refused, FullName(manager) + " cannot leave the season " +
+                                       std::to_string(season.Year()) + ", having " + what + " in it.");
+}
+
+void Leave(Context& context, const Words& names) {
+  League& league = context.TheLeague();
+  league.RefuseUnsavedPicks("manager leave");
+  const auto season = CurrentSeason(league);
+  RequireRankingUnlocked(*season);
+  const auto leaving = ManagersMeant(*season, names);
+  for (const auto& manager : leaving)
+    RequireNothingDone(league, *season, *manager);
+  ChangeAndSave(league, "The managers", [&] {
+    for (const auto& manager : leaving) {
+      if (!season->RemoveManager(manager)) return false;
+    }
+    ApplyRanking(*season, RankingOf(*season));  // those behind move up
+    return league.Service().SaveManagersPlaying();
+  });
+  PrintSaved(context);
+}
+
+/// "NAME... paid|unpaid"
+void Fee(Context& context, const Words& words) {
+  const std::string state = words.back();
+  if (words.size() < 2 || (state != "paid" && state != "unpaid")) {
+    throw Failure(ExitCode::WrongUsage, "Say whose fee it is, and then 'paid' or 'unpaid'.",
+                  "'manager fee Ann paid', or several names before the last word.");
+  }
+  League& league = context.TheLeague();
+  league.RefuseUnsavedPicks("manager fee");
+  const auto season = CurrentSeason(league);
+  RequireSeasonUnlocked(*season, "its fees");
+  const auto managers = ManagersMeant(*season, Words(words.begin(), words.end() - 1));
+  ChangeAndSave(league, "The managers", [&] {
+    for (const auto& manager : managers)
+      manager->IsFeePaid(state == "paid");
+    return league.Service().SaveManagersPlaying();
+  });
+  PrintSaved(context);
+}
+
+/// "NAME PLACE", or all names.
+void Rank(Context& context, const Words& words) {
+  League& league = context.TheLeague();
+  league.RefuseUnsavedPicks("manager rank");
+  const auto season = CurrentSeason(league);
+  RequireRankingUnlocked(*season);
+  const auto place = words.size() == 2 ? WholeNumber(words.back()) : std::nullopt;
+  const Ranking ranking =
+      place ? RankingWithPlace(*season, words.front(), *place) : WholeRanking(*season, words);
+  const std::int32_t picksMade = PicksMadeIn(*season).count;
+  ChangeAndSave(league, "The ranking", [&] {
+    ApplyRanking(*season, ranking);
+    return league.Service().SaveRanking();
+  });
+  PrintSaved(context);
+  if (picksMade > 0) {
+    context.messages.Note("The draft has begun: " + CountOf(picksMade, "pick") +
+                          (picksMade == 1 ? " stays" : " stay") + " with whom made " +
+                          (picksMade == 1 ? "it." : "them."));
+  }
+}
+
+void AddForWords(CLI::App& manager, Context& context, const char* name, const char* description,
+                 const char* wordsName, const char* wordsDescription,
+                 void (*action)(Context&, const Words&)) {
+  CLI::App* command = manager.add_subcommand(name, description);
+  auto words = std::make_shared<Words>();
+  command->add_option(wordsName, *words, wordsDescription)->type_name("")->required();
+  command->callback(
+      [&context, words, action] { context.action = [&context, words, action] { action(context, *words); }; });
+}
+
+}  // namespace
+
+void AddManagerCommand(CLI::App& app, Context& context) {
+  CLI::App* manager = app.add_subcommand("manager", "Who takes part in the current season, ranks and fees");
+  manager->require_subcommand(1);
+  CLI::App* list = manager->add_subcommand("list", "List who takes part, in the order of the ranking");
+  auto options = std::make_shared<ListOptions>();
+  list->add_option("--season", options->year, "in the season of this year")->type_name("YEAR");
+  list->add_flag("--all", options->all, "list all managers of the league");
+  list->callback([&context, options] { context.action = [&context, options] { List(context, *options); }; });
+  AddForWords(*manager, context, "join", "Let managers take part", "NAME",
+              "a last name, a full name, or an id", Join);
+  AddForWords(*manager, context, "leave", "Take managers out who have neither picks nor winnings", "NAME",
+              "a last name, a full name, or an id", Leave);
+  AddForWords(*manager, context, "fee", "Mark the fee of managers as paid or unpaid", "NAME... paid|unpaid",
+              "names, and whether they have paid", Fee);
+  AddForWords(*manager, context, "rank", "Rank all managers, or put one of them on a place",
+              "NAME... or NAME PLACE", "all names from the first rank to the last; or a name and a place",
+              Rank);
+}
+
+}  // namespace cli

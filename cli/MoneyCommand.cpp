@@ -1,0 +1,125 @@
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "cli/Accounts.h"
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Json.h"
+#include "cli/League.h"
+#include "cli/Numbers.h"
+#include "cli/Seasons.h"
+#include "cli/TextTable.h"
+#include "cli/Utf8.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kNameWidth = 30;
+
+struct MoneyOptions {
+  std::optional<std::int32_t> year;
+  bool all = false;
+};
+
+Json AccountJson(const Account& account, bool isTotal) {
+  Json json;
+  if (!isTotal) {
+    json["managerID"] = account.managerID;
+    json["manager"] = account.name;
+    json["seasons"] = account.seasons;
+  }
+  json["due"] = account.due;
+  json["paid"] = account.paid;
+  json["owed"] = account.Owed();
+  json["won"] = account.won;
+  json["balance"] = account.Balance();
+  return json;
+}
+
+void PrintAccounts(Context& context, const Accounts& accounts) {
+  using Align = TextTable::Align;
+  TextTable table({{"manager"},
+                   {"due", Align::Right},
+                   {"paid", Align::Right},
+                   {"owed", Align::Right},
+                   {"won", Align::Right},
+                   {"balance", Align::Right}});
+  const auto add = [&table](const std::string& name, const Account& account) {
+    table.Add({CutToWidth(Printable(name), kNameWidth), std::to_string(account.due),
+               std::to_string(account.paid), std::to_string(account.Owed()), std::to_string(account.won),
+               std::to_string(account.Balance())});
+  };
+  for (const Account& account : accounts.managers)
+    add(account.name, account);
+  add("together", accounts.Total());
+  table.Print(context.output);
+}
+
+void Print(Context& context, const Json& scope, const std::string& title, const Accounts& accounts,
+           std::int64_t pool) {
+  const Account total = accounts.Total();
+  if (context.json) {
+    Json document = scope;
+    document["managers"] = Json::array();
+    for (const Account& account : accounts.managers)
+      document["managers"].push_back(AccountJson(account, /*isTotal=*/false));
+    document["total"] = AccountJson(total, /*isTotal=*/true);
+    document["pool"] = pool;
+    document["putUp"] = accounts.putUp;
+    document["winningsWithoutAmount"] = accounts.unpricedWinnings;
+    context.output.Line(JsonText(document));
+    return;
+  }
+  context.output.Line(title);
+  PrintAccounts(context, accounts);
+  const std::int64_t kept = total.paid - total.won;
+  context.output.Line("The pool is " + std::to_string(pool) + ", the prizes put up " +
+                      std::to_string(accounts.putUp) +
+                      " together. Paid in and not paid out: " + std::to_string(kept) + ".");
+  if (accounts.unpricedWinnings > 0) {
+    context.output.Line(CountOf(static_cast<std::int64_t>(accounts.unpricedWinnings), "winning") +
+                        " of prizes that their season does not put up count as nothing.");
+  }
+}
+
+void Money(Context& context, const MoneyOptions& options) {
+  League& league = context.TheLeague();
+  if (!options.all) {
+    const auto season = SeasonToShow(league, options.year);
+    Json scope;
+    scope["season"] = season->Year();
+    Print(context, scope,
+          "Season " + std::to_string(season->Year()) + ", contribution " +
+              std::to_string(season->MoneyContribution()),
+          AccountsOf(league, *season), PoolOf(*season));
+    return;
+  }
+  std::vector<Accounts> seasons;
+  std::int64_t pool = 0;
+  Json scope;
+  scope["seasons"] = Json::array();
+  for (const auto& season : AllSeasons(league)) {
+    seasons.push_back(AccountsOf(league, *season));
+    pool += PoolOf(*season);
+    scope["seasons"].push_back(season->Year());
+  }
+  Print(context, scope, "All " + CountOf(static_cast<std::int64_t>(seasons.size()), "season"), SumOf(seasons),
+        pool);
+}
+
+}  // namespace
+
+void AddMoneyCommand(CLI::App& app, Context& context) {
+  CLI::App* command = app.add_subcommand("money", "Show what each manager has paid and won");
+  auto options = std::make_shared<MoneyOptions>();
+  CLI::Option* year = command->add_option("--season", options->year,
+                                          "in the season of this year; without, in the current one");
+  year->type_name("YEAR");
+  command->add_flag("--all", options->all, "in all seasons together")->excludes(year);
+  command->callback(
+      [&context, options] { context.action = [&context, options] { Money(context, *options); }; });
+}
+
+}  // namespace cli

@@ -1,0 +1,37 @@
+#include "cli/Commands.h"
+#include "cli/Json.h"
+#include "cli/League.h"
+#include "cli/TextTable.h"
+#include "cli/Utf8.h"
+
+namespace cli {
+namespace {
+
+void List(Context& context) {
+  League& league = context.TheLeague();
+  const auto positions = league.Service().GetPlayerPositions();
+  league.RaiseShownMessages();
+  Json document = Json::array();
+  TextTable table({{"id", TextTable::Align::Right}, {"short"}, {"position"}});
+  for (const auto& position : positions->Items()) {
+    document.push_back({{"id", position->ID()}, {"abbr", position->Abbr()}, {"desc", position->Desc()}});
+    table.Add({std::to_string(position->ID()), Printable(position->Abbr()), Printable(position->Desc())});
+  }
+  if (context.json) {
+    context.output.Line(JsonText(document));
+  } else {
+    table.Print(context.output);
+  }
+}
+
+}  // namespace
+
+void AddPositionCommand(CLI::App& app, Context& context) {
+  CLI::App* position = app.add_subcommand("position", "The positions that players have");
+  position->require_subcommand(1);
+  position->add_subcommand("list", "List all positions")->callback([&context] {
+    context.action = [&context] { List(context); };
+  });
+}
+
+}  // namespace cli

@@ -1,0 +1,135 @@
+#include "cli/PrizeReport.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "cli/Accounts.h"
+#include "cli/Json.h"
+#include "cli/League.h"
+#include "cli/Numbers.h"
+#include "cli/Seasons.h"
+#include "cli/TextTable.h"
+#include "cli/Utf8.h"
+#include "cli/Winnings.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kNameWidth = 30;
+constexpr std::size_t kTypeWidth = 16;
+
+std::string TypeName(const std::shared_ptr<HLIData::IPrizeTypeInfo>& type) {
+  return type ? type->Name() : std::string();
+}
+
+/// How often the prizes of a season were won, by their ids.
+std::map<std::int32_t, std::int64_t> TimesWon(League& league, const HLIData::ISeasonInfo& season) {
+  std::map<std::int32_t, std::int64_t> times;
+  for (const Winning& winning : WinningsIn(league, season))
+    ++times[winning.prizeID];
+  return times;
+}
+
+std::int64_t PutUpIn(const HLIData::ISeasonInfo& season) {
+  std::int64_t sum = 0;
+  for (const auto& prize : PrizesOf(season))
+    sum += prize->Amount();
+  return sum;
+}
+
+/// "Season 2021: 8 prizes of 680 together; pool 720 (12 managers x 60), 40 left."
+std::string Summary(const HLIData::ISeasonInfo& season) {
+  const std::int64_t putUp = PutUpIn(season);
+  const std::int64_t left = PoolOf(season) - putUp;
+  return "Season " + std::to_string(season.Year()) + ": " + CountOf(PrizesOf(season).Count(), "prize") +
+         " of " + std::to_string(putUp) + " together; pool " + std::to_string(PoolOf(season)) + " (" +
+         CountOf(season.NoOfManagers(), "manager") + " x " + std::to_string(season.MoneyContribution()) +
+         "), " + (left < 0 ? std::to_string(-left) + " short." : std::to_string(left) + " left.");
+}
+
+Json PrizesJson(League& league, const HLIData::ISeasonInfo& season) {
+  auto times = TimesWon(league, season);
+  Json document;
+  document["season"] = season.Year();
+  document["prizes"] = Json::array();
+  for (const auto& prize : PrizesOf(season)) {
+    Json json;
+    json["id"] = prize->ID();
+    json["name"] = prize->Desc();
+    json["type"] = TypeName(prize->PrizeType());
+    json["amount"] = prize->Amount();
+    json["timesWon"] = times[prize->ID()];
+    json["paidOut"] = prize->Amount() * times[prize->ID()];
+    document["prizes"].push_back(json);
+  }
+  document["putUp"] = PutUpIn(season);
+  document["pool"] = PoolOf(season);
+  return document;
+}
+
+std::optional<std::int32_t> AmountIn(const HLIData::ISeasonInfo* season, std::int32_t prizeID) {
+  const auto prize = season == nullptr ? nullptr : PrizesOf(*season).Find("K" + std::to_string(prizeID));
+  return prize ? std::optional(prize->Amount()) : std::nullopt;
+}
+
+}  // namespace
+
+void PrintPrizes(Context& context, const HLIData::ISeasonInfo& season) {
+  League& league = context.TheLeague();
+  if (context.json) {
+    context.output.Line(JsonText(PrizesJson(league, season)));
+    return;
+  }
+  context.output.Line(Summary(season));
+  if (PrizesOf(season).Count() == 0) return;
+  using Align = TextTable::Align;
+  TextTable table({{"id", Align::Right},
+                   {"prize"},
+                   {"type"},
+                   {"amount", Align::Right},
+                   {"won", Align::Right},
+                   {"paid out", Align::Right}});
+  auto times = TimesWon(league, season);
+  for (const auto& prize : PrizesOf(season)) {
+    const std::int64_t won = times[prize->ID()];
+    table.Add({std::to_string(prize->ID()), CutToWidth(Printable(prize->Desc()), kNameWidth),
+               CutToWidth(Printable(TypeName(prize->PrizeType())), kTypeWidth),
+               std::to_string(prize->Amount()), std::to_string(won), std::to_string(prize->Amount() * won)});
+  }
+  table.Print(context.output);
+}
+
+void PrintAllPrizes(Context& context, const HLIData::ISeasonInfo* season) {
+  League& league = context.TheLeague();
+  const auto prizes = league.Service().GetPrizeTmpls();
+  league.RaiseShownMessages();
+  Json document;
+  document["season"] = season == nullptr ? Json() : Json(season->Year());
+  document["prizes"] = Json::array();
+  TextTable table({{"id", TextTable::Align::Right},
+                   {"prize"},
+                   {"type"},
+                   {season == nullptr ? "amount" : "amount in " + std::to_string(season->Year()),
+                    TextTable::Align::Right}});
+  for (const auto& prize : prizes->Items()) {
+    const auto amount = AmountIn(season, prize->ID());
+    const std::string type = TypeName(prize->PrizeType());
+    Json json;
+    json["id"] = prize->ID();
+    json["name"] = prize->Desc();
+    json["type"] = type;
+    json["amount"] = amount ? Json(*amount) : Json();
+    document["prizes"].push_back(json);
+    table.Add({std::to_string(prize->ID()), CutToWidth(Printable(prize->Desc()), kNameWidth),
+               CutToWidth(Printable(type), kTypeWidth), amount ? std::to_string(*amount) : "-"});
+  }
+  if (context.json) {
+    context.output.Line(JsonText(document));
+  } else {
+    table.Print(context.output);
+  }
+}
+
+}  // namespace cli

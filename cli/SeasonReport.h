@@ -1,0 +1,18 @@
+#pragma once
+
+#include "HLIData/ISeasonInfo.h"
+#include "cli/Context.h"
+#include "cli/Json.h"
+
+namespace cli {
+
+/// Everything about a season but its records, as JSON.
+Json SeasonJson(League& league, const HLIData::ISeasonInfo& season);
+
+/// Prints the same, a line a fact, or as JSON.
+void PrintSeason(Context& context, const HLIData::ISeasonInfo& season);
+
+/// Prints seasons, a line each, or as JSON.
+void PrintSeasons(Context& context, const std::vector<std::shared_ptr<HLIData::ISeasonInfo>>& seasons);
+
+}  // namespace cli

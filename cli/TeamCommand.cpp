@@ -1,0 +1,49 @@
+#include "cli/Commands.h"
+#include "cli/Json.h"
+#include "cli/League.h"
+#include "cli/TextTable.h"
+#include "cli/Utf8.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kNameWidth = 24;
+
+void List(Context& context) {
+  League& league = context.TheLeague();
+  const auto teams = league.Service().GetTeams();
+  league.RaiseShownMessages();
+  Json document = Json::array();
+  TextTable table({{"id", TextTable::Align::Right}, {"short"}, {"name"}, {"nickname"}, {"position"}});
+  for (const auto& team : teams->Items()) {
+    const auto position = team->Position();
+    Json json;
+    json["id"] = team->ID();
+    json["abbr"] = team->Abbr();
+    json["name"] = team->Name();
+    json["nickname"] = team->Nickname();
+    json["position"] = position ? Json(position->Abbr()) : Json();
+    document.push_back(json);
+    table.Add(
+        {std::to_string(team->ID()), Printable(team->Abbr()), CutToWidth(Printable(team->Name()), kNameWidth),
+         CutToWidth(Printable(team->Nickname()), kNameWidth), position ? Printable(position->Abbr()) : "-"});
+  }
+  if (context.json) {
+    context.output.Line(JsonText(document));
+  } else {
+    table.Print(context.output);
+  }
+}
+
+}  // namespace
+
+void AddTeamCommand(CLI::App& app, Context& context) {
+  CLI::App* team =
+      app.add_subcommand("team", "The teams that players play in, which can be drafted themselves");
+  team->require_subcommand(1);
+  team->add_subcommand("list", "List all teams")->callback([&context] {
+    context.action = [&context] { List(context); };
+  });
+}
+
+}  // namespace cli
