@@ -19,7 +19,8 @@ RowEdit::RowEdit(const Table& table, Kind kind)
 }
 
 bool RowEdit::HasDefault(std::size_t column) const {
-  return !m_table->Definition().columns[column].IsAutoNumber() &&
+  const format::ColumnDefinition& definition = m_table->Definition().columns[column];
+  return !definition.IsAutoNumber() && !definition.IsAutoGuid() &&
          m_table->Rules(column).defaultValue.has_value();
 }
 

@@ -32,6 +32,7 @@ struct ColumnDefinition {
 
   bool IsFixed() const { return (flags & 0x01) != 0; }
   bool IsAutoNumber() const { return (flags & 0x04) != 0; }
+  bool IsAutoGuid() const { return (flags & 0x40) != 0 && type == ColumnType::Guid; }
   bool IsLongValue() const { return type == ColumnType::Memo || type == ColumnType::Ole; }
 };
 
