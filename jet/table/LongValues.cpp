@@ -44,6 +44,8 @@ Bytes LongValues::Read(std::span<const std::byte> stored) const {
     const auto value = stored.subspan(LongValueReference::kSize);
     return {value.begin(), value.end()};
   }
+  if (reference.length > std::uint64_t{m_pager->PageCount()} * kPageSize)
+    RaiseDamaged("it is longer than the file");
   Bytes value;
   std::uint32_t pointer = reference.pointer;
   const bool chained = reference.mode == LongValueReference::Mode::Chained;
@@ -125,6 +127,7 @@ void LongValues::Free(std::span<const std::byte> stored) {
   while (pointer != 0) {
     const RowId row{format::RowPointerPage(pointer), format::RowPointerSlot(pointer)};
     pointer = 0;
+    if (!pages.Owned().Contains(row.page)) RaiseDamaged("a piece of it lies on a page of others");
     {
       const PageHandle page = m_pager->Get(row.page);
       const DataPageView view(page.Bytes(), row.page);

@@ -11,8 +11,11 @@ using format::DataPageView;
 namespace data_page = format::data_page;
 
 namespace {
-// A page with less room than this is not worth trying again once a row did not fit.
+// Room that makes a page worth trying for further rows.
 constexpr std::size_t kWorthTrying = 512;
+// A page with less room than this is not tried again once a row did not fit, until a row of it goes: pages
+// that rows of a usual size just miss would keep the search from those behind them.
+constexpr std::size_t kWorthTryingAgain = kPageSize / 2;
 // Pages tried for a row before a new one is taken; rows longer than most rooms would otherwise try them all.
 constexpr int kMaxTries = 16;
 }  // namespace
@@ -52,7 +55,7 @@ RowId RowPages::Insert(std::span<const std::byte> row, std::uint16_t flags) {
     }
     const PageHandle full = m_pager->Get(page);
     const DataPageView view(full.Bytes(), page);
-    if (view.FreeSpace() < kWorthTrying || view.SlotCount() >= data_page::kMaxSlots) m_free.Remove(page);
+    if (view.FreeSpace() < kWorthTryingAgain || view.SlotCount() >= data_page::kMaxSlots) m_free.Remove(page);
   }
   const MutablePage page = NewPage();
   m_free.Add(page.Number(), *m_allocator);
