@@ -111,7 +111,8 @@ class Table {
   void CheckUnique(std::size_t index, const KeyOfRow& key, const RowValues& values,
                    std::optional<RowId> self) const;
   void CheckParent(const format::LogicalIndexDefinition& relation, const RowValues& values) const;
-  void CheckChildren(const format::LogicalIndexDefinition& relation, RowId id, const RowValues& oldValues,
+  std::vector<RowId> RowsWithKey(std::size_t index, const std::vector<Value>& key) const;
+  void CheckChildren(const format::LogicalIndexDefinition& relation, const RowValues& oldValues,
                      const RowValues* newValues, int depth);
   void UpdateRow(RowId id, std::span<const ColumnValue> values, int depth);
   void DeleteRow(RowId id, int depth);

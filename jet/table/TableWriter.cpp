@@ -8,6 +8,7 @@
 #include "jet/format/Bytes.h"
 #include "jet/format/RowBuilder.h"
 #include "jet/format/RowCodec.h"
+#include "jet/format/SortKey.h"
 #include "jet/format/TableDefinitionLayout.h"
 #include "jet/format/TextCodec.h"
 #include "jet/format/ValueCodec.h"
@@ -135,19 +136,38 @@ void Table::CheckParent(const LogicalIndexDefinition& relation, const RowValues&
   const Index& index = parent.IndexAt(parentIndex);
   const std::optional<KeyBytes> key = index.KeyPrefix(foreignKey);
   if (key && index.Find(*key)) return;
-  if (key && &parent == this) {
-    // A row may refer to itself.
-    std::vector<Value> own;
-    for (const std::size_t column : m_indexes[parentIndex].columns)
-      own.push_back(values[column]);
-    if (index.KeyPrefix(own) == key) return;
-  }
   throw Error(ErrorNumber::NoReferredRow, "Table '" + parent.m_name + "' has no row for " +
                                               DescribeKey(relation.real, values) + " of table '" + m_name +
                                               "'.");
 }
 
-void Table::CheckChildren(const LogicalIndexDefinition& relation, RowId id, const RowValues& oldValues,
+// Rows whose columns of an index, or the first of them, have these values, none of which is Null.
+std::vector<RowId> Table::RowsWithKey(std::size_t index, const std::vector<Value>& key) const {
+  std::vector<RowId> rows;
+  if (const std::optional<KeyBytes> prefix = IndexAt(index).KeyPrefix(key)) {
+    for (IndexCursor cursor = IndexAt(index).Range(*prefix, KeyAfter(*prefix)); cursor.Next();)
+      rows.push_back(cursor.Row());
+    return rows;
+  }
+  // Another writer may know a form of such keys.
+  const std::vector<std::size_t>& columns = m_indexes[index].columns;
+  for (TableScan scan(*this); scan.Next();) {
+    const auto has = [&](std::size_t i) {
+      const Value value = Read(scan.Row(), columns[i]);
+      const auto* const text = value.As<std::string>();
+      const auto* const wanted = key[i].As<std::string>();
+      return text != nullptr && wanted != nullptr ? format::CompareText(*text, *wanted) == 0
+                                                  : value == key[i];
+    };
+    bool all = true;
+    for (std::size_t i = 0; i < columns.size() && i < key.size() && all; ++i)
+      all = has(i);
+    if (all) rows.push_back(scan.Id());
+  }
+  return rows;
+}
+
+void Table::CheckChildren(const LogicalIndexDefinition& relation, const RowValues& oldValues,
                           const RowValues* newValues, int depth) {
   std::vector<Value> key;
   for (const std::size_t column : m_indexes[relation.real].columns) {
@@ -157,12 +177,7 @@ void Table::CheckChildren(const LogicalIndexDefinition& relation, RowId id, cons
   std::size_t childIndex = 0;
   const Table& childTable = Partner(relation, childIndex);
   Table& child = m_store->TableAt(childTable.m_definition.page);
-  const std::optional<KeyBytes> prefix = child.IndexAt(childIndex).KeyPrefix(key);
-  if (!prefix) return;  // no child could have been stored with such a key
-  std::vector<RowId> rows;
-  for (IndexCursor cursor = child.IndexAt(childIndex).Range(*prefix, KeyAfter(*prefix)); cursor.Next();) {
-    if (&child != this || cursor.Row() != id) rows.push_back(cursor.Row());
-  }
+  const std::vector<RowId> rows = child.RowsWithKey(childIndex, key);
   if (rows.empty()) return;
   const bool cascades = newValues == nullptr ? relation.cascadeDeletes == 1 : relation.cascadeUpdates == 1;
   if (!cascades) {
@@ -238,8 +253,7 @@ void Table::AddToRowCount(std::int32_t difference) {
 void Table::GiveAutomaticValues(RowValues& values, std::vector<bool>& given) {
   for (std::size_t c = 0; c < values.size(); ++c) {
     const ColumnDefinition& column = m_definition.columns[c];
-    if ((column.flags & format::column_flag::kAutoGuid) != 0 && column.type == ColumnType::Guid &&
-        values[c].IsNull()) {
+    if (column.IsAutoGuid() && values[c].IsNull()) {
       values[c] = RandomGuid();
       given[c] = true;
     }
@@ -286,9 +300,6 @@ RowId Table::Insert(std::span<const ColumnValue> changes) {
     }
     CheckUnique(i, keys.back(), values, std::nullopt);
   }
-  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
-    if (relation.side == LogicalIndexDefinition::Side::Child) CheckParent(relation, values);
-  }
 
   format::RowBuilder builder(m_definition);
   for (std::size_t c = 0; c < values.size(); ++c) {
@@ -302,6 +313,10 @@ RowId Table::Insert(std::span<const ColumnValue> changes) {
   for (std::size_t i = 0; i < m_indexes.size(); ++i)
     AddEntry(i, keys[i], id);
   AddToRowCount(1);
+  // Only now, for a row may refer to itself.
+  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
+    if (relation.side == LogicalIndexDefinition::Side::Child) CheckParent(relation, values);
+  }
   return id;
 }
 
@@ -350,21 +365,6 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
     CheckUnique(i, key.after, values, id);
     keyChanges.push_back(std::move(key));
   }
-  const auto keyChanged = [&](std::size_t index) {
-    return std::any_of(keyChanges.begin(), keyChanges.end(),
-                       [&](const KeyChange& key) { return key.index == index; });
-  };
-  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
-    // In a cascade the parent's new key is on its way.
-    if (relation.side == LogicalIndexDefinition::Side::Child && keyChanged(relation.real) && depth == 0)
-      CheckParent(relation, values);
-  }
-  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
-    if (relation.side == LogicalIndexDefinition::Side::Parent && keyChanged(relation.real)) {
-      CheckChildren(relation, id, oldValues, &values, depth);
-    }
-  }
-
   format::RowBuilder builder(m_definition, oldBytes);
   for (const ColumnValue& change : changes) {
     const ColumnDefinition& column = m_definition.columns[change.column];
@@ -386,6 +386,21 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
     RemoveEntry(key.index, key.before, id);
     AddEntry(key.index, key.after, id);
   }
+
+  // Only now, for a row may refer to itself, by its old key or its new one. What refers to the old key comes
+  // along before the row's own parents are looked for.
+  const auto keyChanged = [&](std::size_t index) {
+    return std::any_of(keyChanges.begin(), keyChanges.end(),
+                       [&](const KeyChange& key) { return key.index == index; });
+  };
+  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
+    if (relation.side == LogicalIndexDefinition::Side::Parent && keyChanged(relation.real))
+      CheckChildren(relation, oldValues, &values, depth);
+  }
+  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
+    if (relation.side == LogicalIndexDefinition::Side::Child && keyChanged(relation.real))
+      CheckParent(relation, values);
+  }
 }
 
 void Table::DeleteRow(RowId id, int depth) {
@@ -393,10 +408,6 @@ void Table::DeleteRow(RowId id, int depth) {
   if (!row) throw Error(ErrorNumber::RowDeleted, "The row of table '" + m_name + "' was deleted.");
   const RowValues values = IndexedValues(*row);
   const Bytes bytes(row->Bytes().begin(), row->Bytes().end());
-  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
-    if (relation.side == LogicalIndexDefinition::Side::Parent)
-      CheckChildren(relation, id, values, nullptr, depth);
-  }
   for (std::size_t i = 0; i < m_indexes.size(); ++i)
     RemoveEntry(i, KeyFor(m_indexes[i], values), id);
   for (const ColumnDefinition& column : m_definition.columns) {
@@ -407,6 +418,11 @@ void Table::DeleteRow(RowId id, int depth) {
   }
   m_rows->Remove(id);
   AddToRowCount(-1);
+  // Only now: the row may refer to itself, also by way of others.
+  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
+    if (relation.side == LogicalIndexDefinition::Side::Parent)
+      CheckChildren(relation, values, nullptr, depth);
+  }
 }
 
 }  // namespace jet
