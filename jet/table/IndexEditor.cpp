@@ -261,7 +261,10 @@ bool IndexEditor::WriteBranch(PageNumber number, const Branch& branch) {
   const std::vector<EntryBytes> entries = EntriesOf(branch.keyed);
   const MutablePage page = m_pager->Change(number);
   IndexPage writer(page.Bytes(), number);
-  if (!writer.Assign(entries)) return false;
+  if (!writer.Assign(entries)) {
+    if (entries.size() == 1) RaiseDamaged("an entry of it is too long for a branch");
+    return false;
+  }
   writer.SetTail(branch.tail);
   return true;
 }

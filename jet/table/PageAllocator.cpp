@@ -82,7 +82,9 @@ PageNumber PageAllocator::FindFree() const {
       if (bit != kNoPage) found = base + bit;
     }
   }
-  return found < m_pager->PageCount() ? found : kNoPage;
+  if (found >= m_pager->PageCount()) return kNoPage;
+  if (found <= system_page::kRelationships) RaiseDamaged(*m_pager, "gives away a page of the system tables");
+  return found;
 }
 
 bool PageAllocator::IsFree(PageNumber page) const {
@@ -110,6 +112,7 @@ void PageAllocator::CheckFileIsWhole() const {
 
 void PageAllocator::Mark(PageNumber page, bool free) {
   const GlobalMap map = ReadMap(*m_pager);
+  if (page >= map.End()) RaiseDamaged(*m_pager, "does not cover the file");
   if (map.isInline) {
     AssignBit(MutableMapRow(m_pager->Change(kGlobalMapPage)).subspan(kBitmap), page, free);
   } else {

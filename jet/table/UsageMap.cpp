@@ -42,7 +42,7 @@ MapRow ReadRow(Pager& pager, std::uint32_t pointer) {
   const DataPageView view(row.page.Bytes(), RowPointerPage(pointer));
   if (view.Owner() != data_page::kOwnerUsageMaps) RaiseDamaged(pointer, "its page holds no usage maps");
   const RowSlot slot = view.Slot(RowPointerSlot(pointer));
-  if (slot.flags != data_page::kLive || slot.end - slot.begin < kBitmap)
+  if (slot.flags != data_page::kLive || slot.end - slot.begin <= kBitmap)
     RaiseDamaged(pointer, "its row is missing");
   row.bytes = view.Row(slot);
   const std::uint8_t kind = LoadU8(row.bytes.data());

@@ -10,8 +10,8 @@
 
 namespace jet::test {
 
-/// A file in memory with nothing but a header page of zeros, the global usage map and one page for usage
-/// maps: ground for tests of what lies below tables.
+/// A file in memory with nothing but a header page of zeros, the global usage map, one page for usage maps
+/// and the rest of the pages that every database has: ground for tests of what lies below tables.
 class BarePages {
  public:
   BarePages()
@@ -31,6 +31,8 @@ class BarePages {
     page.Insert(std::array<std::byte, 69>{});
     const MutablePage maps = allocator.Allocate();
     format::DataPage::Initialize(maps.Bytes(), format::data_page::kOwnerUsageMaps);
+    while (pager.PageCount() <= format::system_page::kRelationships)
+      allocator.Allocate();  // pages that are never given away
     unit.Commit();
   }
 

@@ -191,6 +191,14 @@ TEST_F(IndexEditorTest, AKeyTooLongForAPage_IsRefused) {
   ExpectTree({});
 }
 
+TEST_F(IndexEditorTest, AnEntryOfAnotherWriterThatFitsNoBranch_IsDamage) {
+  const PageNumber root = index->Definition().root;
+  const MutablePage page = bare.pager.Change(root);
+  IndexPage leaf(page.Bytes(), root);
+  ASSERT_TRUE(leaf.Insert(leaf.First(), MakeEntry(KeyBytes(3610, std::byte{0x7F}), RowOf(1))));
+  EXPECT_THROW(Insert({std::byte{0x80}}, RowOf(2)), Error);
+}
+
 TEST_F(IndexEditorTest, BranchesThatAreARing_AreDamage) {
   const PageNumber root = index->Definition().root;
   const MutablePage page = bare.pager.Change(root);
