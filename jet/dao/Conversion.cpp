@@ -108,7 +108,7 @@ class Conversion {
     const double number = sql::ToDouble(Number(wanted));
     if (!(std::abs(number) <= static_cast<double>(std::numeric_limits<Float>::max())))
       Raise(wanted + " of a smaller range");
-    return static_cast<Float>(number);
+    return number == 0 ? Float{0} : static_cast<Float>(number);  // zero has one sign, and one index key
   }
 
   Value Exact() const {

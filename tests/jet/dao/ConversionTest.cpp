@@ -106,6 +106,12 @@ TEST(Conversion, TextColumns) {
   ExpectRefused(Bytes(2), ColumnType::Text);
 }
 
+TEST(Conversion, ZeroHasOneSign) {
+  // As the signs have keys of their own, a unique index would take both.
+  EXPECT_FALSE(std::signbit(*Convert(-0.0, ColumnType::Double).As<double>()));
+  EXPECT_FALSE(std::signbit(*Convert(-0.0, ColumnType::Single).As<float>()));
+}
+
 TEST(Conversion, DatesGuidsAndBytes) {
   EXPECT_EQ(Convert("2024-09-05 12:00", ColumnType::DateTime), Value(DateTime{45540.5}));
   EXPECT_EQ(Convert(DateTime{45540}, ColumnType::Memo), Value("2024-09-05"));
