@@ -152,13 +152,13 @@ void PageUse::CheckFreeSpace(PageNumber number) {
 }
 
 void PageUse::Finish() {
-  for (PageNumber page = 1; page < m_owner.size(); ++page) {
+  for (PageNumber page = 0; page < m_owner.size(); ++page) {
     if (m_owner[page] == 0) continue;
     if (!m_inUse[page]) {
       m_findings->Add("page " + std::to_string(page),
                       "is marked free and belongs to " + m_names[m_owner[page] - 1]);
     }
-    CheckFreeSpace(page);
+    if (page != system_page::kHeader) CheckFreeSpace(page);
   }
 }
 

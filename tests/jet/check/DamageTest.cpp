@@ -72,6 +72,12 @@ TEST(CheckerOnDamage, WholePagesMayBeZeroOrStandInEachOthersPlace) {
   }
 }
 
+TEST(CheckerOnDamage, TheHeaderPageMustNotBeFree) {
+  std::vector<std::byte> bytes = ReadWholeFile(FixturePath("league.mdb"));
+  bytes[2 * kPage - 69 + 5] |= std::byte{0x01};
+  EXPECT_EQ(Examine(std::move(bytes)), "page 0: is marked free and belongs to header\n");
+}
+
 /// A change of one byte that must not go unnoticed, each in another structure of league.mdb.
 struct Change {
   const char* what;
