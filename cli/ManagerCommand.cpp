@@ -14,6 +14,7 @@
 #include "cli/Ranking.h"
 #include "cli/Seasons.h"
 #include "cli/Winnings.h"
+#include "cli/WordsCommand.h"
 
 namespace cli {
 namespace {
@@ -170,16 +171,6 @@ void Rank(Context& context, const Words& words) {
   }
 }
 
-void AddForWords(CLI::App& manager, Context& context, const char* name, const char* description,
-                 const char* wordsName, const char* wordsDescription,
-                 void (*action)(Context&, const Words&)) {
-  CLI::App* command = manager.add_subcommand(name, description);
-  auto words = std::make_shared<Words>();
-  command->add_option(wordsName, *words, wordsDescription)->type_name("")->required();
-  command->callback(
-      [&context, words, action] { context.action = [&context, words, action] { action(context, *words); }; });
-}
-
 }  // namespace
 
 void AddManagerCommand(CLI::App& app, Context& context) {
@@ -190,15 +181,14 @@ void AddManagerCommand(CLI::App& app, Context& context) {
   list->add_option("--season", options->year, "in the season of this year")->type_name("YEAR");
   list->add_flag("--all", options->all, "list all managers of the league");
   list->callback([&context, options] { context.action = [&context, options] { List(context, *options); }; });
-  AddForWords(*manager, context, "join", "Let managers take part", "NAME",
-              "a last name, a full name, or an id", Join);
-  AddForWords(*manager, context, "leave", "Take managers out who have neither picks nor winnings", "NAME",
-              "a last name, a full name, or an id", Leave);
-  AddForWords(*manager, context, "fee", "Mark the fee of managers as paid or unpaid", "NAME... paid|unpaid",
-              "names, and whether they have paid", Fee);
-  AddForWords(*manager, context, "rank", "Rank all managers, or put one of them on a place",
-              "NAME... or NAME PLACE", "all names from the first rank to the last; or a name and a place",
-              Rank);
+  AddWordsCommand(*manager, context, "join", "Let managers take part", "NAME",
+                  "last names, full names, or ids", Join);
+  AddWordsCommand(*manager, context, "leave", "Take managers out who have neither picks nor winnings", "NAME",
+                  "last names, full names, or ids", Leave);
+  AddWordsCommand(*manager, context, "fee", "Mark the fee of managers as paid or unpaid", "NAME",
+                  "names, and as the last word 'paid' or 'unpaid'", Fee);
+  AddWordsCommand(*manager, context, "rank", "Rank all managers, or put one of them on a place", "NAME",
+                  "all names from the first rank to the last; or one name and its place", Rank);
 }
 
 }  // namespace cli

@@ -75,9 +75,10 @@ void Print(Context& context, const Json& scope, const std::string& title, const 
   context.output.Line(title);
   PrintAccounts(context, accounts);
   const std::int64_t kept = total.paid - total.won;
-  context.output.Line("The pool is " + std::to_string(pool) + ", the prizes put up " +
-                      std::to_string(accounts.putUp) +
-                      " together. Paid in and not paid out: " + std::to_string(kept) + ".");
+  context.output.Line("Pool " + std::to_string(pool) + ", prizes put up " + std::to_string(accounts.putUp) +
+                      "; paid in " + std::to_string(total.paid) + ", won " + std::to_string(total.won) +
+                      ": " +
+                      (kept < 0 ? std::to_string(-kept) + " short." : std::to_string(kept) + " left."));
   if (accounts.unpricedWinnings > 0) {
     context.output.Line(CountOf(static_cast<std::int64_t>(accounts.unpricedWinnings), "winning") +
                         " of prizes that their season does not put up count as nothing.");

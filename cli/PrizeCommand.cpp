@@ -14,6 +14,7 @@
 #include "cli/PrizeReport.h"
 #include "cli/Seasons.h"
 #include "cli/Winnings.h"
+#include "cli/WordsCommand.h"
 
 namespace cli {
 namespace {
@@ -132,16 +133,6 @@ void Remove(Context& context, const Words& names) {
   PrintSaved(context);
 }
 
-void AddForWords(CLI::App& prize, Context& context, const char* name, const char* description,
-                 const char* wordsName, const char* wordsDescription,
-                 void (*action)(Context&, const Words&)) {
-  CLI::App* command = prize.add_subcommand(name, description);
-  auto words = std::make_shared<Words>();
-  command->add_option(wordsName, *words, wordsDescription)->type_name("")->required();
-  command->callback(
-      [&context, words, action] { context.action = [&context, words, action] { action(context, *words); }; });
-}
-
 }  // namespace
 
 void AddPrizeCommand(CLI::App& app, Context& context) {
@@ -152,11 +143,10 @@ void AddPrizeCommand(CLI::App& app, Context& context) {
   list->add_option("--season", options->year, "of the season of this year")->type_name("YEAR");
   list->add_flag("--all", options->all, "list all prizes of the league");
   list->callback([&context, options] { context.action = [&context, options] { List(context, *options); }; });
-  AddForWords(*prize, context, "set", "Put prizes up, or change what they pay",
-              "PRIZE AMOUNT or PRIZE=AMOUNT",
-              "a prize by name or id, and what it pays; with '=', several at once", Set);
-  AddForWords(*prize, context, "remove", "Take prizes out that nobody has won", "PRIZE", "a name or an id",
-              Remove);
+  AddWordsCommand(*prize, context, "set", "Put prizes up, or change what they pay", "PRIZE",
+                  "a name or an id, and the amount; or PRIZE=AMOUNT, as often as wanted", Set);
+  AddWordsCommand(*prize, context, "remove", "Take prizes out that nobody has won", "PRIZE", "names or ids",
+                  Remove);
 }
 
 }  // namespace cli
