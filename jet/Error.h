@@ -20,6 +20,7 @@ enum class ErrorNumber : int {
   PathNotFound = 3044,      ///< the folder does not exist
   FileInUse = 3045,         ///< someone else has the file open and does not share it
   RecordTooLarge = 3047,    ///< a row, or an index key, too long for a page
+  LogDoesNotBelong = 3428,  ///< the log beside a database holds changes of another state of it
   DamagedFile = 3049,       ///< a structure of the file contradicts the format
   PermissionDenied = 3051,  ///< the system does not let us read or write the file
   InvalidFileName = 3055,   ///< a name that no file can have

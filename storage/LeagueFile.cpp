@@ -181,6 +181,7 @@ class FileUnderConstruction {
 
   void PutInPlace(const std::string& path) {
     std::error_code error;
+    std::filesystem::remove(ToSystemPath(jet::LogNameFor(path)), error);  // of the file that goes
     std::filesystem::rename(ToSystemPath(m_path), ToSystemPath(path), error);
     if (error) {
       throw jet::Error(jet::ErrorNumber::PermissionDenied,
@@ -219,8 +220,9 @@ void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options)
     RefuseFileInUse(path);
   }
   FileUnderConstruction file(path + ".being-made");
-  const auto database =
-      HLServiceUtils::Engine().CreateDatabase(file.Path(), {.password = HLServiceUtils::kDatabasePassword});
+  const auto database = HLServiceUtils::Engine().CreateDatabase(
+      file.Path(),
+      {.password = HLServiceUtils::kDatabasePassword, .durability = jet::Durability::Off});
   MakeSchema(*database);
   AddSettingsRow(*database);
   if (options.fill) options.fill(*database);

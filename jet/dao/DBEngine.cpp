@@ -7,6 +7,7 @@
 #include "jet/Error.h"
 #include "jet/dao/DatabaseCore.h"
 #include "jet/file/File.h"
+#include "jet/file/RedoLog.h"
 #include "jet/sql/Literals.h"
 #include "jet/table/EmptyDatabase.h"
 
@@ -36,6 +37,10 @@ std::uint32_t RandomKey() {
 
 }  // namespace
 
+std::string LogNameFor(const std::string& databaseName) {
+  return RedoLog::NameFor(databaseName);
+}
+
 DBEngine::DBEngine(EngineOptions options) : m_options(std::move(options)) {
   if (m_options.files == nullptr) m_options.files = SystemFiles();
 }
@@ -44,7 +49,10 @@ std::shared_ptr<Database> DBEngine::OpenDatabase(const std::string& name, bool e
                                                  const std::string& connect) {
   if (m_options.observer != nullptr) m_options.observer->OnCall("DBEngine.OpenDatabase", name);
   auto file = m_options.files->Open(name, {.exclusive = exclusive, .readOnly = readOnly, .create = false});
-  auto store = Store::Open(std::move(file), name, PasswordIn(connect), m_options.cacheBytes);
+  auto log = std::make_unique<RedoLog>(m_options.files, name, m_options.durability);
+  log->Recover(*file, readOnly);
+  auto pages = std::make_unique<PageStore>(std::move(file), name, std::move(log));
+  auto store = Store::Open(std::move(pages), PasswordIn(connect), m_options.cacheBytes);
   return std::make_shared<Database>(
       std::make_shared<DatabaseCore>(name, std::move(store), readOnly, m_options.observer));
 }
@@ -52,12 +60,17 @@ std::shared_ptr<Database> DBEngine::OpenDatabase(const std::string& name, bool e
 std::shared_ptr<Database> DBEngine::CreateDatabase(const std::string& name, const CreateOptions& options) {
   if (m_options.observer != nullptr) m_options.observer->OnCall("DBEngine.CreateDatabase", name);
   auto file = m_options.files->Open(name, {.exclusive = true, .readOnly = false, .create = true});
+  auto log =
+      std::make_unique<RedoLog>(m_options.files, name, options.durability.value_or(m_options.durability));
   std::unique_ptr<Store> store;
   try {
+    log->Remove();  // of a database of that name that is gone
     const NewDatabase properties{.password = options.password,
                                  .databaseKey = options.encode ? RandomKey() : 0};
     store = CreateEmptyDatabase(std::move(file), name, properties, m_options.cacheBytes);
+    store->Pages().UseLog(std::move(log));
   } catch (...) {
+    store.reset();
     file.reset();
     try {
       m_options.files->Remove(name);

@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "jet/Durability.h"
 #include "jet/dao/Database.h"
 
 namespace jet {
@@ -25,12 +27,19 @@ struct EngineOptions {
   std::size_t cacheBytes = std::size_t{64} << 20;  ///< most bytes of unchanged pages kept per open database
   std::shared_ptr<FileSystem> files;               ///< none: the file system of the machine
   std::shared_ptr<CallObserver> observer;          ///< none: nobody is told
+  Durability durability = Durability::Full;        ///< what changes survive
 };
+
+/// The file beside a database in which changes wait until the database is closed. One that is there while
+/// nobody has the database open was left by a crash; opening the database replays it.
+std::string LogNameFor(const std::string& databaseName);
 
 /// Properties of a database made from nothing.
 struct CreateOptions {
   std::string password;  ///< up to 20 UTF-16 units; empty: none
   bool encode = false;   ///< code the pages (RC4) with a key of the file's own
+  /// What changes survive as long as it is open; none: what the engine says.
+  std::optional<Durability> durability{};
 };
 
 /// The engine: opens and creates database files. Cheap; keep one per thread. Databases outlive it safely.
@@ -41,7 +50,7 @@ class DBEngine {
   /// Opens a database file. `exclusive`: while it is open, no other process and no other connection can open
   /// it. `connect` is a list of items separated by `;`; `pwd=` (any case) carries the password. A file
   /// without a password opens with any. Raises FileNotFound, InvalidFileName, PathNotFound, NotADatabase,
-  /// PasswordRejected, FileInUse, FileHeldExclusively, PermissionDenied, DamagedFile.
+  /// PasswordRejected, FileInUse, FileHeldExclusively, PermissionDenied, DamagedFile, LogDoesNotBelong.
   ///
   /// A shared open that is not read-only holds the file as an exclusive one does, but only against other
   /// writers.

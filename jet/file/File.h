@@ -44,7 +44,7 @@ class FileSystem {
   /// FileHeldExclusively or FileInUse (see OpenMode::exclusive), ObjectExists.
   virtual std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) = 0;
   virtual bool Exists(const std::string& name) = 0;
-  /// Removes a file; one that is not there is no error.
+  /// Removes a file, durably; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;
   /// Renames a file over whatever has the new name, atomically, and makes the renaming durable.
   virtual void Replace(const std::string& from, const std::string& to) = 0;

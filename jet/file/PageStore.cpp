@@ -1,15 +1,40 @@
 #include "jet/file/PageStore.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "jet/Error.h"
+#include "jet/file/RedoLog.h"
 #include "jet/format/Bytes.h"
 #include "jet/format/Rc4.h"
 
 namespace jet {
 
+PageStore::PageStore(std::unique_ptr<File> file, std::string name, std::unique_ptr<RedoLog> log)
+    : m_file(std::move(file)), m_name(std::move(name)), m_log(std::move(log)) {}
+
 PageStore::PageStore(std::unique_ptr<File> file, std::string name)
-    : m_file(std::move(file)), m_name(std::move(name)) {
+    : PageStore(std::move(file), std::move(name), nullptr) {}
+
+PageStore::~PageStore() = default;
+
+std::vector<std::byte> PageStore::ReadHeader() {
+  if (m_log != nullptr && m_log->Has(0)) {
+    PageBytes page;
+    m_log->Read(0, page);
+    return {page.begin(), page.end()};
+  }
+  std::vector<std::byte> header(static_cast<std::size_t>(std::min<std::uint64_t>(m_file->Size(), kPageSize)));
+  m_file->Read(0, header);
+  return header;
+}
+
+void PageStore::Start(std::uint32_t databaseKey) {
+  m_key = databaseKey;
+  if (m_log != nullptr && !m_log->IsEmpty()) {
+    m_pageCount = m_log->PageCount();
+    return;
+  }
   const std::uint64_t size = m_file->Size();
   if (size % kPageSize != 0) {
     throw Error(ErrorNumber::DamagedFile, "The file '" + m_name + "' is damaged: it ends inside a page.");
@@ -20,8 +45,13 @@ PageStore::PageStore(std::unique_ptr<File> file, std::string name)
   m_pageCount = static_cast<PageNumber>(size / kPageSize);
 }
 
+void PageStore::UseLog(std::unique_ptr<RedoLog> log) {
+  Close();
+  m_log = std::move(log);
+}
+
 void PageStore::Code(PageNumber number, PageBytes& bytes) const {
-  if (m_key == 0 || number == 0) return;
+  if (!IsCoded(number)) return;
   std::array<std::byte, 4> key{};
   format::StoreU32(key.data(), m_key ^ number);
   format::ApplyRc4(key, bytes);
@@ -33,12 +63,16 @@ void PageStore::Read(PageNumber number, PageBytes& into) {
                                               std::to_string(number) +
                                               " is referred to but lies past its end.");
   }
-  m_file->Read(std::uint64_t{number} * kPageSize, into);
+  if (m_log != nullptr && m_log->Has(number)) {
+    m_log->Read(number, into);
+  } else {
+    m_file->Read(std::uint64_t{number} * kPageSize, into);
+  }
   Code(number, into);
 }
 
 void PageStore::Write(PageNumber number, const PageBytes& bytes) {
-  if (m_key == 0 || number == 0) {
+  if (!IsCoded(number)) {
     m_file->Write(std::uint64_t{number} * kPageSize, bytes);
     return;
   }
@@ -48,6 +82,41 @@ void PageStore::Write(PageNumber number, const PageBytes& bytes) {
 }
 
 void PageStore::Apply(std::span<const ChangedPage> changes, PageNumber pageCount) {
+  if (m_log != nullptr && m_log->IsUsed()) {
+    if (!changes.empty()) ApplyLogged(changes, pageCount);
+  } else {
+    ApplyAtOnce(changes);
+  }
+  m_pageCount = pageCount;
+}
+
+void PageStore::ApplyLogged(std::span<const ChangedPage> changes, PageNumber pageCount) {
+  if (m_key == 0) {
+    m_log->Append(changes, m_pageCount, pageCount);
+  } else {
+    std::vector<PageBytes> coded;
+    coded.reserve(2 * changes.size());  // stays where it is
+    const auto code = [&](PageNumber number, const PageBytes* page) -> const PageBytes* {
+      if (page == nullptr || !IsCoded(number)) return page;
+      Code(number, coded.emplace_back(*page));
+      return &coded.back();
+    };
+    std::vector<ChangedPage> stored;
+    stored.reserve(changes.size());
+    for (const ChangedPage& change : changes)
+      stored.push_back(
+          {change.number, code(change.number, change.before), code(change.number, change.after)});
+    m_log->Append(stored, m_pageCount, pageCount);
+  }
+  if (!m_log->IsLong()) return;
+  try {
+    m_log->Checkpoint(*m_file);
+  } catch (const Error&) {
+    // The unit is in the log all the same. The next one tries again, and closing tells.
+  }
+}
+
+void PageStore::ApplyAtOnce(std::span<const ChangedPage> changes) {
   if (m_broken) {
     throw Error(ErrorNumber::DamagedFile,
                 "The file '" + m_name +
@@ -62,7 +131,6 @@ void PageStore::Apply(std::span<const ChangedPage> changes, PageNumber pageCount
     PutBack(changes.first(attempted + 1));
     throw;
   }
-  m_pageCount = pageCount;
   m_unsynced = m_unsynced || !changes.empty();
 }
 
@@ -78,10 +146,10 @@ void PageStore::PutBack(std::span<const ChangedPage> attempted) noexcept {
   }
 }
 
-void PageStore::Sync() {
-  if (!m_unsynced) return;
-  m_file->Sync();
+void PageStore::Close() {
+  if (m_unsynced) m_file->Sync();
   m_unsynced = false;
+  if (m_log != nullptr) m_log->Close(*m_file);
 }
 
 }  // namespace jet

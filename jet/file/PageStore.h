@@ -1,45 +1,38 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "jet/file/File.h"
-#include "jet/format/PageLayout.h"
+#include "jet/file/Pages.h"
 
 namespace jet {
 
-/// Number of a page of the file; page 0 is the database header.
-using PageNumber = std::uint32_t;
-
-using format::kPageSize;
-/// A database file never passes 2 GiB.
-inline constexpr PageNumber kMaxPages = (std::uint32_t{1} << 31) / kPageSize;
-
-using PageBytes = std::array<std::byte, kPageSize>;
-
-/// One page of a unit of changes, as it was before the unit and as it is after it.
-struct ChangedPage {
-  PageNumber number = 0;
-  const PageBytes* before = nullptr;  ///< none: the page is new at the end of the file
-  const PageBytes* after = nullptr;
-};
+class RedoLog;
 
 /// Reads whole pages of a database file and applies units of changed pages to it.
 ///
 /// Owns the file. Every page but the header is coded with the database key, when there is one; callers see
-/// plain pages only. This is the one place through which changes reach the file, so that whatever makes a
-/// unit safe against a crash belongs here and nowhere else.
+/// plain pages only. This is the one place through which changes reach the file. With a redo log they go
+/// there, and into the file at checkpoints; without one, or with one that is off, into the file at once.
 class PageStore {
  public:
-  /// `name` is used in messages. Raises DamagedFile when the file ends inside a page.
+  /// `name` is used in messages. Start comes next.
   PageStore(std::unique_ptr<File> file, std::string name);
+  PageStore(std::unique_ptr<File> file, std::string name, std::unique_ptr<RedoLog> log);
+  ~PageStore();
 
-  /// Sets the key with which pages other than page 0 are coded; 0: they are plain.
-  void SetKey(std::uint32_t databaseKey) { m_key = databaseKey; }
+  /// The header page, as far as the file has one.
+  std::vector<std::byte> ReadHeader();
+  /// Takes the key with which pages other than page 0 are coded; 0: they are plain. Raises DamagedFile when
+  /// the file ends inside a page, FileTooLarge.
+  void Start(std::uint32_t databaseKey);
+  /// From here on changes go into the log; those made until then are durable.
+  void UseLog(std::unique_ptr<RedoLog> log);
 
   PageNumber PageCount() const { return m_pageCount; }
   const std::string& Name() const { return m_name; }
@@ -47,21 +40,24 @@ class PageStore {
   /// Raises DamagedFile for a page past the end, ReadFailed.
   void Read(PageNumber number, PageBytes& into);
 
-  /// Writes all pages of a unit; the file then has `pageCount` pages. When a write fails, what was written is
-  /// put back and the error passed on. Should even that fail, the file is left as it is and every later Apply
-  /// is refused.
+  /// Applies all pages of a unit; the file then has `pageCount` pages. When it fails, the file is as it was
+  /// and the error passed on. Should that be impossible, every later Apply is refused.
   void Apply(std::span<const ChangedPage> changes, PageNumber pageCount);
 
-  /// When it returns, everything applied survives a power cut.
-  void Sync();
+  /// Writes everything into the file, durably. What is in the log stays there when it fails.
+  void Close();
 
  private:
+  void ApplyLogged(std::span<const ChangedPage> changes, PageNumber pageCount);
+  void ApplyAtOnce(std::span<const ChangedPage> changes);
   void Write(PageNumber number, const PageBytes& bytes);
   void PutBack(std::span<const ChangedPage> attempted) noexcept;
+  bool IsCoded(PageNumber number) const { return m_key != 0 && number != 0; }
   void Code(PageNumber number, PageBytes& bytes) const;
 
   std::unique_ptr<File> m_file;
   std::string m_name;
+  std::unique_ptr<RedoLog> m_log;
   std::uint32_t m_key = 0;
   PageNumber m_pageCount = 0;
   bool m_broken = false;

@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "jet/Error.h"
+#include "jet/file/RedoLog.h"
 
 namespace jet {
 
@@ -21,6 +22,10 @@ Pager::Pager(std::unique_ptr<PageStore> store, std::size_t cacheBytes)
       m_pageCount(m_store->PageCount()) {}
 
 Pager::~Pager() = default;
+
+void Pager::UseLog(std::unique_ptr<RedoLog> log) {
+  m_store->UseLog(std::move(log));
+}
 
 PageHandle Pager::Load(PageNumber number) {
   if (m_cached >= m_evictAt) MakeRoom();

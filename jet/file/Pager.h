@@ -107,8 +107,9 @@ class Pager {
     return found != m_freed.end() && found->second > moment;
   }
 
-  /// Makes everything committed survive a power cut.
-  void Sync() { m_store->Sync(); }
+  /// See PageStore::UseLog and PageStore::Close. Not inside a change unit.
+  void UseLog(std::unique_ptr<RedoLog> log);
+  void Close() { m_store->Close(); }
 
   /// Frames in memory, for tests of the bound.
   std::size_t CachedPages() const { return m_cached; }

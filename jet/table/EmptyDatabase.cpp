@@ -102,7 +102,7 @@ std::unique_ptr<Store> CreateEmptyDatabase(std::unique_ptr<File> file, const std
   header.password = database.password;
   header.databaseKey = database.databaseKey;
   auto pages = std::make_unique<PageStore>(std::move(file), name);
-  pages->SetKey(header.databaseKey);
+  pages->Start(header.databaseKey);
   auto pager = std::make_unique<Pager>(std::move(pages), cacheBytes);
   LayOutPages(*pager, header);
 

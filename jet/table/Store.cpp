@@ -59,16 +59,14 @@ Bytes ReadDefinitionStream(Pager& pager, PageNumber first, std::vector<std::uint
 Store::Store(std::unique_ptr<Pager> pager, format::DatabaseHeader header)
     : m_pager(std::move(pager)), m_header(std::move(header)), m_allocator(*m_pager) {}
 
-std::unique_ptr<Store> Store::Open(std::unique_ptr<File> file, const std::string& name,
-                                   std::string_view password, std::size_t cacheBytes) {
-  Bytes first(static_cast<std::size_t>(std::min<std::uint64_t>(file->Size(), kPageSize)));
-  file->Read(0, first);
-  format::DatabaseHeader header = format::DecodeDatabaseHeader(first, name);
+std::unique_ptr<Store> Store::Open(std::unique_ptr<PageStore> pages, std::string_view password,
+                                   std::size_t cacheBytes) {
+  const std::string& name = pages->Name();
+  format::DatabaseHeader header = format::DecodeDatabaseHeader(pages->ReadHeader(), name);
   if (!header.password.empty() && header.password != password) {
     throw Error(ErrorNumber::PasswordRejected, "The password is not that of the database '" + name + "'.");
   }
-  auto pages = std::make_unique<PageStore>(std::move(file), name);
-  pages->SetKey(header.databaseKey);
+  pages->Start(header.databaseKey);
   auto pager = std::make_unique<Pager>(std::move(pages), cacheBytes);
   return Adopt(std::move(pager), std::move(header));
 }
@@ -83,14 +81,14 @@ std::unique_ptr<Store> Store::Adopt(std::unique_ptr<Pager> pager, format::Databa
 Store::~Store() {
   if (m_pager == nullptr) return;
   try {
-    m_pager->Sync();
+    m_pager->Close();
   } catch (const Error&) {
     // Who wants to know calls Close.
   }
 }
 
 void Store::Close() {
-  m_pager->Sync();
+  m_pager->Close();
 }
 
 void Store::ReadCatalog() {

@@ -27,14 +27,14 @@ struct CatalogEntry {
 
 /// One open database file below the statements: its pages, its catalog and its tables.
 ///
-/// Owns everything; tables stay where they are until it goes. Closing syncs the file; a Store that goes
+/// Owns everything; tables stay where they are until it goes. Closing makes the file whole; a Store that goes
 /// without Close does so too, but keeps silent when that fails.
 class Store {
  public:
-  /// Takes over an open file and reads its header and catalog. `name` is used in messages. Raises
-  /// NotADatabase, PasswordRejected, DamagedFile.
-  static std::unique_ptr<Store> Open(std::unique_ptr<File> file, const std::string& name,
-                                     std::string_view password, std::size_t cacheBytes);
+  /// Takes over an open file, not started yet, and reads its header and catalog. Raises NotADatabase,
+  /// PasswordRejected, DamagedFile.
+  static std::unique_ptr<Store> Open(std::unique_ptr<PageStore> pages, std::string_view password,
+                                     std::size_t cacheBytes);
   /// Takes over a file whose header and system tables have been laid out by way of `pager`. Raises
   /// DamagedFile.
   static std::unique_ptr<Store> Adopt(std::unique_ptr<Pager> pager, format::DatabaseHeader header);
@@ -59,7 +59,7 @@ class Store {
 
   /// Reads header, catalog and definitions anew, after a change of the schema or the undoing of one.
   void Reload();
-  /// Makes everything written survive a power cut. The Store must not be used afterwards.
+  /// Makes everything written survive a power cut, in the file itself. The Store must not be used afterwards.
   void Close();
 
  private:

@@ -181,7 +181,8 @@ class PosixFileSystem final : public FileSystem {
 
   void Remove(const std::string& name) override {
     file_names::Check(name);
-    if (::unlink(ToSystemName(name).c_str()) == 0 || errno == ENOENT || errno == ENOTDIR) return;
+    if (::unlink(ToSystemName(name).c_str()) == 0) return SyncFolder(ToSystemName(name));
+    if (errno == ENOENT || errno == ENOTDIR) return;
     if (errno == EISDIR)
       throw Error(ErrorNumber::PermissionDenied, "'" + name + "' is a folder, not a file.");
     RaiseFor(errno, name, "remove");

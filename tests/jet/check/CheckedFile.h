@@ -18,7 +18,8 @@ inline CheckReport CheckBytes(std::vector<std::byte> bytes, const std::string& p
   files.Put("checked.mdb", std::move(bytes));
   constexpr std::size_t kCacheBytes = std::size_t{1} << 20;
   const auto store =
-      Store::Open(files.Open("checked.mdb", {true, true, false}), "checked.mdb", password, kCacheBytes);
+      Store::Open(std::make_unique<PageStore>(files.Open("checked.mdb", {true, true, false}), "checked.mdb"),
+                  password, kCacheBytes);
   return CheckDatabase(*store);
 }
 

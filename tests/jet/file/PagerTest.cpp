@@ -23,7 +23,7 @@ class PagerTest : public ::testing::Test {
 
   std::unique_ptr<Pager> Open(std::uint32_t key = 0) {
     auto store = std::make_unique<PageStore>(files->Open("f", {}), "f");
-    store->SetKey(key);
+    store->Start(key);
     return std::make_unique<Pager>(std::move(store), kSmallCache);
   }
   static void Fill(Pager& pager, PageNumber page, int value) {

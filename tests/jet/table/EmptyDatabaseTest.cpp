@@ -111,8 +111,9 @@ TEST(EmptyDatabase, WithPasswordAndCodedPages_OpensWithThePasswordAlone) {
   CreateEmptyDatabase(files.Open(kName, {true, false, true}), kName, {"gehéim", 0xC0FFEE11}, kCache)->Close();
   EXPECT_EQ(IndependentCheck(files.Get(kName), true, "gehéim"), "");
   EXPECT_NE(files.Get(kName)[kPageSize], std::byte{1});
-  EXPECT_EQ(ErrorOf([&] { Store::Open(files.Open(kName, {}), kName, "geheim", kCache); }), 3031);
-  EXPECT_EQ(Store::Open(files.Open(kName, {}), kName, "gehéim", kCache)->Catalog().size(), 4U);
+  const auto pages = [&] { return std::make_unique<PageStore>(files.Open(kName, {}), kName); };
+  EXPECT_EQ(ErrorOf([&] { Store::Open(pages(), "geheim", kCache); }), 3031);
+  EXPECT_EQ(Store::Open(pages(), "gehéim", kCache)->Catalog().size(), 4U);
   EXPECT_EQ(ErrorOf([&] {
               CreateEmptyDatabase(files.Open("other.mdb", {true, false, true}), "other.mdb",
                                   {std::string(21, 'x'), 0}, kCache);

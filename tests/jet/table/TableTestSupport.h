@@ -26,7 +26,7 @@ class TestDatabase {
   TestDatabase() : store(CreateEmptyDatabase(files.Open(kName, {true, false, true}), kName, {}, kCache)) {}
   explicit TestDatabase(const std::vector<std::byte>& bytes, std::string_view password = {}) {
     files.Put(kName, bytes);
-    store = Store::Open(files.Open(kName, {}), kName, password, kCache);
+    store = Store::Open(std::make_unique<PageStore>(files.Open(kName, {}), kName), password, kCache);
   }
 
   const std::vector<std::byte>& Bytes() const { return files.Get(kName); }

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "jet/Durability.h"
+#include "jet/file/File.h"
+#include "jet/file/Pages.h"
+
+namespace jet {
+
+/// The redo log of one open database file: a file beside it, named as it with "-log" behind.
+///
+/// Units of changed pages are appended to the log and leave the database file alone until a checkpoint, which
+/// writes the newest state of each page into it. The file therefore changes only while every change is also
+/// in the log: after a crash the log is replayed, as far as its units are whole, and until then other
+/// programs see the file as the last checkpoint left it. Between checkpoints pages are read from the log if
+/// they are in it.
+///
+/// Layout, in the machine's byte order, since a log is replayed where it was written:
+///     header   512 bytes: mark, version, page size, pages of the database file, salt, checksum
+///     unit     mark, sequence, pages in the unit, pages of the file after it; then for each page its number,
+///              whether the database file has it, and a checksum of each of its sectors there; then the pages
+///              as they become; then a checksum of all of it, which begins with that of the unit before
+/// After a checkpoint of a log that stays in use, a new salt makes what is left in it void.
+///
+/// Pages are here as they are in the file, coded if its pages are. The caller holds the lock of the database
+/// file; the log has one of its own, so that no two hold it.
+class RedoLog {
+ public:
+  static constexpr std::uint64_t kLongLog = std::uint64_t{4} << 20;
+
+  /// Touches nothing yet. `longLog`: bytes past which a checkpoint is due.
+  RedoLog(std::shared_ptr<FileSystem> files, const std::string& databaseName, Durability durability,
+          std::uint64_t longLog = kLongLog);
+  /// Leaves the log to be replayed when a checkpoint is due.
+  ~RedoLog();
+  RedoLog(const RedoLog&) = delete;
+  RedoLog& operator=(const RedoLog&) = delete;
+
+  static std::string NameFor(const std::string& databaseName) { return databaseName + "-log"; }
+
+  /// Replays a log that was left beside the database file, and removes it; one that is read only is left
+  /// where it is, and its pages are read from it. Without a log it does nothing, and also when the file is
+  /// read only and somebody else has the log open: that one's changes are not ours to see yet.
+  ///
+  /// Raises LogDoesNotBelong, and touches neither file, when a page of the database file is neither as the
+  /// log found it nor as the log leaves it.
+  void Recover(File& database, bool readOnly);
+
+  /// Whether changes go into the log.
+  bool IsUsed() const { return m_durability != Durability::Off; }
+  bool Has(PageNumber number) const { return m_pages.contains(number); }
+  /// Pages of the database once the log is replayed; meaningful while it has pages.
+  PageNumber PageCount() const { return m_pageCount; }
+  bool IsEmpty() const { return m_pages.empty(); }
+  /// A page that the log has.
+  void Read(PageNumber number, PageBytes& into);
+
+  /// Appends a unit; `oldPageCount` are the pages of the database before it, `pageCount` those after it. When
+  /// it returns, the unit is as durable as wished. When it fails, the unit is not there. Should it be unknown
+  /// whether it is, every later Append is refused.
+  void Append(std::span<const ChangedPage> changes, PageNumber oldPageCount, PageNumber pageCount);
+  /// Whether the log is so long that a checkpoint is due.
+  bool IsLong() const { return m_end > m_longLog; }
+
+  /// Writes the pages of the log into the database file and empties the log, which stays in use. When it
+  /// fails the log has them still.
+  void Checkpoint(File& database);
+  /// The same for the last time: the log is removed. One that was not used, or that is read only, does
+  /// nothing.
+  void Close(File& database);
+  /// Removes a log without looking into it, as for a database file that is made anew.
+  void Remove();
+
+ private:
+  static constexpr std::size_t kSectorSize = 512;
+  static constexpr std::size_t kSectors = kPageSize / kSectorSize;
+  using SectorSums = std::array<std::uint32_t, kSectors>;
+
+  struct Header;
+  struct UnitHead;
+  struct PageHead;
+  struct LoggedPage {
+    std::uint64_t offset = 0;  ///< of its newest state in the log
+    bool isNew = false;        ///< the database file did not have it at the last checkpoint
+    SectorSums before{};       ///< of its state at the last checkpoint
+  };
+
+  static SectorSums SumsOf(const PageBytes& page);
+
+  void Create(PageNumber pageCount);
+  void WriteHeader(PageNumber pageCount);
+  bool ReadHeader();
+  void ReadUnits();
+  bool ReadUnit(std::uint64_t size);
+  void CheckBelongs(File& database);
+  bool Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored);
+  void AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount);
+  void Void();
+  void WritePages(File& database);
+  /// Refuses further changes when `work` fails: it is unknown then what the log holds.
+  template <typename Work>
+  void UnlessItFails(Work&& work);
+  [[noreturn]] void RaiseDoesNotBelong() const;
+
+  std::shared_ptr<FileSystem> m_files;
+  std::string m_databaseName;
+  std::string m_name;
+  Durability m_durability;
+  std::uint64_t m_longLog;
+  std::unique_ptr<File> m_file;  // none: no log
+  std::uint64_t m_end = 0;       // where the next unit goes
+  std::uint64_t m_sum = 0;       // of the last unit, or of the header
+  std::uint32_t m_sequence = 0;
+  PageNumber m_basePageCount = 0;
+  PageNumber m_pageCount = 0;
+  std::unordered_map<PageNumber, LoggedPage> m_pages;
+  std::vector<std::byte> m_buffer;
+  std::vector<LoggedPage> m_appended;  // the pages of the unit that is being appended
+  bool m_isReadOnly = false;
+  bool m_isSynced = false;
+  bool m_isBroken = false;
+};
+
+}  // namespace jet
