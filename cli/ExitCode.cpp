@@ -14,6 +14,7 @@ ExitCode ExitCodeOf(jet::ErrorNumber number) {
       return ExitCode::CannotOpen;
     case ErrorNumber::NotADatabase:
     case ErrorNumber::DamagedFile:
+    case ErrorNumber::LogDoesNotBelong:
       return ExitCode::Damaged;
     case ErrorNumber::PermissionDenied:
     case ErrorNumber::DiskFull:
