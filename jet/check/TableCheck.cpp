@@ -90,6 +90,9 @@ void TableCheck::CheckColumns() {
     if (!IsKnownType(column.type)) {
       m_findings->Add(where, "is of the unknown type " + std::to_string(static_cast<int>(column.type)));
     }
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
+    if (std::any_of(column.name.begin(), column.name.end(), isControl))
+      m_findings->Add(where, "has a name with control characters");
     if ((column.flags & column_flag::kAlways) == 0)
       m_findings->Add(where, "lacks a flag that every column has");
     const bool isTextSize = column.size % 2 == 0 && column.size > 0 && column.size <= 510;

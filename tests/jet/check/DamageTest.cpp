@@ -78,6 +78,13 @@ TEST(CheckerOnDamage, TheHeaderPageMustNotBeFree) {
   EXPECT_EQ(Examine(std::move(bytes)), "page 0: is marked free and belongs to header\n");
 }
 
+TEST(CheckerOnDamage, ColumnsHaveNamesThatCanBeWritten) {
+  std::vector<std::byte> bytes = ReadWholeFile(FixturePath("league.mdb"));
+  constexpr std::size_t kNameOfRanking = 48 * kPage + 0x111;  // at its last letter
+  bytes[kNameOfRanking] = std::byte{0x01};
+  EXPECT_NE(Examine(std::move(bytes)).find("has a name with control characters"), std::string::npos);
+}
+
 /// A change of one byte that must not go unnoticed, each in another structure of league.mdb.
 struct Change {
   const char* what;
