@@ -4,6 +4,26 @@
 #include <utility>
 
 namespace HLDataSrvc::test {
+namespace {
+
+using Files = jet::test::MemoryFileSystem;
+
+constexpr char kCopy[] = "copy.mdb";
+constexpr char kLog[] = "-log";
+
+std::shared_ptr<Files> CopyOf(const std::array<std::vector<std::byte>, 2>& fileAndLog) {
+  const auto files = std::make_shared<Files>();
+  files->Put(kCopy, fileAndLog[0]);
+  if (!fileAndLog[1].empty()) files->Put(std::string(kCopy) + kLog, fileAndLog[1]);
+  return files;
+}
+
+std::shared_ptr<jet::Database> OpenCopy(const std::shared_ptr<Files>& files) {
+  return jet::DBEngine({.files = files, .observer = {}})
+      .OpenDatabase(kCopy, true, false, HLServiceUtils::GetConnectString());
+}
+
+}  // namespace
 
 LeagueTest::LeagueTest() {
   HLServiceUtils::ReplaceEngine({.files = m_files, .observer = m_engine});
@@ -23,26 +43,28 @@ void LeagueTest::Restart() {
   m_engine->calls.clear();
 }
 
+LeagueTest::FileBytes LeagueTest::Files() const {
+  FileBytes files{m_files->Get(Path()), {}};
+  if (m_files->Exists(Path() + kLog)) files[1] = m_files->Get(Path() + kLog);
+  return files;
+}
+
 std::vector<std::byte> LeagueTest::Bytes() const {
-  const auto files = std::make_shared<jet::test::MemoryFileSystem>();
-  files->Put("copy.mdb", m_files->Get(Path()));
-  const std::string log = "-log";  // beside the file, holds changes until it is closed
-  if (m_files->Exists(Path() + log)) files->Put("copy.mdb" + log, m_files->Get(Path() + log));
-  jet::DBEngine({.files = files, .observer = {}})
-      .OpenDatabase("copy.mdb", true, false, HLServiceUtils::GetConnectString())
-      ->Close();
-  return files->Get("copy.mdb");
+  const auto copy = CopyOf(Files());
+  OpenCopy(copy)->Close();
+  return copy->Get(kCopy);
 }
 
-Tables LeagueTest::RowsIn(const std::vector<std::byte>& bytes) {
-  const auto files = std::make_shared<jet::test::MemoryFileSystem>();
-  files->Put("copy.mdb", bytes);
-  return RowsOf(*jet::DBEngine({.files = files, .observer = {}})
-                     .OpenDatabase("copy.mdb", true, true, HLServiceUtils::GetConnectString()));
+const Tables& LeagueTest::Stored() {
+  if (FileBytes files = Files(); m_stored.empty() || files != m_readFrom) {
+    m_stored = RowsOf(*OpenCopy(CopyOf(files)));
+    m_readFrom = std::move(files);
+  }
+  return m_stored;
 }
 
-void LeagueTest::ExpectStored(const Tables& before, std::int32_t seasonID, const Tables& written) const {
-  const Tables after = Stored();
+void LeagueTest::ExpectStored(const Tables& before, std::int32_t seasonID, const Tables& written) {
+  const Tables& after = Stored();
   Tables expected = before;
   for (const auto& [table, rows] : written) {
     Lines& lines = expected[table];

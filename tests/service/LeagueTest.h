@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,11 +33,10 @@ class LeagueTest : public ServiceTest {
   /// The file as it would be if it were closed now.
   std::vector<std::byte> Bytes() const;
   /// All rows as they stand in the file.
-  Tables Stored() const { return RowsIn(Bytes()); }
-  static Tables RowsIn(const std::vector<std::byte>& bytes);
+  const Tables& Stored();
   /// Checks that the rows of a season in these tables are stored, that every other row is that of `before`,
   /// and that mdb-export, if it is there, reads the same.
-  void ExpectStored(const Tables& before, std::int32_t seasonID, const Tables& written) const;
+  void ExpectStored(const Tables& before, std::int32_t seasonID, const Tables& written);
 
   /// The current season, in the class of this component.
   std::shared_ptr<SeasonInfo> Season() {
@@ -64,6 +65,14 @@ class LeagueTest : public ServiceTest {
   std::string Path() const { return PathOf("Halcyra - Live.mdb"); }
   const std::shared_ptr<jet::test::MemoryFileSystem> m_files =
       std::make_shared<jet::test::MemoryFileSystem>();
+
+ private:
+  using FileBytes = std::array<std::vector<std::byte>, 2>;
+  /// The file and, while it is open, the log beside it in which changes wait until it is closed.
+  FileBytes Files() const;
+
+  FileBytes m_readFrom;  // what m_stored was
+  Tables m_stored;
 };
 
 /// "Sentence" and description as a message box joins them.

@@ -155,8 +155,8 @@ TEST_F(SeasonLoadingTest, WithoutACurrentSeasonThatOfThisYearIsMade) {
   EXPECT_EQ(m_service->CurrentSeasonID(), 1);
   EXPECT_EQ(m_service->CurrentSeasonYear(), 2024);
   EXPECT_EQ(m_service->GetCurrentSeasonInfo(), season);
-  EXPECT_EQ(Stored()["season info"], (Lines{"1|2024|0|0|0|0|0|0|0|0|0"}));
-  EXPECT_EQ(Stored()["settings"], (Lines{"1|1"}));
+  EXPECT_EQ(Stored().at("season info"), (Lines{"1|2024|0|0|0|0|0|0|0|0|0"}));
+  EXPECT_EQ(Stored().at("settings"), (Lines{"1|1"}));
 }
 
 TEST_F(SeasonLoadingTest, TheYearFindsLoadsOrMakesASeasonAndKeepsItInTheSettings) {
@@ -164,7 +164,7 @@ TEST_F(SeasonLoadingTest, TheYearFindsLoadsOrMakesASeasonAndKeepsItInTheSettings
   m_service->CurrentSeasonYear(2023);
   EXPECT_EQ(Statements().front(), "select * from [season info] s where s.[season year] = 2023");
   EXPECT_EQ(m_service->CurrentSeasonID(), 2);
-  EXPECT_EQ(Stored()["settings"], (Lines{"1|2"}));
+  EXPECT_EQ(Stored().at("settings"), (Lines{"1|2"}));
   m_service->CurrentSeasonYear(2023);
   EXPECT_EQ(Steps(), (Lines{"select * from [settings] where [ID] = 1 | Edit | current season id | Update | "
                             "Close"}))
@@ -172,7 +172,7 @@ TEST_F(SeasonLoadingTest, TheYearFindsLoadsOrMakesASeasonAndKeepsItInTheSettings
 
   m_service->CurrentSeasonYear(2030);
   EXPECT_EQ(m_service->CurrentSeasonID(), 3);
-  EXPECT_EQ(Stored()["settings"], (Lines{"1|3"}));
+  EXPECT_EQ(Stored().at("settings"), (Lines{"1|3"}));
 }
 
 TEST_F(SeasonLoadingTest, SeasonsOfOneYearAreBothReachedByIdentifier) {

@@ -1,0 +1,440 @@
+// Every operation with every one of its calls of the engine failing in turn: what it answers and shows, what
+// memory holds, and which rows are stored.
+
+#include <algorithm>
+#include <set>
+
+#include "HLIData/ITeamInfo.h"
+#include "jet/Error.h"
+#include "tests/service/LeagueTest.h"
+
+namespace HLDataSrvc {
+namespace {
+
+using namespace HLIData;
+using test::Lines;
+using test::Tables;
+
+constexpr char kFailure[] = "The engine failed.";
+
+/// What the file holds after a failure.
+enum class Rows { SoFar, All, Unchecked };  // SoFar: the changes made before the call that failed
+/// What asking again without a failure does.
+enum class Again { Succeeds, ServesWhatThereIs, Unchecked };
+
+/// How an operation ends when a call fails that is made within a statement: its answer, and the sentences of
+/// its message boxes, with the error's description unless that is kFailure.
+struct Ending {
+  const char* within;  // part of "statement # call"; " changed" stands between once rows were changed
+  std::string
+      outcome;  // ends with "*": any other description; "*": shows its own sentence or answers something
+  const char* memory = nullptr;  // as FailureTest::Memory tells it; nullptr: whatever
+  Again again = Again::Succeeds;
+  Rows rows = Rows::SoFar;
+};
+
+class FailureTest;
+
+struct Operation {
+  const char* name;
+  void (*prepare)(FailureTest& test);
+  std::string (*run)(DataService& service);
+  std::vector<Ending> endings;  // the first that fits counts
+  /// How much memory says is done, and how many of which calls made before the failure must agree with it.
+  std::size_t (*done)(FailureTest& test) = nullptr;
+  const char* doneBy = "";
+};
+
+void PrintTo(const Operation& operation, std::ostream* stream) {
+  *stream << operation.name;
+}
+
+class FailureTest : public test::LeagueTest, public testing::WithParamInterface<Operation> {
+ public:
+  // What is there before an operation.
+
+  static void Nothing(FailureTest&) {}
+  static void Lists(FailureTest& test) {
+    test.m_service->GetTeams();
+    test.m_service->GetPrizeTmpls();
+  }
+  static void OtherCurrent(FailureTest& test) {
+    Lists(test);
+    test.m_service->CurrentSeasonID(2);
+  }
+  static void NoSeasonCurrent(FailureTest& test) {
+    Lists(test);
+    test.m_service->CurrentSeasonID(0);
+  }
+  static void Loaded(FailureTest& test) {
+    Lists(test);
+    test.m_season = test.Season();
+    test.m_managers = test.m_season->Managers();
+    test.m_drafts = test.m_season->Drafts();
+  }
+  static void OtherLoaded(FailureTest& test) {
+    test.m_service->CurrentSeasonID(2);
+    Loaded(test);
+  }
+  static void Ranked(FailureTest& test) {
+    Loaded(test);
+    test.m_managers->Item("K1")->Rank(1);
+    test.m_managers->Item("K2")->Rank(0);
+  }
+  /// Everything that can be saved is different from what is stored.
+  static void Changed(FailureTest& test) {
+    OtherLoaded(test);
+    const auto newcomer = test.m_managers->Item("K3")->ManagerTmpl();
+    test.m_service->CurrentSeasonID(1);
+    Ranked(test);
+    SeasonInfo& season = *test.m_season;
+    season.NoOfRounds(3);
+    season.Prizes()->Item("K2")->Amount(77);
+    season.UpdateDraft(test.m_service->Search(SearchType::PlayersAndTeams, "Moe", false, false)->Item(1), 3,
+                       test.m_managers->Item("K1"));
+    season.UpdateDraft(std::dynamic_pointer_cast<IPickable>(test.m_service->GetTeams()->Item("K2")), 4,
+                       test.m_managers->Item("K2"));
+    season.RemoveManager(test.m_managers->Item("K2"));
+    season.AddManager(newcomer);
+    season.Winnings()->Item("K2")->Action(WinningAction::Delete);
+    for (std::int32_t week = 3; week < 5; ++week) {
+      std::shared_ptr<IWinningInfo> winning;
+      test.m_service->AddWinning(winning);
+      winning->PrizeID("1");
+      winning->ManagerID("1");
+      winning->Week(week);
+      winning->Action(WinningAction::Add);
+    }
+  }
+
+  // How much of it is done.
+
+  static std::size_t PicksSaved(FailureTest& test) {
+    std::size_t changed = 0;
+    for (std::int32_t number = 1; number <= 4; ++number)
+      changed += Pick(*test.m_season, number).IsChanged() ? 1u : 0u;
+    return 2 - changed;
+  }
+  static std::size_t WinningsAdded(FailureTest& test) {
+    std::size_t added = 0;
+    for (const auto& item : *test.m_season->Winnings()) {
+      const auto& winning = dynamic_cast<WinningInfo&>(*item);
+      if (winning.Action() != WinningAction::Add) continue;
+      EXPECT_NE(winning.IsSaved(), winning.IsDirty());
+      EXPECT_EQ(winning.IsSaved(), winning.ID() > 0);
+      added += winning.IsSaved() ? 1u : 0u;
+    }
+    return added;
+  }
+
+ protected:
+  struct Step {
+    std::string place;
+    std::size_t changesBefore;
+  };
+  struct Course {
+    std::vector<Step> steps;
+    std::vector<Tables> rows;  // after each number of changes
+    std::string outcome;
+  };
+
+  void Begin() {
+    static const std::vector<std::byte> bytes = test::SmallLeague();
+    m_season = nullptr;
+    Open(bytes);
+    GetParam().prepare(*this);
+    m_engine->calls.clear();
+  }
+
+  /// Runs the operation; its answer and what it shows.
+  std::string Run() {
+    std::string outcome;
+    try {
+      outcome = GetParam().run(*m_service);
+    } catch (const std::runtime_error& error) {
+      outcome = error.what() == std::string(kFailure) ? "raised" : std::string("raised: ") + error.what();
+    }
+    for (const std::string& text : Boxes()) {
+      outcome += ": " + text;
+      const std::string failure = std::string("\r\n") + kFailure;
+      if (outcome.ends_with(failure)) outcome.resize(outcome.size() - failure.size());
+    }
+    return outcome;
+  }
+
+  Course RunToTheEnd() {
+    Course course{{}, {Stored()}, {}};
+    std::vector<std::string> open;  // statements whose recordsets are
+    bool isChange = false;
+    const auto keepRows = [&] {
+      if (std::exchange(isChange, false)) course.rows.push_back(Stored());
+    };
+    m_engine->onCall = [&](const std::string& call) {
+      keepRows();
+      const std::string& told = m_engine->calls.back();
+      if (call == "Database.OpenRecordset") open.push_back(told.substr(call.size() + 1));
+      const std::size_t changes = course.rows.size() - 1;
+      course.steps.push_back(
+          {(open.empty() ? "" : open.back()) + (changes > 0 ? " changed # " : " # ") + told, changes});
+      if (call == "Recordset.Close" && !open.empty()) open.pop_back();
+      isChange = call == "Recordset.Update" || call == "Recordset.Delete";
+    };
+    course.outcome = Run();
+    m_engine->onCall = nullptr;
+    keepRows();
+    return course;
+  }
+
+  std::string RunWithFailing(std::size_t step) {
+    std::size_t calls = 0;
+    m_engine->onCall = [&](const std::string&) {
+      if (calls++ == step) throw jet::Error(jet::ErrorNumber::ReadFailed, kFailure);
+    };
+    const std::string outcome = Run();
+    m_engine->onCall = nullptr;
+    return outcome;
+  }
+
+  /// What became of the current season: "-" when it is not in memory, "new" when it is another object than
+  /// before, else what differs.
+  std::string Memory() const {
+    const std::int32_t id = m_service->CurrentSeasonID();
+    const auto season = FindCached(m_service->Caches().seasonsByID, id);
+    std::string text = id == 1 || m_season ? "" : "of " + std::to_string(id) + " ";
+    if (!season) return text + "-";
+    if (season != m_season) return text + "new";
+    if (season->Managers() != m_managers) text += "managers ";
+    if (season->Drafts() != m_drafts) text += "drafts ";
+    if (id == 2 && season->IsRankingLocked()) text += "ranking ";
+    if (id == 2 && season->IsDraftLocked()) text += "drafting ";
+    return text.empty() ? "same" : text.substr(0, text.size() - 1);
+  }
+
+  static const Ending& EndingAt(const Step& step) {
+    const auto& endings = GetParam().endings;
+    return *std::find_if(endings.begin(), endings.end(), [&](const Ending& ending) {
+      return step.place.find(ending.within) != std::string::npos;
+    });
+  }
+
+  void ExpectOutcome(const std::string& outcome, const Ending& ending) const {
+    if (ending.outcome == "*") {
+      const std::string& last = GetParam().endings.back().outcome;
+      const std::string own = last.substr(last.find(": "));
+      EXPECT_NE(outcome.starts_with("something: "), outcome.find(own) != std::string::npos) << outcome;
+    } else if (ending.outcome.ends_with("*")) {
+      EXPECT_TRUE(outcome.starts_with(ending.outcome.substr(0, ending.outcome.size() - 1))) << outcome;
+    } else {
+      EXPECT_EQ(outcome, ending.outcome);
+    }
+  }
+
+  std::shared_ptr<SeasonInfo> m_season;  // the current one, if it was loaded before
+  std::shared_ptr<KeyedCollection<IManagerInfo>> m_managers;
+  std::shared_ptr<KeyedCollection<IDraftInfo>> m_drafts;
+};
+
+TEST_P(FailureTest, IsMetAtEveryCall) {
+  Begin();
+  const Course course = RunToTheEnd();
+  ASSERT_EQ(course.outcome.find(':'), std::string::npos) << course.outcome;
+  ASSERT_FALSE(course.steps.empty());
+  std::set<std::pair<std::string, std::size_t>> triedAgain;
+  for (std::size_t at = 0; at < course.steps.size() && !HasFailure(); ++at) {
+    const Step& step = course.steps[at];
+    SCOPED_TRACE("call " + std::to_string(at + 1) + " of " + std::to_string(course.steps.size()) + ": " +
+                 step.place);
+    const Ending& ending = EndingAt(step);
+    Begin();
+    ExpectOutcome(RunWithFailing(at), ending);
+    if (ending.memory) {
+      EXPECT_EQ(Memory(), ending.memory);
+    }
+    if (ending.rows != Rows::Unchecked) {
+      EXPECT_EQ(Stored(), ending.rows == Rows::All ? course.rows.back() : course.rows[step.changesBefore]);
+    }
+    if (GetParam().done && ending.rows == Rows::SoFar) {
+      const auto count =
+          std::count_if(course.steps.begin(), course.steps.begin() + static_cast<std::ptrdiff_t>(at),
+                        [](const Step& before) { return before.place.ends_with(GetParam().doneBy); });
+      EXPECT_EQ(GetParam().done(*this), static_cast<std::size_t>(count));
+    }
+    const std::string statement = step.place.substr(0, step.place.find(" # "));
+    if (!triedAgain.emplace(statement, step.changesBefore).second) continue;  // one call of it will do
+    m_engine->calls.clear();
+    if (ending.again == Again::Succeeds) {
+      EXPECT_EQ(Run(), course.outcome) << "again";
+      EXPECT_EQ(Stored(), course.rows.back());
+    } else if (ending.again == Again::ServesWhatThereIs) {
+      EXPECT_EQ(Run(), "something") << "again";
+      EXPECT_TRUE(m_engine->calls.empty());
+    }
+  }
+}
+
+std::string Text(bool result) {
+  return result ? "true" : "false";
+}
+template <typename T>
+std::string Text(const std::shared_ptr<T>& result) {
+  return result ? "something" : "nothing";
+}
+
+const std::string kLoading = "Error in loading season info.";
+const std::string kNoPrizes = "Error in loading prizes.: " + kLoading + "\r\nThe prizes are not loaded.";
+
+/// The winnings of a season that cannot be loaded are shown, and the operation goes on without them.
+Ending WithoutWinnings(const std::string& answer, const char* memory = nullptr) {
+  return {"[winning info]", answer + ": Error in loading winnings.", memory, Again::Unchecked, Rows::All};
+}
+
+const std::vector<Operation>& Operations() {
+  using T = FailureTest;
+  using S = DataService;
+  static const std::vector<Operation> operations{
+      {"GetPlayerPositions",
+       T::Nothing,
+       [](S& s) { return Text(s.GetPlayerPositions()); },
+       {{"", "nothing: Error in loading positions.", nullptr, Again::ServesWhatThereIs}}},
+      {"GetTeams",
+       T::Nothing,
+       [](S& s) { return Text(s.GetTeams()); },
+       {{"[position info]", "*", nullptr, Again::ServesWhatThereIs},
+        {"", "nothing: Error in loading teams.", nullptr, Again::ServesWhatThereIs}}},
+      {"GetPrizeTypes", T::Nothing, [](S& s) { return Text(s.GetPrizeTypes()); }, {{"", "raised"}}},
+      {"GetPrizeTmpls",
+       T::Nothing,
+       [](S& s) { return Text(s.GetPrizeTmpls()); },
+       {{"[prize type info]", "nothing: Error in loading prizes."},
+        {"", "nothing: Error in loading prizes.", nullptr, Again::ServesWhatThereIs}}},
+      {"GetCurrentSeasonInfo",
+       T::Lists,
+       [](S& s) { return Text(s.GetCurrentSeasonInfo()); },
+       {WithoutWinnings("something", "new"), {"", "nothing: " + kLoading, "-"}}},
+      {"GetCurrentSeasonInfoBeforeAllElse",
+       T::Nothing,
+       [](S& s) { return Text(s.GetCurrentSeasonInfo()); },
+       {WithoutWinnings("something", "new"),
+        {"[prize type info]", "nothing: " + kNoPrizes, "-"},
+        {"[prize info]", "*", nullptr, Again::Unchecked},
+        {"[position info]", "*", nullptr, Again::Unchecked},
+        {"[team info]", "*", nullptr, Again::Unchecked},
+        {"", "nothing: " + kLoading, "-"}}},
+      {"GetCurrentSeasonInfoOfThisYear",
+       T::NoSeasonCurrent,
+       [](S& s) { return Text(s.GetCurrentSeasonInfo()); },
+       {WithoutWinnings("something", "new"),
+        {"[settings]", "something: Error in saving settings.", "new", Again::Unchecked},
+        {"", "nothing: " + kLoading, "of 0 -"}}},
+      {"GetAllSeasons",
+       T::Lists,
+       [](S& s) { return Text(s.GetAllSeasons()); },
+       {WithoutWinnings("something"), {"", "nothing: " + kLoading}}},
+      {"SaveCurrentSeasonInfo",
+       T::Changed,
+       [](S& s) { return Text(s.SaveCurrentSeasonInfo()); },
+       {WithoutWinnings("true", "new"),
+        {"[season info] s where", "false: Error in saving season info.", "-"},
+        {"[money distribution info] m", "false: Error in saving season info.", "-"},
+        {"[playing info]", "false: Error in saving season info.", "-"},
+        {"[draft info]", "false: Error in saving season info.", "-"},
+        {"", "false: Error in saving season info.", "same"}}},
+      {"SaveManagersPlaying",
+       T::Changed,
+       [](S& s) { return Text(s.SaveManagersPlaying()); },
+       {{"", "raised", "same"}}},
+      {"SaveManagersPlayingOfAnother",
+       T::OtherCurrent,
+       [](S& s) { return Text(s.SaveManagersPlaying()); },
+       {{"[playing info] where", "raised", "of 2 new"},
+        {"changed", "raised", "of 2 new"},
+        WithoutWinnings("true", "of 2 new"),
+        {"", "false: Error in saving playing info.", "of 2 -"}}},
+      {"SaveRanking", T::Ranked, [](S& s) { return Text(s.SaveRanking()); }, {{"", "raised", "same"}}},
+      {"SaveRankingOfAnother",
+       T::OtherCurrent,
+       [](S& s) { return Text(s.SaveRanking()); },
+       {{"[playing info] where", "raised", "of 2 new"},
+        {"changed", "raised", "of 2 new"},
+        WithoutWinnings("true", "of 2 new"),
+        {"", "false: Error in saving ranking info.", "of 2 -"}}},
+      {"DisableRanking",
+       T::OtherLoaded,
+       [](S& s) { return Text(s.DisableRanking()); },
+       {{"", "false: Error in disabling ranking.", "ranking"}}},
+      {"DisableDrafting",
+       T::OtherLoaded,
+       [](S& s) { return Text(s.DisableDrafting()); },
+       {{"", "false: Error in disabling drafting.", "drafting"}}},
+      {"AddSeason",
+       T::Lists,
+       [](S& s) { return Text(s.AddSeason(2030)); },
+       {{"# Database.OpenRecordset select max", "nothing"},
+        {"# Recordset.Fields highestid", "raised: *"},
+        {"# Field.Value highestid", "raised: *"},
+        WithoutWinnings("something"),
+        {"", "raised", "-", Again::Unchecked}}},
+      {"CurrentSeasonYear",
+       T::Lists,
+       [](S& s) {
+         s.CurrentSeasonYear(2023);
+         return std::to_string(s.CurrentSeasonID());
+       },
+       {WithoutWinnings("2", "of 2 new"),
+        {"[settings]", "2: Error in saving settings.", "of 2 new"},
+        {"", "raised", "-"}}},
+      {"CurrentSeasonYearOfANewSeason",
+       T::Lists,
+       [](S& s) {
+         s.CurrentSeasonYear(2030);
+         return std::to_string(s.CurrentSeasonID());
+       },
+       {{"# Database.OpenRecordset select max", "1", "-"},
+        {"# Recordset.Fields highestid", "raised: *", "-"},
+        {"# Field.Value highestid", "raised: *", "-"},
+        WithoutWinnings("3", "of 3 new"),
+        {"[settings]", "3: Error in saving settings.", "of 3 new"},
+        {"", "raised", "-"}}},
+      {"SaveDrafts",
+       T::Changed,
+       [](S& s) { return Text(s.SaveDrafts()); },
+       {{"", "false: Error in saving drafts.", "same"}},
+       T::PicksSaved,
+       "# Recordset.Close"},
+      {"DeleteDrafts",
+       T::Loaded,
+       [](S& s) { return Text(s.DeleteDrafts()); },
+       {{"", "false: Error in deleting drafts.", "same"}}},
+      {"DeleteDraftsOfAnother",
+       T::Lists,
+       [](S& s) { return Text(s.DeleteDrafts()); },
+       {WithoutWinnings("true", "new"), {"", "false: Error in deleting drafts."}}},
+      {"AddWinningToAnother",
+       T::OtherCurrent,
+       [](S& s) {
+         std::shared_ptr<IWinningInfo> winning;
+         const bool result = s.AddWinning(winning);
+         EXPECT_NE(winning, nullptr);
+         return Text(result);
+       },
+       {WithoutWinnings("false", "of 2 new"), {"", "false", "of 2 -"}}},
+      {"SaveWinnings",
+       T::Changed,
+       [](S& s) { return Text(s.SaveWinnings()); },
+       {{"# Database.OpenRecordset select max", "true", "same", Again::Unchecked, Rows::Unchecked},
+        {"highestid from [winning info] changed # Recordset.Close", "true", "same", Again::Unchecked,
+         Rows::Unchecked},
+        {"# Recordset.Fields highestid", "false: Error in saving winnings.\r\n*", "same"},
+        {"# Field.Value highestid", "false: Error in saving winnings.\r\n*", "same"},
+        {"", "false: Error in saving winnings.", "same"}},
+       T::WinningsAdded,
+       "# Recordset.Update"},
+  };
+  return operations;
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, FailureTest, testing::ValuesIn(Operations()),
+                         [](const auto& operation) { return std::string(operation.param.name); });
+
+}  // namespace
+}  // namespace HLDataSrvc
