@@ -40,9 +40,6 @@ struct Operation {
   void (*prepare)(FailureTest& test);
   std::string (*run)(DataService& service);
   std::vector<Ending> endings;  // the first that fits counts
-  /// How much memory says is done, and how many of which calls made before the failure must agree with it.
-  std::size_t (*done)(FailureTest& test) = nullptr;
-  const char* doneBy = "";
 };
 
 void PrintTo(const Operation& operation, std::ostream* stream) {
@@ -61,10 +58,6 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
   static void OtherCurrent(FailureTest& test) {
     Lists(test);
     test.m_service->CurrentSeasonID(2);
-  }
-  static void NoSeasonCurrent(FailureTest& test) {
-    Lists(test);
-    test.m_service->CurrentSeasonID(0);
   }
   static void Loaded(FailureTest& test) {
     Lists(test);
@@ -105,26 +98,6 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
       winning->Week(week);
       winning->Action(WinningAction::Add);
     }
-  }
-
-  // How much of it is done.
-
-  static std::size_t PicksSaved(FailureTest& test) {
-    std::size_t changed = 0;
-    for (std::int32_t number = 1; number <= 4; ++number)
-      changed += Pick(*test.m_season, number).IsChanged() ? 1u : 0u;
-    return 2 - changed;
-  }
-  static std::size_t WinningsAdded(FailureTest& test) {
-    std::size_t added = 0;
-    for (const auto& item : *test.m_season->Winnings()) {
-      const auto& winning = dynamic_cast<WinningInfo&>(*item);
-      if (winning.Action() != WinningAction::Add) continue;
-      EXPECT_NE(winning.IsSaved(), winning.IsDirty());
-      EXPECT_EQ(winning.IsSaved(), winning.ID() > 0);
-      added += winning.IsSaved() ? 1u : 0u;
-    }
-    return added;
   }
 
  protected:
@@ -253,14 +226,10 @@ TEST_P(FailureTest, IsMetAtEveryCall) {
     if (ending.rows != Rows::Unchecked) {
       EXPECT_EQ(Stored(), ending.rows == Rows::All ? course.rows.back() : course.rows[step.changesBefore]);
     }
-    if (GetParam().done && ending.rows == Rows::SoFar) {
-      const auto count =
-          std::count_if(course.steps.begin(), course.steps.begin() + static_cast<std::ptrdiff_t>(at),
-                        [](const Step& before) { return before.place.ends_with(GetParam().doneBy); });
-      EXPECT_EQ(GetParam().done(*this), static_cast<std::size_t>(count));
-    }
+    // Of the many calls that read a row one will do.
     const std::string statement = step.place.substr(0, step.place.find(" # "));
-    if (!triedAgain.emplace(statement, step.changesBefore).second) continue;  // one call of it will do
+    const bool isNew = triedAgain.emplace(statement, step.changesBefore).second;
+    if (!isNew && !step.place.ends_with(".Update") && !step.place.ends_with(".Close")) continue;
     m_engine->calls.clear();
     if (ending.again == Again::Succeeds) {
       EXPECT_EQ(Run(), course.outcome) << "again";
@@ -280,7 +249,13 @@ std::string Text(const std::shared_ptr<T>& result) {
   return result ? "something" : "nothing";
 }
 
+template <auto Member>
+std::string RunOf(DataService& service) {
+  return Text((service.*Member)());
+}
+
 const std::string kLoading = "Error in loading season info.";
+const std::string kNotSaved = "false: Error in saving season info.";
 const std::string kNoPrizes = "Error in loading prizes.: " + kLoading + "\r\nThe prizes are not loaded.";
 
 /// The winnings of a season that cannot be loaded are shown, and the operation goes on without them.
@@ -294,77 +269,68 @@ const std::vector<Operation>& Operations() {
   static const std::vector<Operation> operations{
       {"GetPlayerPositions",
        T::Nothing,
-       [](S& s) { return Text(s.GetPlayerPositions()); },
+       RunOf<&S::GetPlayerPositions>,
        {{"", "nothing: Error in loading positions.", nullptr, Again::ServesWhatThereIs}}},
       {"GetTeams",
        T::Nothing,
-       [](S& s) { return Text(s.GetTeams()); },
+       RunOf<&S::GetTeams>,
        {{"[position info]", "*", nullptr, Again::ServesWhatThereIs},
         {"", "nothing: Error in loading teams.", nullptr, Again::ServesWhatThereIs}}},
-      {"GetPrizeTypes", T::Nothing, [](S& s) { return Text(s.GetPrizeTypes()); }, {{"", "raised"}}},
+      {"GetPrizeTypes", T::Nothing, RunOf<&S::GetPrizeTypes>, {{"", "raised"}}},
       {"GetPrizeTmpls",
        T::Nothing,
-       [](S& s) { return Text(s.GetPrizeTmpls()); },
+       RunOf<&S::GetPrizeTmpls>,
        {{"[prize type info]", "nothing: Error in loading prizes."},
         {"", "nothing: Error in loading prizes.", nullptr, Again::ServesWhatThereIs}}},
       {"GetCurrentSeasonInfo",
        T::Lists,
-       [](S& s) { return Text(s.GetCurrentSeasonInfo()); },
+       RunOf<&S::GetCurrentSeasonInfo>,
        {WithoutWinnings("something", "new"), {"", "nothing: " + kLoading, "-"}}},
       {"GetCurrentSeasonInfoBeforeAllElse",
        T::Nothing,
-       [](S& s) { return Text(s.GetCurrentSeasonInfo()); },
+       RunOf<&S::GetCurrentSeasonInfo>,
        {WithoutWinnings("something", "new"),
         {"[prize type info]", "nothing: " + kNoPrizes, "-"},
         {"[prize info]", "*", nullptr, Again::Unchecked},
         {"[position info]", "*", nullptr, Again::Unchecked},
         {"[team info]", "*", nullptr, Again::Unchecked},
         {"", "nothing: " + kLoading, "-"}}},
-      {"GetCurrentSeasonInfoOfThisYear",
-       T::NoSeasonCurrent,
-       [](S& s) { return Text(s.GetCurrentSeasonInfo()); },
-       {WithoutWinnings("something", "new"),
-        {"[settings]", "something: Error in saving settings.", "new", Again::Unchecked},
-        {"", "nothing: " + kLoading, "of 0 -"}}},
       {"GetAllSeasons",
        T::Lists,
-       [](S& s) { return Text(s.GetAllSeasons()); },
+       RunOf<&S::GetAllSeasons>,
        {WithoutWinnings("something"), {"", "nothing: " + kLoading}}},
       {"SaveCurrentSeasonInfo",
        T::Changed,
-       [](S& s) { return Text(s.SaveCurrentSeasonInfo()); },
+       RunOf<&S::SaveCurrentSeasonInfo>,
        {WithoutWinnings("true", "new"),
-        {"[season info] s where", "false: Error in saving season info.", "-"},
-        {"[money distribution info] m", "false: Error in saving season info.", "-"},
-        {"[playing info]", "false: Error in saving season info.", "-"},
-        {"[draft info]", "false: Error in saving season info.", "-"},
-        {"", "false: Error in saving season info.", "same"}}},
-      {"SaveManagersPlaying",
-       T::Changed,
-       [](S& s) { return Text(s.SaveManagersPlaying()); },
-       {{"", "raised", "same"}}},
+        {"[season info] s where", kNotSaved, "-"},
+        {"[money distribution info] m", kNotSaved, "-"},
+        {"[playing info]", kNotSaved, "-"},
+        {"[draft info]", kNotSaved, "-"},
+        {"", kNotSaved, "same"}}},
+      {"SaveManagersPlaying", T::Changed, RunOf<&S::SaveManagersPlaying>, {{"", "raised", "same"}}},
       {"SaveManagersPlayingOfAnother",
        T::OtherCurrent,
-       [](S& s) { return Text(s.SaveManagersPlaying()); },
+       RunOf<&S::SaveManagersPlaying>,
        {{"[playing info] where", "raised", "of 2 new"},
         {"changed", "raised", "of 2 new"},
         WithoutWinnings("true", "of 2 new"),
         {"", "false: Error in saving playing info.", "of 2 -"}}},
-      {"SaveRanking", T::Ranked, [](S& s) { return Text(s.SaveRanking()); }, {{"", "raised", "same"}}},
+      {"SaveRanking", T::Ranked, RunOf<&S::SaveRanking>, {{"", "raised", "same"}}},
       {"SaveRankingOfAnother",
        T::OtherCurrent,
-       [](S& s) { return Text(s.SaveRanking()); },
+       RunOf<&S::SaveRanking>,
        {{"[playing info] where", "raised", "of 2 new"},
         {"changed", "raised", "of 2 new"},
         WithoutWinnings("true", "of 2 new"),
         {"", "false: Error in saving ranking info.", "of 2 -"}}},
       {"DisableRanking",
        T::OtherLoaded,
-       [](S& s) { return Text(s.DisableRanking()); },
+       RunOf<&S::DisableRanking>,
        {{"", "false: Error in disabling ranking.", "ranking"}}},
       {"DisableDrafting",
        T::OtherLoaded,
-       [](S& s) { return Text(s.DisableDrafting()); },
+       RunOf<&S::DisableDrafting>,
        {{"", "false: Error in disabling drafting.", "drafting"}}},
       {"AddSeason",
        T::Lists,
@@ -395,19 +361,14 @@ const std::vector<Operation>& Operations() {
         WithoutWinnings("3", "of 3 new"),
         {"[settings]", "3: Error in saving settings.", "of 3 new"},
         {"", "raised", "-"}}},
-      {"SaveDrafts",
-       T::Changed,
-       [](S& s) { return Text(s.SaveDrafts()); },
-       {{"", "false: Error in saving drafts.", "same"}},
-       T::PicksSaved,
-       "# Recordset.Close"},
+      {"SaveDrafts", T::Changed, RunOf<&S::SaveDrafts>, {{"", "false: Error in saving drafts.", "same"}}},
       {"DeleteDrafts",
        T::Loaded,
-       [](S& s) { return Text(s.DeleteDrafts()); },
+       RunOf<&S::DeleteDrafts>,
        {{"", "false: Error in deleting drafts.", "same"}}},
       {"DeleteDraftsOfAnother",
        T::Lists,
-       [](S& s) { return Text(s.DeleteDrafts()); },
+       RunOf<&S::DeleteDrafts>,
        {WithoutWinnings("true", "new"), {"", "false: Error in deleting drafts."}}},
       {"AddWinningToAnother",
        T::OtherCurrent,
@@ -420,15 +381,13 @@ const std::vector<Operation>& Operations() {
        {WithoutWinnings("false", "of 2 new"), {"", "false", "of 2 -"}}},
       {"SaveWinnings",
        T::Changed,
-       [](S& s) { return Text(s.SaveWinnings()); },
+       RunOf<&S::SaveWinnings>,
        {{"# Database.OpenRecordset select max", "true", "same", Again::Unchecked, Rows::Unchecked},
         {"highestid from [winning info] changed # Recordset.Close", "true", "same", Again::Unchecked,
          Rows::Unchecked},
         {"# Recordset.Fields highestid", "false: Error in saving winnings.\r\n*", "same"},
         {"# Field.Value highestid", "false: Error in saving winnings.\r\n*", "same"},
-        {"", "false: Error in saving winnings.", "same"}},
-       T::WinningsAdded,
-       "# Recordset.Update"},
+        {"", "false: Error in saving winnings.", "same"}}},
   };
   return operations;
 }

@@ -9,12 +9,11 @@ namespace {
 using Files = jet::test::MemoryFileSystem;
 
 constexpr char kCopy[] = "copy.mdb";
-constexpr char kLog[] = "-log";
 
 std::shared_ptr<Files> CopyOf(const std::array<std::vector<std::byte>, 2>& fileAndLog) {
   const auto files = std::make_shared<Files>();
   files->Put(kCopy, fileAndLog[0]);
-  if (!fileAndLog[1].empty()) files->Put(std::string(kCopy) + kLog, fileAndLog[1]);
+  if (!fileAndLog[1].empty()) files->Put(jet::LogNameFor(kCopy), fileAndLog[1]);
   return files;
 }
 
@@ -45,7 +44,8 @@ void LeagueTest::Restart() {
 
 LeagueTest::FileBytes LeagueTest::Files() const {
   FileBytes files{m_files->Get(Path()), {}};
-  if (m_files->Exists(Path() + kLog)) files[1] = m_files->Get(Path() + kLog);
+  const std::string log = jet::LogNameFor(Path());
+  if (m_files->Exists(log)) files[1] = m_files->Get(log);
   return files;
 }
 

@@ -16,21 +16,18 @@ constexpr std::int32_t kRounds = 3;
 /// A season from its first day to its last through the interface that clients have, in a file on disk.
 class SeasonPlayedTest : public test::ServiceTest {
  protected:
-  void MakeLeague() const {
-    CreateLeagueFile(
-        m_folder.File("Halcyra - Live.mdb"),
-        {.overwrite = false, .fill = [](jet::Database& database) {
-           test::AddRows(database, "position info", {"1|QB|Quarterback", "2|DEF|Defense"});
-           test::AddRows(database, "team info", {"1|ASH|Ashbourne|Lanterns|2", "2|BRA|Brackwater|Otters|2"});
-           test::AddRows(database, "prize type info", {"1|Weekly", "2|Final"});
-         }});
+  static void FillMasters(jet::Database& database) {
+    test::AddRows(database, "position info", {"1|QB|Quarterback", "2|DEF|Defense"});
+    test::AddRows(database, "team info", {"1|ASH|Ashbourne|Lanterns|2", "2|BRA|Brackwater|Otters|2"});
+    test::AddRows(database, "prize type info", {"1|Weekly", "2|Final"});
+    test::AddRows(database, "prize info", {"1|High score|1", "2|Champion|2"});
+    test::AddRows(database, "manager info",
+                  {"1|Mx|Bright", "2|Mx|Marr", "3|Mx|Dun", "4|Mx|Volk", "5|Mx|Absent"});
+    for (std::int32_t id = 1; id <= kManagers * kRounds; ++id)
+      test::AddRows(database, "player info",
+                    {test::Line(id, std::string("P"), "Player" + std::to_string(id), 1, 1, false)});
   }
   IDataService& Service() { return *m_service; }
-  /// Everybody whose name begins with a text.
-  std::shared_ptr<KeyedCollection<IPickable>> Everybody(SearchType type, const std::string& text = {}) {
-    return Service().Search(type, text, false, false);
-  }
-  void FillMasters();
   void Play();
 
   /// Picks as they were made: the last name of the manager, and what was picked.
@@ -41,26 +38,6 @@ class SeasonPlayedTest : public test::ServiceTest {
     return picks;
   }
 };
-
-void SeasonPlayedTest::FillMasters() {
-  for (const char* name : {"Bright", "Marr", "Dun", "Volk", "Absent"}) {
-    std::int32_t id = 0;
-    std::shared_ptr<IManagerTmplInfo> manager;
-    ASSERT_TRUE(Service().UpdateManager(name, "Mx", id, manager, m_message)) << m_message;
-  }
-  for (char letter = 'A'; letter < 'A' + kManagers * kRounds; ++letter) {
-    std::int32_t id = 0;
-    std::shared_ptr<IPlayerInfo> player;
-    ASSERT_TRUE(
-        Service().UpdatePlayer(std::string("Player") + letter, "P", 1, 1, false, id, player, m_message))
-        << m_message;
-  }
-  for (const char* desc : {"High score", "Champion"}) {
-    std::int32_t id = 0;
-    std::shared_ptr<IPrizeTmplInfo> prize;
-    ASSERT_TRUE(Service().UpdatePrize(desc, 1, id, prize, m_message)) << m_message;
-  }
-}
 
 void SeasonPlayedTest::Play() {
   Service().CurrentSeasonYear(2024);
@@ -78,7 +55,7 @@ void SeasonPlayedTest::Play() {
   season = Service().GetCurrentSeasonInfo();
   ASSERT_EQ(season->Drafts()->Count(), kManagers * kRounds);
 
-  const auto everybody = Everybody(SearchType::Managers);
+  const auto everybody = Service().Search(SearchType::Managers, "", false, false);
   for (const auto& manager : *everybody) {
     if (manager->PickName() == "Mx Absent") continue;
     ASSERT_TRUE(season->AddManager(std::dynamic_pointer_cast<IManagerTmplInfo>(manager)));
@@ -94,7 +71,7 @@ void SeasonPlayedTest::Play() {
   ASSERT_EQ(season->Managers()->Item(1)->LastName(), "Volk");
 
   season->HasSeasonStarted(true);
-  const auto players = Everybody(SearchType::PlayersAndTeams, "Player");
+  const auto players = Service().Search(SearchType::PlayersAndTeams, "Player", false, false);
   const auto teams = Service().GetTeams();
   for (std::int32_t number = 1; number <= kManagers * kRounds; ++number) {
     std::int32_t place = 0;
@@ -131,9 +108,10 @@ void SeasonPlayedTest::Play() {
 }
 
 TEST_F(SeasonPlayedTest, IsFoundAsItWasLeft) {
-  MakeLeague();
+  LeagueFileOptions options;
+  options.fill = FillMasters;
+  CreateLeagueFile(m_folder.File("Halcyra - Live.mdb"), options);
   ASSERT_TRUE(Initialize()) << m_message;
-  ASSERT_NO_FATAL_FAILURE(FillMasters());
   ASSERT_NO_FATAL_FAILURE(Play());
   const test::Tables left = test::RowsOf(*Service().GetCurrentSeasonInfo());
   const Lines picks = Picks();
