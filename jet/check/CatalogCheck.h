@@ -19,8 +19,7 @@ using CheckedTables = std::map<PageNumber, CheckedTable>;
 /// Checks what the system tables say against each other and against the tables.
 class CatalogCheck {
  public:
-  CatalogCheck(Store& store, const CheckedTables& tables, Findings& findings)
-      : m_store(&store), m_tables(&tables), m_findings(&findings) {}
+  CatalogCheck(const CheckedTables& tables, Findings& findings) : m_tables(&tables), m_findings(&findings) {}
 
   void Run();
 
@@ -38,7 +37,6 @@ class CatalogCheck {
   void CheckRights();
   void CheckRelationNames();
 
-  Store* m_store;
   const CheckedTables* m_tables;
   Findings* m_findings;
   std::vector<Object> m_objects;

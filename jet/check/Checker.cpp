@@ -37,7 +37,7 @@ CheckReport CheckDatabase(Store& store) {
       IndexCheck(store, pages, findings, checked, number).Run();
     }
   }
-  CatalogCheck(store, tables, findings).Run();
+  CatalogCheck(tables, findings).Run();
   RelationCheck(tables, findings).Run();
   longValues.Finish();
   pages.Finish();
