@@ -6,6 +6,7 @@
 
 #include "cli/Find.h"
 #include "cli/Pickables.h"
+#include "cli/Seasons.h"
 #include "cli/Utf8.h"
 
 namespace cli {
@@ -32,16 +33,14 @@ std::string WithInitial(const std::string& first, const std::string& last) {
   return Join({first.empty() ? "" : FirstLetter(first) + ".", last});
 }
 
+/// The position comes first: it is told also where the name is cut.
 std::vector<std::string> FormsOf(const HLIData::IPickable& pickable) {
   const PickableFacts facts = FactsOf(pickable);
-  const std::string longest = Join({facts.name, facts.position, facts.team});
-  const std::string whole = Join({facts.name, facts.position});
-  if (pickable.PickType() == HLIData::PickType::Team) {
-    return {longest, whole, Join({facts.lastName, facts.position}), Join({facts.team, facts.position}),
-            facts.team};
-  }
-  return {longest, whole, Join({WithInitial(facts.firstName, facts.lastName), facts.position}),
-          Join({facts.lastName, facts.position}), facts.lastName};
+  const std::string whole = Join({facts.position, facts.name});
+  const std::string brief = Join({facts.position, facts.lastName});
+  const bool isTeam = pickable.PickType() == HLIData::PickType::Team;
+  return {Join({whole, facts.team}), whole,
+          isTeam ? brief : Join({facts.position, WithInitial(facts.firstName, facts.lastName)}), brief};
 }
 
 /// The longest form that fits, none longer than form `longest`; of the shortest as much as fits.
@@ -137,7 +136,7 @@ void DraftBoard::MakeNotes(const HLIData::ISeasonInfo& season, const Picks& pick
   for (std::int32_t number = 1; number <= m_order.NoOfPicks(); ++number) {
     const Pick& pick = picks[static_cast<std::size_t>(number) - 1];
     if (!m_isSettled || pick.IsEmpty() || m_order.ManagerOn(number)->ID() == *pick.managerID) continue;
-    const auto manager = season.Managers()->Find("K" + std::to_string(*pick.managerID));
+    const auto manager = ManagersOf(season).Find("K" + std::to_string(*pick.managerID));
     ofAnother += (ofAnother.empty() ? "" : ", ") + std::to_string(number) + " by " +
                  Printable(manager ? manager->LastName() : std::to_string(*pick.managerID));
   }

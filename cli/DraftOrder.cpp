@@ -5,6 +5,7 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
+#include "cli/Seasons.h"
 #include "records/HLUtils.h"
 
 namespace cli {
@@ -12,16 +13,10 @@ namespace cli {
 DraftOrder::DraftOrder(const HLIData::ISeasonInfo& season)
     : m_year(season.Year()),
       m_noOfManagers(std::max(season.NoOfManagers(), 0)),
-      m_noOfPicks(season.Drafts() ? season.Drafts()->Count() : 0) {
+      m_managers(ManagersInOrder(season)),
+      m_noOfPicks(DraftsOf(season).Count()) {
   // The picks that there are count, should the settings have been changed since the season was loaded.
   m_noOfRounds = m_noOfManagers == 0 ? std::max(season.NoOfRounds(), 0) : m_noOfPicks / m_noOfManagers;
-  if (season.Managers()) m_managers = season.Managers()->Items();
-  // A ranking that has changed since the season was loaded counts at once.
-  std::stable_sort(m_managers.begin(), m_managers.end(), [](const auto& a, const auto& b) {
-    const bool isARanked = a->Rank() >= 1;
-    const bool isBRanked = b->Rank() >= 1;
-    return isARanked && isBRanked ? a->Rank() < b->Rank() : isARanked && !isBRanked;
-  });
 }
 
 Turn DraftOrder::At(std::int32_t pick) const {
@@ -50,7 +45,7 @@ std::string DraftOrder::WhyUnsettled() const {
   for (const auto& manager : m_managers) {
     if (manager->Rank() < 1) unranked += (unranked.empty() ? "" : ", ") + FullName(*manager);
   }
-  return unranked.empty() ? "" : "The draft order is not settled: not ranked are " + unranked + ".";
+  return unranked.empty() ? "" : "The draft order is not settled; not ranked: " + unranked + ".";
 }
 
 void DraftOrder::RequireSettled() const {

@@ -50,9 +50,9 @@ class DraftOrder {
  private:
   std::int32_t m_year;
   std::int32_t m_noOfManagers;
+  std::vector<std::shared_ptr<HLIData::IManagerInfo>> m_managers;  ///< in the order of the ranking
   std::int32_t m_noOfPicks;
   std::int32_t m_noOfRounds;
-  std::vector<std::shared_ptr<HLIData::IManagerInfo>> m_managers;  ///< in the order of the ranking
 };
 
 /// The first empty pick from number `from` on, which is the one that is due; none in a draft that is

@@ -8,6 +8,7 @@
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
+#include "cli/Locks.h"
 
 namespace cli {
 namespace {
@@ -16,11 +17,11 @@ using Changes = std::vector<std::pair<std::int32_t, Pick>>;
 
 /// Honours the locks, which the service leaves to its callers.
 void RequireUnlocked(const HLIData::ISeasonInfo& season) {
-  const std::string year = std::to_string(season.Year());
-  if (season.IsSeasonLocked())
-    throw Failure(ExitCode::Refused, "The season " + year + " is locked; its draft cannot be changed.");
-  if (season.IsDraftLocked())
-    throw Failure(ExitCode::Refused, "The draft of the season " + year + " is locked; it cannot be changed.");
+  RequireSeasonUnlocked(season, "its draft");
+  if (season.IsDraftLocked()) {
+    throw Failure(ExitCode::Refused, "The draft of the season " + std::to_string(season.Year()) +
+                                         " is locked: it cannot be changed.");
+  }
 }
 
 /// Outside a shell nothing stays unsaved.

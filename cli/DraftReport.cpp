@@ -2,6 +2,7 @@
 
 #include "cli/Find.h"
 #include "cli/Pickables.h"
+#include "cli/Seasons.h"
 #include "cli/Utf8.h"
 
 namespace cli {
@@ -20,7 +21,7 @@ std::string DraftReport::HeldText(const Pick& pick) const {
 
 std::string DraftReport::ManagerText(std::int32_t managerID) const {
   const std::string id = std::to_string(managerID);
-  const auto manager = m_season.Managers() ? m_season.Managers()->Find("K" + id) : nullptr;
+  const auto manager = ManagersOf(m_season).Find("K" + id);
   return manager ? Printable(FullName(*manager)) : id;
 }
 
@@ -36,8 +37,7 @@ std::string DraftReport::ClockText() {
 Json DraftReport::ManagerJson(std::int32_t managerID) const {
   Json json;
   json["id"] = managerID;
-  const auto manager =
-      m_season.Managers() ? m_season.Managers()->Find("K" + std::to_string(managerID)) : nullptr;
+  const auto manager = ManagersOf(m_season).Find("K" + std::to_string(managerID));
   json["name"] = manager ? Json(FullName(*manager)) : Json();
   return json;
 }

@@ -53,17 +53,22 @@ std::vector<std::int32_t> UnwritablePicks(const Picks& wanted, const std::vector
 void RequireWritable(const Picks& wanted, const std::vector<std::int32_t>& numbers) {
   const std::vector<std::int32_t> unwritable = UnwritablePicks(wanted, numbers);
   if (unwritable.empty()) return;
-  throw Failure(ExitCode::Refused,
-                "The draft has to be written whole, and " + PickNumbers(unwritable) +
-                    " cannot be: somebody has made them without picking a player or team.",
-                "Fill them with 'draft pick --pick N', or empty them with 'draft undo N'.");
+  std::string list;
+  for (const std::int32_t number : unwritable)
+    list += " " + std::to_string(number);
+  throw Failure(
+      ExitCode::Refused,
+      "The draft has to be written whole, and " + PickNumbers(unwritable) +
+          " cannot be: somebody has made them without picking a player or team.",
+      "Empty them at once with 'draft clear" + list + "', or fill each with 'draft pick --pick N'.");
 }
 
-/// Lines for a shell that make picks again.
+/// Lines for a shell that make those of the picks that are filled.
 std::string LinesFor(const Picks& picks, const std::vector<std::int32_t>& numbers) {
   std::string lines;
   for (const std::int32_t number : numbers) {
     const Pick& pick = picks[static_cast<std::size_t>(number) - 1];
+    if (!pick.what) continue;
     lines += "\n  draft pick " + std::string(IsPlayer(pick) ? "P" : "T") + std::to_string(pick.id) +
              " --pick " + std::to_string(number) + " --manager " + std::to_string(*pick.managerID);
   }
@@ -78,20 +83,20 @@ std::vector<std::int32_t> NumbersWhere(const Picks& picks, const auto& condition
   return numbers;
 }
 
-/// What is stored after a failure, and what no longer is.
+/// What is stored after a failure, and what is not.
 std::string Account(const Picks& wanted, const Picks& before, const Picks& stored) {
   if (stored == before) return "The file holds the draft that it held before.";
   const auto held = NumbersWhere(wanted, [&](std::size_t i) { return !stored[i].IsEmpty(); });
-  const auto missing = NumbersWhere(wanted, [&](std::size_t i) { return stored[i] != wanted[i]; });
-  const auto lost =
-      NumbersWhere(wanted, [&](std::size_t i) { return before[i].id != 0 && stored[i].IsEmpty(); });
+  const std::vector<std::int32_t> missing = DifferingPicks(stored, wanted);
   std::string text = "Stored now: " + PickNumbers(held) + ".";
-  if (!missing.empty()) text += "\nNot stored as they should be: " + PickNumbers(missing) + ".";
-  if (!lost.empty()) {
-    text += "\nStored before and lost now: " + PickNumbers(lost) +
-            ". These lines make them again in a shell:" + LinesFor(before, lost);
-  }
-  return text;
+  if (missing.empty()) return text;
+  text += "\nNot stored as it should be: " + PickNumbers(missing) + ".";
+  const std::string lines = LinesFor(wanted, missing);
+  return lines.empty() ? text : text + " In a shell these lines make what is missing:" + lines;
+}
+
+[[noreturn]] void RaiseNotSaved(const std::string& reason, const std::string& account) {
+  throw Failure(ExitCode::Refused, "The draft could not be saved: " + reason, account);
 }
 
 }  // namespace
@@ -113,15 +118,15 @@ std::size_t DraftSaver::Save(const Picks& wanted) {
   if (wipes) changed = NumbersWhere(wanted, [&](std::size_t i) { return !wanted[i].IsEmpty(); });
   RequireWritable(wanted, changed);
 
-  std::string reason = "what is stored is not what was written";
+  std::string reason;
   try {
     if (wipes) Wipe();
     Write(wanted, PicksOf(*CurrentSeason(m_league)));
-    if (ReadStored() == wanted) return changed.size();
   } catch (const std::exception& error) {
     reason = error.what();
   }
-  RaiseNotSaved(reason, wanted, before);
+  RequireStored(wanted, before, reason);
+  return changed.size();
 }
 
 void DraftSaver::Wipe() {
@@ -142,14 +147,18 @@ void DraftSaver::Write(const Picks& wanted, const Picks& stored) {
   if (!saved) throw Failure(ExitCode::Refused, "the service could not save the draft");
 }
 
-void DraftSaver::RaiseNotSaved(const std::string& reason, const Picks& wanted, const Picks& before) {
-  std::string account;
+void DraftSaver::RequireStored(const Picks& wanted, const Picks& before, const std::string& reason) {
+  Picks stored;
   try {
-    account = Account(wanted, before, ReadStored());
+    stored = ReadStored();
   } catch (const std::exception& error) {
-    account = std::string("What the file holds now could not be read: ") + error.what();
+    if (reason.empty())
+      RaiseNotSaved("it was written, but could not be read again: " + std::string(error.what()), {});
+    RaiseNotSaved(reason, std::string("What the file holds now could not be read: ") + error.what());
   }
-  throw Failure(ExitCode::Refused, "The draft was not saved: " + reason, account);
+  if (stored == wanted) return;
+  RaiseNotSaved(reason.empty() ? "what is stored is not what was written" : reason,
+                Account(wanted, before, stored));
 }
 
 }  // namespace cli

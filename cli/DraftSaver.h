@@ -30,7 +30,9 @@ class DraftSaver {
   Picks ReadStored();
   void Wipe();
   void Write(const Picks& wanted, const Picks& stored);
-  [[noreturn]] void RaiseNotSaved(const std::string& reason, const Picks& wanted, const Picks& before);
+  /// Reads the season again; raises Failure with what is stored unless that is what is wanted. `reason`
+  /// is why writing has failed, if it has.
+  void RequireStored(const Picks& wanted, const Picks& before, const std::string& reason);
 
   League& m_league;
 };

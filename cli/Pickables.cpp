@@ -175,8 +175,11 @@ Pickables OfTeamAndPosition(const Pickables& found, const PickableWords& words) 
   return left;
 }
 
-std::string ListOf(const Pickables& pickables,
+/// Those of whom there is nothing to say come first.
+std::string ListOf(Pickables pickables,
                    const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
+  std::stable_partition(pickables.begin(), pickables.end(),
+                        [&](const auto& pickable) { return note(pickable).empty(); });
   TextTable table({{"id"}, {"name"}, {"team"}, {"position"}, {""}});
   for (std::size_t i = 0; i < std::min(pickables.size(), kListedAtMost); ++i) {
     const PickableFacts facts = FactsOf(*pickables[i]);

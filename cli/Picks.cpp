@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "cli/ExitCode.h"
+#include "cli/Seasons.h"
 
 namespace cli {
 namespace {
@@ -25,15 +26,14 @@ Pick MakePick(const std::shared_ptr<HLIData::IPickable>& what, const HLIData::IM
 
 Picks PicksOf(const HLIData::ISeasonInfo& season) {
   Picks picks;
-  const auto drafts = season.Drafts();
-  if (!drafts) return picks;
-  for (std::int32_t number = 1; number <= drafts->Count(); ++number) {
+  const auto& drafts = DraftsOf(season);
+  for (std::int32_t number = 1; number <= drafts.Count(); ++number) {
     Pick pick;
-    if (const auto manager = drafts->Item(number)->Manager()) {
+    if (const auto manager = drafts.Item(number)->Manager()) {
       pick.managerID = manager->ID();
-      ReadKey(drafts->KeyAt(number), pick);
+      ReadKey(drafts.KeyAt(number), pick);
       // The key decides: a pick that was filled and emptied may still hold somebody else.
-      const auto held = drafts->Item(number)->PlayerOrTeam();
+      const auto held = drafts.Item(number)->PlayerOrTeam();
       if (held && held->PickType() == pick.type && held->PickID() == pick.id) pick.what = held;
     }
     picks.push_back(std::move(pick));
@@ -44,7 +44,7 @@ Picks PicksOf(const HLIData::ISeasonInfo& season) {
 void PutPick(HLIData::ISeasonInfo& season, std::int32_t number, const Pick& pick) {
   std::shared_ptr<HLIData::IManagerInfo> manager;
   if (!pick.IsEmpty()) {
-    manager = season.Managers() ? season.Managers()->Find("K" + std::to_string(*pick.managerID)) : nullptr;
+    manager = ManagersOf(season).Find("K" + std::to_string(*pick.managerID));
     if (!manager) {
       throw Failure(ExitCode::Refused, "The manager with the id " + std::to_string(*pick.managerID) +
                                            " of pick " + std::to_string(number) +

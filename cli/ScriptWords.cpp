@@ -11,6 +11,11 @@ bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
 }
 
+/// Every byte of a character outside ASCII counts as one.
+bool IsLetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+}
+
 /// Reads one word after the other off a line.
 class WordReader {
  public:
@@ -22,11 +27,13 @@ class WordReader {
       ++m_at;
     if (IsAtEnd() || m_line[m_at] == '#') return false;
     word.clear();
-    for (const std::size_t start = m_at; !IsAtEnd() && !IsBlank(m_line[m_at]);) {
+    for (bool isAfterLetter = false; !IsAtEnd() && !IsBlank(m_line[m_at]);) {
       const char c = m_line[m_at++];
-      if (c == '\'' && !IsApostrophe(start)) {
+      const bool isQuote = c == '"' || (c == '\'' && !isAfterLetter);
+      isAfterLetter = !isQuote && IsLetter(c);
+      if (isQuote && c == '\'') {
         ReadSingleQuoted(word);
-      } else if (c == '"') {
+      } else if (isQuote) {
         ReadDoubleQuoted(word);
       } else if (c == '\\') {
         word += Escaped();
@@ -39,11 +46,6 @@ class WordReader {
 
  private:
   bool IsAtEnd() const { return m_at >= m_line.size(); }
-
-  /// Whether the ' just read, in a word that starts at `start`, opens nothing.
-  bool IsApostrophe(std::size_t start) const {
-    return m_at - 1 > start && m_line.find('\'', m_at) == std::string_view::npos;
-  }
 
   char Escaped() {
     if (IsAtEnd()) throw Failure(ExitCode::WrongUsage, "The line ends in a '\\'.");

@@ -10,8 +10,8 @@ namespace cli {
 /// everything but takes \" and \\ for the second character, \ outside quotes keeps the next character; # at
 /// the beginning of a word starts a comment.
 ///
-/// An apostrophe inside a word that no other one follows is one, so that O'Marrick needs no quotes. Raises
-/// Failure (WrongUsage) for a quote that is not closed, and for a \ at the end of the line.
+/// Other than there, an apostrophe right behind a letter is just one, so that O'Marrick needs no quotes.
+/// Raises Failure (WrongUsage) for a quote that is not closed, and for a \ at the end of the line.
 std::vector<std::string> ScriptWords(std::string_view line);
 
 }  // namespace cli

@@ -1,6 +1,7 @@
 #include "cli/Shell.h"
 
 #include <csignal>
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -114,7 +115,8 @@ void Shell::Leave(bool discards) {
   }
   m_leaves = true;
   if (!unsaved.empty()) {
-    throw Failure(ExitCode::Refused, unsaved + ".", "'draft save' saves them, 'quit --discard' drops them.");
+    throw Failure(ExitCode::Refused, unsaved + ".",
+                  "'draft save' saves what is not, 'quit --discard' drops it.");
   }
 }
 
@@ -140,6 +142,7 @@ void Shell::EndOfLines() {
   if (m_input.isInteractive) {
     m_context.messages.Prompt("\n");
     m_input.lines.clear();  // whoever has ended the lines can still answer
+    std::clearerr(stdin);
   }
   const ExitCode code = Attempt(
       m_context.output, m_context.messages, [this] { Leave(/*discards=*/false); }, m_input.name);

@@ -1,0 +1,85 @@
+#include "cli/DraftSession.h"
+#include "cli/ExitCode.h"
+#include "tests/cli/DraftTest.h"
+
+namespace cli::test {
+namespace {
+
+using DraftSessionTest = DraftTest;
+
+TEST_F(DraftSessionTest, TakesStepsBackInTurnAcrossSavings) {
+  const Picks first = Draft().Current();
+  Draft().Change({{1, Pick()}});
+  Draft().Change({{12, first[0]}});  // the player of pick 1 goes to pick 12
+  Draft().Change({{1, first[11]}, {6, Pick()}});
+  EXPECT_EQ(Draft().Unsaved(), (std::vector<std::int32_t>{1, 6, 12}));
+  Draft().Save();
+  EXPECT_TRUE(Draft().Unsaved().empty());
+
+  EXPECT_EQ(Draft().TakeBack(), (std::vector<std::int32_t>{1, 6}));
+  EXPECT_EQ(Draft().TakeBack(), (std::vector<std::int32_t>{12}));
+  EXPECT_EQ(Draft().Current()[11], first[11]);
+  EXPECT_EQ(Draft().TakeBack(), (std::vector<std::int32_t>{1}));
+  EXPECT_EQ(Draft().TakeBack(), std::vector<std::int32_t>());
+  EXPECT_EQ(Draft().Current(), first);
+  Draft().Save();
+  EXPECT_EQ(StoredPicks(), first);
+}
+
+TEST_F(DraftSessionTest, ShowsItsPicksInTheSeasonOfTheService) {
+  const Picks first = Draft().Current();
+  Draft().Change({{1, first[11]}, {12, first[0]}});
+  std::string taken;
+  EXPECT_TRUE(CurrentSeason(League())->IsPickableTaken(first[0].what, taken));
+  EXPECT_EQ(taken.find("3\t"), 0U) << taken;
+  EXPECT_EQ(PicksOf(*CurrentSeason(League())), Draft().Current());
+}
+
+TEST_F(DraftSessionTest, PutsUnsavedPicksIntoADraftThatIsLoadedAnew) {
+  const Picks first = Draft().Current();
+  Draft().Change({{1, first[11]}, {12, first[0]}, {3, Pick()}});
+  const Picks played = Draft().Current();
+  League().Service().DiscardCurrentSeasonInfo();
+  EXPECT_EQ(Draft().Current(), played);
+  EXPECT_EQ(Draft().Stored(), first);
+  EXPECT_EQ(PicksOf(*CurrentSeason(League())), played);
+}
+
+TEST_F(DraftSessionTest, KeepsItsPicksWhenSavingFails) {
+  const Picks first = Draft().Current();
+  Draft().Change({{1, first[11]}, {12, first[0]}, {3, Pick()}});
+  const Picks played = Draft().Current();
+  for (const int calls : {0, 30, 60, 100, 200}) {
+    m_engine->callsLeft = calls;
+    EXPECT_THROW(Draft().Save(), Failure) << calls;
+    m_engine->callsLeft = -1;
+    EXPECT_EQ(Draft().Current(), played) << calls;
+    EXPECT_FALSE(Draft().Unsaved().empty()) << calls;
+    EXPECT_THROW(League().RefuseUnsavedPicks("season use"), Failure);
+  }
+  Draft().Save();
+  EXPECT_NO_THROW(League().RefuseUnsavedPicks("season use"));
+  EXPECT_EQ(StoredPicks(), played);
+}
+
+TEST_F(DraftSessionTest, RevertsToWhatIsStored) {
+  const Picks first = Draft().Current();
+  Draft().Change({{1, Pick()}});
+  Draft().Change({{2, Pick()}});
+  Draft().Revert();
+  EXPECT_TRUE(Draft().Unsaved().empty());
+  EXPECT_EQ(Draft().Current(), first);
+  EXPECT_EQ(PicksOf(*CurrentSeason(League())), first);
+  EXPECT_TRUE(Draft().TakeBack().empty());
+}
+
+TEST_F(DraftSessionTest, ForgetsTheStepsOfAnotherSeason) {
+  Draft().Change({{1, Pick()}});
+  Draft().Save();
+  League().Service().CurrentSeasonID(11);
+  EXPECT_EQ(Draft().Current().size(), 192U);
+  EXPECT_TRUE(Draft().TakeBack().empty());
+}
+
+}  // namespace
+}  // namespace cli::test
