@@ -12,9 +12,9 @@
 namespace cli {
 namespace {
 
-constexpr std::size_t kNarrowest = 24;     ///< columns of a whole line
-constexpr std::size_t kNarrowestText = 8;  ///< columns of a cell's text before managers are split
-constexpr std::size_t kMarkAndGap = 2;     ///< columns of a cell besides its text
+constexpr std::size_t kNarrowest = 24;      ///< columns of a whole line
+constexpr std::size_t kNarrowestText = 12;  ///< columns of a cell's text before managers are split
+constexpr std::size_t kMarkAndGap = 2;      ///< columns of a cell besides its text
 constexpr char kDue = '>';
 constexpr char kUnsaved = '*';
 constexpr char kOfAnother = '~';

@@ -120,9 +120,9 @@ void ClearAll(Context& context, bool isSure) {
   const std::vector<std::int32_t> filled = FilledPicks(session.Current());
   const std::string what =
       CountOfPicks(filled.size()) + " of the draft " + std::to_string(session.Season().Year());
-  if (!filled.empty() && !isSure && !context.Confirm("Drop all " + what + "?")) {
+  if (!filled.empty() && !isSure && !context.Confirm("Empty all " + what + "?")) {
     throw Failure(ExitCode::Refused, "The draft was not cleared.",
-                  "With --yes its " + what + " are dropped.");
+                  context.canAsk ? "" : "With --yes its " + CountOfPicks(filled.size()) + " are emptied.");
   }
   Changes changes;
   for (const std::int32_t number : filled)

@@ -11,6 +11,7 @@
 #include "HLIData/ITeamInfo.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
+#include "cli/Nearest.h"
 #include "cli/TextTable.h"
 #include "cli/Utf8.h"
 
@@ -203,6 +204,23 @@ Pickables Found(League& league, const std::string& who, bool skipRetired) {
   return found;
 }
 
+/// "Did you mean Ann Lee (P17, DAL, QB)?"; empty when nobody's name is near.
+std::string Suggestion(League& league, const std::string& who) {
+  std::vector<std::string> names;
+  std::vector<std::string> texts;
+  for (const auto& pickable : Search(league, AsPattern(FirstLetter(who)), /*skipRetired=*/true)) {
+    const PickableFacts facts = FactsOf(*pickable);
+    for (const std::string& name : {facts.name, facts.lastName}) {
+      names.push_back(name);
+      texts.push_back(PickableText(facts));
+    }
+  }
+  const std::string nearest = NearestOf(Joined(WordsOf(who)), names);
+  if (nearest.empty()) return {};
+  const auto index = std::find(names.begin(), names.end(), nearest) - names.begin();
+  return "Did you mean " + texts[static_cast<std::size_t>(index)] + "?";
+}
+
 [[noreturn]] void RaiseNobody(League& league, const PickableWords& words, const Pickables& others,
                               const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
   std::string what = "There is no player or team '" + words.who + "'";
@@ -215,6 +233,8 @@ Pickables Found(League& league, const std::string& who, bool skipRetired) {
   } else if (!words.retired && !BestOf(Found(league, words.who, /*skipRetired=*/false), words.who).empty()) {
     what += " who plays";
     hint = "'--retired' looks among retired players too.";
+  } else {
+    hint = Suggestion(league, words.who);
   }
   throw Failure(ExitCode::Refused, what + ".", hint);
 }

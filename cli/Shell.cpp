@@ -1,5 +1,6 @@
 #include "cli/Shell.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <memory>
@@ -27,6 +28,13 @@ class InterruptsIgnored {
  private:
   void (*m_before)(int);
 };
+
+/// On draft night `pick` is typed often, and is short for `draft pick`.
+bool IsDraftCommand(const CLI::App& app, const std::string& word) {
+  const auto commands = app.get_subcommand("draft")->get_subcommands({});
+  return std::any_of(commands.begin(), commands.end(),
+                     [&word](const CLI::App* command) { return command->get_name() == word; });
+}
 
 }  // namespace
 
@@ -92,12 +100,14 @@ void Shell::Perform(std::vector<std::string> words) {
   }
   CommandLine line(m_context, CommandLine::Reader::Shell);
   AddShellCommands(line.App());
+  if (IsDraftCommand(line.App(), words.front())) words.insert(words.begin(), "draft");
   if (!line.Parse(std::move(words))) return;
   m_context.messages.SetQuiet(m_context.quiet);
   std::exchange(m_context.action, nullptr)();
 }
 
 void Shell::AddShellCommands(CLI::App& app) {
+  app.footer("The commands of 'draft' are understood without it: 'pick', 'undo', 'board' and the others.");
   app.add_subcommand("help", "List the commands, or tell how one is used");
   for (const char* name : {"quit", "exit"}) {
     CLI::App* command = app.add_subcommand(name, "Leave the shell");

@@ -221,8 +221,7 @@ void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options)
   }
   FileUnderConstruction file(path + ".being-made");
   const auto database = HLServiceUtils::Engine().CreateDatabase(
-      file.Path(),
-      {.password = HLServiceUtils::kDatabasePassword, .durability = jet::Durability::Off});
+      file.Path(), {.password = HLServiceUtils::kDatabasePassword, .durability = jet::Durability::Off});
   MakeSchema(*database);
   AddSettingsRow(*database);
   if (options.fill) options.fill(*database);

@@ -127,8 +127,9 @@ TEST(DraftBoard, UsesTheWidthThatItHas) {
     return std::count_if(lines.begin(), lines.end(),
                          [](const auto& line) { return line.starts_with("1 →"); });
   };
-  EXPECT_EQ(countOfGrids(80), 2);
-  EXPECT_EQ(countOfGrids(124), 1);
+  EXPECT_EQ(countOfGrids(80), 3);
+  EXPECT_EQ(countOfGrids(171), 1);
+  EXPECT_EQ(countOfGrids(170), 2);
   EXPECT_NE(Board(*season, 400)[3].find("QB 山田 Tarō-1"), std::string::npos);
 }
 

@@ -44,6 +44,8 @@ class Drafting(DraftTest):
         for words in (["nobody"], ["P9999"], ["T99"], ["P0"], ["*"], ["x' or 'a' like 'a"]):
             self.refused("draft", "pick", *words, says="There is no")
         self.refused("draft", "pick", "", says="whom", code=support.USAGE)
+        self.refused("draft", "pick", "Olfa", "Dimblewodo", says="Did you mean Olaf Dimblewood (P3, AMB, RB)?")
+        self.assertNotIn("Did you mean", self.refused("draft", "pick", "Xyzzy", says="There is no"))
 
     def test_namesakes_are_told_apart(self):
         listed = self.refused("draft", "pick", "Ann", "Twin", says="More than one")
@@ -160,7 +162,7 @@ class Boards(LeagueTest):
 
     def test_columns_say_how_wide_it_may_be(self):
         self.use_fixture(season=12)
-        for columns, grids in (("80", 2), ("60", 3), ("200", 1), ("x", 2), ("0", 2), ("-5", 2), ("24", 6)):
+        for columns, grids in (("80", 3), ("60", 3), ("120", 2), ("200", 1), ("x", 3), ("0", 3), ("-5", 3), ("24", 12)):
             text = self.succeed(*self.at, "draft", "board", env={"COLUMNS": columns})
             self.assertEqual(text.count(" 1 →"), grids, columns)
             width = int(columns) if columns.isdigit() and columns != "0" else 80

@@ -27,7 +27,7 @@ class Scripts(DraftTest):
         self.assertIn("Saved picks 1-4.", out)
         self.expect("P2", "P483", "P3", "P23")
         self.assert_changed_only(before, "draft info")
-        self.shell("draft clear 1 3", "draft pick P1", "draft pick P2 --pick 3", "draft save")
+        self.shell("clear 1 3", "pick P1", "pick P2 --pick 3", "save")  # `draft` may be left out
         self.expect("P1", "P483", "P2", "P23")
 
     def test_each_pick_is_followed_by_who_is_next(self):
