@@ -134,7 +134,7 @@ TEST_F(SeasonPlayedTest, IsFoundAsItWasLeft) {
   m_service->CloseDatabase();
   const std::string path = m_folder.File("Halcyra - Live.mdb");
   EXPECT_EQ(jet::test::IndependentCheck(path), "");
-  if (!jet::test::HasMdbExport()) GTEST_SKIP() << "mdb-export is not installed";
+  ASSERT_TRUE(jet::test::HasMdbExport());
   for (const auto& [table, rows] : left)
     EXPECT_EQ(test::ExportedRows(path, table), rows) << table;
   EXPECT_TRUE(m_host->messages.empty());
