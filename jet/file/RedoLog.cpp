@@ -255,7 +255,9 @@ void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCo
   Checksum sum(m_sum);
   m_buffer.clear();
   const auto put = [&](std::span<const std::byte> bytes) {
-    m_buffer.insert(m_buffer.end(), bytes.begin(), bytes.end());
+    const std::size_t at = m_buffer.size();
+    m_buffer.resize(at + bytes.size());
+    std::memcpy(m_buffer.data() + at, bytes.data(), bytes.size());
   };
   const auto flush = [&] {
     m_file->Write(m_end, m_buffer);
