@@ -129,6 +129,18 @@ class Scripts(DraftTest):
         self.assertEqual(shell.returncode, DONE)
         self.done("draft", "clock")
 
+    def test_what_was_saved_survives_the_end_of_the_process(self):
+        shell = subprocess.Popen([support.PROGRAM, *self.at, "shell"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                 stderr=subprocess.DEVNULL, env=support.environment())
+        self.addCleanup(shell.stdout.close)
+        shell.stdin.write(b"pick P1\npick P2\nsave\npick P3\n")
+        shell.stdin.flush()
+        while b"takes Olaf Dimblewood" not in (line := shell.stdout.readline()):
+            self.assertTrue(line)
+        shell.kill()
+        shell.communicate()
+        self.expect("P1", "P2")
+
 
 @unittest.skipUnless(os.name == "posix", "needs a pseudo-terminal")
 class Terminals(DraftTest):
