@@ -12,8 +12,8 @@ namespace {
 /// `check [FILE]`: the file may be named without --file.
 class CheckOptions : public DatabaseOptions {
  public:
-  void AddTo(CLI::App& command) {
-    command.add_option("FILE", m_file, "file to check; without one, the league's")->type_name("");
+  void AddTo(Command& command) {
+    command.AddArgument("FILE", m_file, "file to check; without one, the league's");
     DatabaseOptions::AddTo(command);
   }
 };
@@ -52,13 +52,11 @@ void Check(Context& context, const CheckOptions& options) {
 
 }  // namespace
 
-void AddCheckCommand(CLI::App& app, Context& context) {
-  CLI::App* command =
-      app.add_subcommand("check", "Check the whole of a file: pages, maps, indexes, relationships");
+void AddCheckCommand(Command& app) {
+  Command command = app.AddCommand("check", "Check the whole of a file: pages, maps, indexes, relationships");
   auto options = std::make_shared<CheckOptions>();
-  options->AddTo(*command);
-  command->callback(
-      [&context, options] { context.action = [&context, options] { Check(context, *options); }; });
+  options->AddTo(command);
+  command.Runs(Check, options);
 }
 
 }  // namespace cli

@@ -4,6 +4,8 @@
 #include <exception>
 #include <new>
 
+#include <CLI/CLI.hpp>
+
 #include "HLIData/Error.h"
 #include "cli/Commands.h"
 #include "cli/Nearest.h"
@@ -13,41 +15,43 @@ namespace cli {
 namespace {
 
 /// The options of every command.
-void AddResultOptions(CLI::App& app, Context& context) {
-  app.add_flag("--json", context.json, "print the result as JSON");
-  app.add_flag("--quiet,-q", context.quiet, "print no notes, only results and errors");
+void AddResultOptions(Command& root) {
+  Context& context = root.TheContext();
+  root.AddFlag("--json", context.json, "print the result as JSON");
+  root.AddFlag("--quiet,-q", context.quiet, "print no notes, only results and errors");
 }
 
 /// The options that choose the league.
-void AddLeagueOptions(CLI::App& app, Context& context) {
-  app.add_option("--folder", context.folder, "folder of the league's files; without one, the program's own")
-      ->type_name("DIR")
-      ->envname("HALCYRA_FOLDER");
-  app.add_option("--kind", context.kindName, "which of the league's files to work on")
-      ->transform(CLI::IsMember({"live", "test", "blank", "backup", "setup"}, CLI::ignore_case))
-      ->capture_default_str();
+void AddLeagueOptions(Command& root) {
+  Context& context = root.TheContext();
+  root.AddOption("--folder", "DIR", context.folder,
+                 "folder of the league's files; without one, the program's own")
+      .FromEnvironment("HALCYRA_FOLDER");
+  root.AddOption("--kind", "KIND", context.kindName, "which of the league's files to work on")
+      .OneOf({"live", "test", "blank", "backup", "setup"})
+      .ShowsDefault();
 }
 
 /// The commands on a league that is open; a shell has them too.
-void AddLeagueCommands(CLI::App& app, Context& context) {
-  AddSettingsCommand(app, context);
-  AddSeasonCommand(app, context);
-  AddManagerCommand(app, context);
-  AddPrizeCommand(app, context);
-  AddDraftCommand(app, context);
-  AddWinningCommand(app, context);
-  AddMoneyCommand(app, context);
-  AddHistoryCommand(app, context);
-  AddPositionCommand(app, context);
-  AddTeamCommand(app, context);
+void AddLeagueCommands(Command& root) {
+  AddSettingsCommand(root);
+  AddSeasonCommand(root);
+  AddManagerCommand(root);
+  AddPrizeCommand(root);
+  AddDraftCommand(root);
+  AddWinningCommand(root);
+  AddMoneyCommand(root);
+  AddHistoryCommand(root);
+  AddPositionCommand(root);
+  AddTeamCommand(root);
 }
 
 /// The commands that open files themselves.
-void AddFileCommands(CLI::App& app, Context& context) {
-  AddTablesCommand(app, context);
-  AddDumpCommand(app, context);
-  AddQueryCommand(app, context);
-  AddCheckCommand(app, context);
+void AddFileCommands(Command& root) {
+  AddTablesCommand(root);
+  AddDumpCommand(root);
+  AddQueryCommand(root);
+  AddCheckCommand(root);
 }
 
 /// The command that was chosen, down to the last part of its name: of `draft pick` it is `pick`.
@@ -96,29 +100,40 @@ CommandLine::CommandLine(Context& context, Reader reader)
     : m_context(context), m_reader(reader), m_app(std::make_unique<CLI::App>()) {
   CLI::App& app = *m_app;
   app.set_help_flag("--help,-h", "print this help and exit");
-  app.require_subcommand(1);
   app.fallthrough();
+  Command root = Root();
   if (reader == Reader::Program) {
     app.name("halcyra");
     app.description(
         "The files of a private fantasy league: make them, play a season, look into them, check them.");
     app.set_version_flag("--version", "halcyra " HALCYRA_VERSION, "print the version and exit");
-    AddLeagueOptions(app, context);
-    AddResultOptions(app, context);
-    AddCreateCommand(app, context);
-    AddInfoCommand(app, context);
-    AddLeagueCommands(app, context);
-    AddShellCommand(app, context);
-    AddFileCommands(app, context);
+    AddLeagueOptions(root);
+    AddResultOptions(root);
+    AddCreateCommand(root);
+    AddInfoCommand(root);
+    AddLeagueCommands(root);
+    AddShellCommand(root);
+    AddFileCommands(root);
   } else {
     app.description("Commands on the league that is open.");
-    AddResultOptions(app, context);
-    AddLeagueCommands(app, context);
+    AddResultOptions(root);
+    AddLeagueCommands(root);
   }
   for (CLI::App* command : app.get_subcommands({}))
     command->footer("The options that " +
                     std::string(reader == Reader::Program ? "'halcyra --help'" : "'help'") +
                     " lists may stand here too.");
+}
+
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::Root() {
+  return {*m_app, m_context};
+}
+
+bool CommandLine::HasSubcommand(const std::string& command, const std::string& word) const {
+  const std::vector<std::string> names = CommandNames(*m_app->get_subcommand(command));
+  return std::find(names.begin(), names.end(), word) != names.end();
 }
 
 bool CommandLine::Parse(std::vector<std::string> words) {
@@ -131,7 +146,7 @@ bool CommandLine::Parse(std::vector<std::string> words) {
   } catch (const CLI::CallForVersion& version) {
     m_context.output.Line(version.what());
   } catch (const CLI::ParseError& error) {
-    throw Diagnose(error);
+    throw Diagnose(error.what());
   }
   return false;
 }
@@ -144,7 +159,7 @@ std::string CommandLine::HelpHint() const {
 
 /// What is wrong with a command line that CLI11 refused: it stops at the first rule that is broken, which is
 /// seldom the word that was mistyped.
-Failure CommandLine::Diagnose(const CLI::ParseError& error) const {
+Failure CommandLine::Diagnose(const std::string& whatIsWrong) const {
   const CLI::App& command = ChosenCommand(*m_app);
   const bool hasCommand = &command != m_app.get();
   const std::string name = hasCommand ? NameOf(command) : std::string();
@@ -153,7 +168,7 @@ Failure CommandLine::Diagnose(const CLI::ParseError& error) const {
   if (left.empty()) {
     if (!hasCommand) return {ExitCode::WrongUsage, "No command was given.", HelpHint()};
     const std::string help = m_reader == Reader::Program ? "halcyra " + name + " --help" : "help " + name;
-    return {ExitCode::WrongUsage, known.empty() ? error.what() : "'" + name + "' wants to know what to do.",
+    return {ExitCode::WrongUsage, known.empty() ? whatIsWrong : "'" + name + "' wants to know what to do.",
             "'" + help + "' tells how it is used."};
   }
 
@@ -183,11 +198,6 @@ Failure CommandLine::Diagnose(const CLI::ParseError& error) const {
 ExitCode Attempt(Output& output, Messages& messages, const std::function<void()>& work,
                  const std::string& where) {
   const auto failed = [&](ExitCode code, const std::string& text) {
-    try {
-      output.Flush();  // what was printed before the failure goes first, also where both lead to one terminal
-    } catch (const Failure&) {
-      // The first failure is the one to report.
-    }
     messages.Error(where.empty() ? text : where + ": " + text);
     return code;
   };

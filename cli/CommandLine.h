@@ -5,9 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
-#include "cli/Context.h"
+#include "cli/Command.h"
 #include "cli/ExitCode.h"
 
 namespace cli {
@@ -23,15 +21,20 @@ class CommandLine {
 
   CommandLine(Context& context, Reader reader);
 
+  ~CommandLine();
+
   /// For further commands.
-  CLI::App& App() { return *m_app; }
+  Command Root();
+
+  /// Whether `word` is the name of a subcommand of `command`.
+  bool HasSubcommand(const std::string& command, const std::string& word) const;
 
   /// Understands the words and fills in the context. False when help or the version was asked for, and
   /// printed. Raises Failure (WrongUsage) for words that are no command.
   bool Parse(std::vector<std::string> words);
 
  private:
-  Failure Diagnose(const CLI::ParseError& error) const;
+  Failure Diagnose(const std::string& whatIsWrong) const;
   std::string HelpHint() const;
 
   Context& m_context;

@@ -1,29 +1,27 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
-#include "cli/Context.h"
+#include "cli/Command.h"
 
 namespace cli {
 
 // Each adds one command to the program. What a command does is told by its help and in docs/commands.md.
 
-void AddCreateCommand(CLI::App& app, Context& context);
-void AddInfoCommand(CLI::App& app, Context& context);
-void AddSettingsCommand(CLI::App& app, Context& context);
-void AddSeasonCommand(CLI::App& app, Context& context);
-void AddManagerCommand(CLI::App& app, Context& context);
-void AddPrizeCommand(CLI::App& app, Context& context);
-void AddDraftCommand(CLI::App& app, Context& context);
-void AddWinningCommand(CLI::App& app, Context& context);
-void AddMoneyCommand(CLI::App& app, Context& context);
-void AddHistoryCommand(CLI::App& app, Context& context);
-void AddPositionCommand(CLI::App& app, Context& context);
-void AddTeamCommand(CLI::App& app, Context& context);
-void AddShellCommand(CLI::App& app, Context& context);
-void AddTablesCommand(CLI::App& app, Context& context);
-void AddDumpCommand(CLI::App& app, Context& context);
-void AddQueryCommand(CLI::App& app, Context& context);
-void AddCheckCommand(CLI::App& app, Context& context);
+void AddCreateCommand(Command& app);
+void AddInfoCommand(Command& app);
+void AddSettingsCommand(Command& app);
+void AddSeasonCommand(Command& app);
+void AddManagerCommand(Command& app);
+void AddPrizeCommand(Command& app);
+void AddDraftCommand(Command& app);
+void AddWinningCommand(Command& app);
+void AddMoneyCommand(Command& app);
+void AddHistoryCommand(Command& app);
+void AddPositionCommand(Command& app);
+void AddTeamCommand(Command& app);
+void AddShellCommand(Command& app);
+void AddTablesCommand(Command& app);
+void AddDumpCommand(Command& app);
+void AddQueryCommand(Command& app);
+void AddCheckCommand(Command& app);
 
 }  // namespace cli

@@ -87,20 +87,18 @@ void Create(Context& context, const CreateOptions& options) {
 
 }  // namespace
 
-void AddCreateCommand(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("create", "Make a league file of the chosen kind");
+void AddCreateCommand(Command& app) {
+  Command command = app.AddCommand("create", "Make a league file of the chosen kind");
   auto options = std::make_shared<CreateOptions>();
-  CLI::Option* sample = command->add_flag("--sample", options->sample, "fill it with the sample league");
+  const Option sample = command.AddFlag("--sample", options->sample, "fill it with the sample league");
   command
-      ->add_option(
-          "--csv", options->csvFolder,
+      .AddOption(
+          "--csv", "DIR", options->csvFolder,
           "fill it from the files positions.csv, teams.csv, prize-types.csv, prizes.csv, players.csv and "
           "managers.csv of this folder, those that are there")
-      ->type_name("DIR")
-      ->excludes(sample);
-  command->add_flag("--force", options->force, "replace a file that is there already");
-  command->callback(
-      [&context, options] { context.action = [&context, options] { Create(context, *options); }; });
+      .Excludes(sample);
+  command.AddFlag("--force", options->force, "replace a file that is there already");
+  command.Runs(Create, options);
 }
 
 }  // namespace cli

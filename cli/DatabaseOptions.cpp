@@ -23,16 +23,13 @@ std::string FirstLine(const std::string& path) {
 
 }  // namespace
 
-void DatabaseOptions::AddTo(CLI::App& command) {
-  command.add_option("--file", m_file, "any Jet 4 file; without one, the league's of the chosen kind")
-      ->type_name("FILE");
-  m_passwordOption = command.add_option(
-      "--password", m_password, "password of the file; other users may see it while the program runs");
-  m_passwordOption->type_name("PASSWORD");
-  m_passwordFileOption = command.add_option(
-      "--password-file", m_passwordFile,
+void DatabaseOptions::AddTo(Command& command) {
+  command.AddOption("--file", "FILE", m_file, "any Jet 4 file; without one, the league's of the chosen kind");
+  m_passwordOption = command.AddOption("--password", "PASSWORD", m_password,
+                                       "password of the file; other users may see it while the program runs");
+  m_passwordFileOption = command.AddOption(
+      "--password-file", "FILE", m_passwordFile,
       "file whose first line is the password; without either, $HALCYRA_PASSWORD, else the league's own");
-  m_passwordFileOption->type_name("FILE");
 }
 
 std::string DatabaseOptions::Path(const Context& context) const {
@@ -41,9 +38,9 @@ std::string DatabaseOptions::Path(const Context& context) const {
 
 std::string DatabaseOptions::ConnectString() const {
   std::string password;
-  if (m_passwordOption->count() > 0) {
+  if (m_passwordOption.IsGiven()) {
     password = m_password;
-  } else if (m_passwordFileOption->count() > 0) {
+  } else if (m_passwordFileOption.IsGiven()) {
     password = FirstLine(m_passwordFile);
   } else {
     password = EnvironmentText("HALCYRA_PASSWORD");

@@ -3,9 +3,7 @@
 #include <memory>
 #include <string>
 
-#include <CLI/CLI.hpp>
-
-#include "cli/Context.h"
+#include "cli/Command.h"
 #include "jet/dao/DBEngine.h"
 
 namespace cli {
@@ -17,7 +15,7 @@ namespace cli {
 class DatabaseOptions {
  public:
   /// Adds the options to a command.
-  void AddTo(CLI::App& command);
+  void AddTo(Command& command);
 
   /// The file that the options name.
   std::string Path(const Context& context) const;
@@ -34,8 +32,8 @@ class DatabaseOptions {
 
   std::string m_password;
   std::string m_passwordFile;
-  CLI::Option* m_passwordOption = nullptr;
-  CLI::Option* m_passwordFileOption = nullptr;
+  Option m_passwordOption;
+  Option m_passwordFileOption;
 };
 
 }  // namespace cli

@@ -112,29 +112,24 @@ void Board(Context& context) {
     context.output.Line(line);
 }
 
-void AddPick(CLI::App& draft, Context& context) {
-  CLI::App* command = draft.add_subcommand("pick", "Pick a player or team for the manager on the clock");
+void AddPick(Command& draft) {
+  Command command = draft.AddCommand("pick", "Pick a player or team for the manager on the clock");
   auto options = std::make_shared<DraftPickOptions>();
-  command->add_option("WHO", options->who, "a name, or the beginning of one; or an id: P17, T5")
-      ->required()
-      ->type_name("");
-  command->add_option("--pick", options->pick, "fill this pick, or replace it")->type_name("N");
-  command->add_option("--team", options->words.team, "of namesakes the one in this team")->type_name("ABBR");
-  command->add_option("--position", options->words.position, "of namesakes the one at this position")
-      ->type_name("ABBR");
-  command->add_option("--manager", options->manager, "who picks, if it is not the one whose turn it is")
-      ->type_name("NAME");
-  command->add_flag("--retired", options->words.retired, "look among retired players too");
-  command->callback(
-      [&context, options] { context.action = [&context, options] { DraftPick(context, *options); }; });
+  command.AddArgument("WHO", options->who, "a name, or the beginning of one; or an id: P17, T5").Required();
+  command.AddOption("--pick", "N", options->pick, "fill this pick, or replace it");
+  command.AddOption("--team", "ABBR", options->words.team, "of namesakes the one in this team");
+  command.AddOption("--position", "ABBR", options->words.position, "of namesakes the one at this position");
+  command.AddOption("--manager", "NAME", options->manager,
+                    "who picks, if it is not the one whose turn it is");
+  command.AddFlag("--retired", options->words.retired, "look among retired players too");
+  command.Runs(DraftPick, options);
 }
 
-void AddUndo(CLI::App& draft, Context& context) {
-  CLI::App* command = draft.add_subcommand("undo", "Take the last pick back, or empty pick N");
+void AddUndo(Command& draft) {
+  Command command = draft.AddCommand("undo", "Take the last pick back, or empty pick N");
   auto number = std::make_shared<std::optional<std::int32_t>>();
-  command->add_option("N", *number, "the pick to empty")->type_name("");
-  command->callback(
-      [&context, number] { context.action = [&context, number] { DraftUndo(context, *number); }; });
+  command.AddArgument("N", *number, "the pick to empty");
+  command.Runs([&context = draft.TheContext(), number] { DraftUndo(context, *number); });
 }
 
 struct ClearOptions {
@@ -142,36 +137,26 @@ struct ClearOptions {
   bool isSure = false;
 };
 
-void AddClear(CLI::App& draft, Context& context) {
-  CLI::App* command = draft.add_subcommand("clear", "Empty picks, or the whole draft");
+void AddClear(Command& draft) {
+  Command command = draft.AddCommand("clear", "Empty picks, or the whole draft");
   auto options = std::make_shared<ClearOptions>();
-  command->add_option("N", options->numbers, "the picks to empty; without any, all of them")->type_name("");
-  command->add_flag("--yes,-y,--force", options->isSure, "do not ask before the whole draft is emptied");
-  command->callback([&context, options] {
-    context.action = [&context, options] { DraftClear(context, options->numbers, options->isSure); };
-  });
-}
-
-void AddPlain(CLI::App& draft, Context& context, const std::string& name, const std::string& description,
-              void (*action)(Context&)) {
-  draft.add_subcommand(name, description)->callback([&context, action] {
-    context.action = [&context, action] { action(context); };
-  });
+  command.AddArgument("N", options->numbers, "the picks to empty; without any, all of them");
+  command.AddFlag("--yes,-y,--force", options->isSure, "do not ask before the whole draft is emptied");
+  command.Runs(
+      [&context = draft.TheContext(), options] { DraftClear(context, options->numbers, options->isSure); });
 }
 
 }  // namespace
 
-void AddDraftCommand(CLI::App& app, Context& context) {
-  CLI::App* draft = app.add_subcommand("draft", "Play the draft of the current season");
-  draft->require_subcommand(1);
-  AddPlain(*draft, context, "board", "Show the draft: rounds by managers", Board);
-  AddPlain(*draft, context, "clock", "Show whose turn it is", Clock);
-  AddPick(*draft, context);
-  AddUndo(*draft, context);
-  AddClear(*draft, context);
-  AddPlain(*draft, context, "save", "Save the picks that a shell has made", DraftSave);
-  AddPlain(*draft, context, "revert", "Drop the picks that a shell has made since they were saved",
-           DraftRevert);
+void AddDraftCommand(Command& app) {
+  Command draft = app.AddCommand("draft", "Play the draft of the current season");
+  draft.AddCommand("board", "Show the draft: rounds by managers").Runs(Board);
+  draft.AddCommand("clock", "Show whose turn it is").Runs(Clock);
+  AddPick(draft);
+  AddUndo(draft);
+  AddClear(draft);
+  draft.AddCommand("save", "Save the picks that a shell has made").Runs(DraftSave);
+  draft.AddCommand("revert", "Drop the picks that a shell has made since they were saved").Runs(DraftRevert);
 }
 
 }  // namespace cli

@@ -57,14 +57,13 @@ void Dump(Context& context, const DumpOptions& options) {
 
 }  // namespace
 
-void AddDumpCommand(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("dump", "Print the rows of a table in the order of its primary key");
+void AddDumpCommand(Command& app) {
+  Command command = app.AddCommand("dump", "Print the rows of a table in the order of its primary key");
   auto options = std::make_shared<DumpOptions>();
-  command->add_option("TABLE", options->table, "name of the table, in any case")->type_name("")->required();
-  options->format.AddTo(*command);
-  options->AddTo(*command);
-  command->callback(
-      [&context, options] { context.action = [&context, options] { Dump(context, *options); }; });
+  command.AddArgument("TABLE", options->table, "name of the table, in any case").Required();
+  options->format.AddTo(command);
+  options->AddTo(command);
+  command.Runs(Dump, options);
 }
 
 }  // namespace cli

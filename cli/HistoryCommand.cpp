@@ -158,10 +158,8 @@ void History(Context& context) {
 
 }  // namespace
 
-void AddHistoryCommand(CLI::App& app, Context& context) {
-  app.add_subcommand("history", "Show all seasons, and each manager over all of them")->callback([&context] {
-    context.action = [&context] { History(context); };
-  });
+void AddHistoryCommand(Command& app) {
+  app.AddCommand("history", "Show all seasons, and each manager over all of them").Runs(History);
 }
 
 }  // namespace cli

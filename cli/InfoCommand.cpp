@@ -58,10 +58,9 @@ void Info(Context& context) {
 
 }  // namespace
 
-void AddInfoCommand(CLI::App& app, Context& context) {
-  CLI::App* command =
-      app.add_subcommand("info", "Show the league: its file, its current season, what is in it");
-  command->callback([&context] { context.action = [&context] { Info(context); }; });
+void AddInfoCommand(Command& app) {
+  Command command = app.AddCommand("info", "Show the league: its file, its current season, what is in it");
+  command.Runs(Info);
 }
 
 }  // namespace cli

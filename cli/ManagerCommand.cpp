@@ -173,21 +173,19 @@ void Rank(Context& context, const Words& words) {
 
 }  // namespace
 
-void AddManagerCommand(CLI::App& app, Context& context) {
-  CLI::App* manager = app.add_subcommand("manager", "Who takes part in the current season, ranks and fees");
-  manager->require_subcommand(1);
-  CLI::App* list = manager->add_subcommand("list", "List who takes part, in the order of the ranking");
+void AddManagerCommand(Command& app) {
+  Command manager = app.AddCommand("manager", "Who takes part in the current season, ranks and fees");
+  Command list = manager.AddCommand("list", "List who takes part, in the order of the ranking");
   auto options = std::make_shared<ListOptions>();
-  list->add_option("--season", options->year, "in the season of this year")->type_name("YEAR");
-  list->add_flag("--all", options->all, "list all managers of the league");
-  list->callback([&context, options] { context.action = [&context, options] { List(context, *options); }; });
-  AddWordsCommand(*manager, context, "join", "Let managers take part", "NAME",
-                  "last names, full names, or ids", Join);
-  AddWordsCommand(*manager, context, "leave", "Take managers out who have neither picks nor winnings", "NAME",
+  list.AddOption("--season", "YEAR", options->year, "in the season of this year");
+  list.AddFlag("--all", options->all, "list all managers of the league");
+  list.Runs(List, options);
+  AddWordsCommand(manager, "join", "Let managers take part", "NAME", "last names, full names, or ids", Join);
+  AddWordsCommand(manager, "leave", "Take managers out who have neither picks nor winnings", "NAME",
                   "last names, full names, or ids", Leave);
-  AddWordsCommand(*manager, context, "fee", "Mark the fee of managers as paid or unpaid", "NAME",
+  AddWordsCommand(manager, "fee", "Mark the fee of managers as paid or unpaid", "NAME",
                   "names, and as the last word 'paid' or 'unpaid'", Fee);
-  AddWordsCommand(*manager, context, "rank", "Rank all managers, or put one of them on a place", "NAME",
+  AddWordsCommand(manager, "rank", "Rank all managers, or put one of them on a place", "NAME",
                   "all names from the first rank to the last; or one name and its place", Rank);
 }
 

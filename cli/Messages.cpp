@@ -25,13 +25,17 @@ void Messages::Note(std::string_view text) {
 }
 
 void Messages::Prompt(std::string_view text) {
-  static_cast<void>(std::fwrite(text.data(), 1, text.size(), m_stream));
+  Write(text);
   static_cast<void>(std::fflush(m_stream));
 }
 
 void Messages::Line(std::string_view text) {
-  const std::string line = std::string(text) + "\n";
-  static_cast<void>(std::fwrite(line.data(), 1, line.size(), m_stream));
+  Write(std::string(text) + "\n");
+}
+
+void Messages::Write(std::string_view text) {
+  m_results.TryFlush();
+  static_cast<void>(std::fwrite(text.data(), 1, text.size(), m_stream));
 }
 
 }  // namespace cli

@@ -3,15 +3,20 @@
 #include <cstdio>
 #include <string_view>
 
+#include "cli/Output.h"
+
 namespace cli {
 
 /// What the program says besides its result: errors, hints and notes, all on standard error.
 ///
-/// Borrows the stream. A failure to write a message is not reported: there is nowhere left to report it.
+/// Results printed before a message go out first, so that the two are read in their order where both lead to
+/// one terminal. Borrows stream and results. A failure to write a message is not reported: there is nowhere
+/// left to report it.
 class Messages {
  public:
   /// `colour`: errors stand out in red.
-  Messages(std::FILE* stream, bool colour) : m_stream(stream), m_colour(colour) {}
+  Messages(std::FILE* stream, Output& results, bool colour)
+      : m_stream(stream), m_results(results), m_colour(colour) {}
 
   /// Drops notes from now on; errors and their hints are still shown.
   void SetQuiet(bool quiet) { m_quiet = quiet; }
@@ -25,8 +30,10 @@ class Messages {
 
  private:
   void Line(std::string_view text);
+  void Write(std::string_view text);
 
   std::FILE* m_stream;
+  Output& m_results;
   bool m_colour;
   bool m_quiet = false;
 };

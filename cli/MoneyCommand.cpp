@@ -112,15 +112,13 @@ void Money(Context& context, const MoneyOptions& options) {
 
 }  // namespace
 
-void AddMoneyCommand(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("money", "Show what each manager has paid and won");
+void AddMoneyCommand(Command& app) {
+  Command command = app.AddCommand("money", "Show what each manager has paid and won");
   auto options = std::make_shared<MoneyOptions>();
-  CLI::Option* year = command->add_option("--season", options->year,
-                                          "in the season of this year; without, in the current one");
-  year->type_name("YEAR");
-  command->add_flag("--all", options->all, "in all seasons together")->excludes(year);
-  command->callback(
-      [&context, options] { context.action = [&context, options] { Money(context, *options); }; });
+  const Option year = command.AddOption("--season", "YEAR", options->year,
+                                        "in the season of this year; without, in the current one");
+  command.AddFlag("--all", options->all, "in all seasons together").Excludes(year);
+  command.Runs(Money, options);
 }
 
 }  // namespace cli

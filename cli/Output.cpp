@@ -17,7 +17,10 @@ namespace {
 
 void Output::Write(std::string_view text) {
   errno = 0;
-  if (std::fwrite(text.data(), 1, text.size(), m_stream) != text.size()) RaiseWriteFailure(errno);
+  if (std::fwrite(text.data(), 1, text.size(), m_stream) != text.size()) {
+    if (m_error == 0) m_error = errno;
+    RaiseWriteFailure(m_error);
+  }
 }
 
 void Output::Line(std::string_view text) {
@@ -26,8 +29,13 @@ void Output::Line(std::string_view text) {
 }
 
 void Output::Flush() {
+  TryFlush();
+  if (std::ferror(m_stream) != 0) RaiseWriteFailure(m_error);
+}
+
+void Output::TryFlush() {
   errno = 0;
-  if (std::fflush(m_stream) != 0 || std::ferror(m_stream) != 0) RaiseWriteFailure(errno);
+  if (std::fflush(m_stream) != 0 && m_error == 0) m_error = errno;
 }
 
 }  // namespace cli

@@ -17,9 +17,12 @@ class Output {
   /// `text` and a line end.
   void Line(std::string_view text);
   void Flush();
+  /// As Flush, but leaves a failure for the next Flush to raise.
+  void TryFlush();
 
  private:
   std::FILE* m_stream;
+  int m_error = 0;  ///< the system's number of the first failure
 };
 
 }  // namespace cli

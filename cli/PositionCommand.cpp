@@ -26,12 +26,9 @@ void List(Context& context) {
 
 }  // namespace
 
-void AddPositionCommand(CLI::App& app, Context& context) {
-  CLI::App* position = app.add_subcommand("position", "The positions that players have");
-  position->require_subcommand(1);
-  position->add_subcommand("list", "List all positions")->callback([&context] {
-    context.action = [&context] { List(context); };
-  });
+void AddPositionCommand(Command& app) {
+  Command position = app.AddCommand("position", "The positions that players have");
+  position.AddCommand("list", "List all positions").Runs(List);
 }
 
 }  // namespace cli

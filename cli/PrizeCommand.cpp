@@ -135,18 +135,16 @@ void Remove(Context& context, const Words& names) {
 
 }  // namespace
 
-void AddPrizeCommand(CLI::App& app, Context& context) {
-  CLI::App* prize = app.add_subcommand("prize", "The prizes that the current season puts up");
-  prize->require_subcommand(1);
-  CLI::App* list = prize->add_subcommand("list", "List the prizes of the season, and what they pay");
+void AddPrizeCommand(Command& app) {
+  Command prize = app.AddCommand("prize", "The prizes that the current season puts up");
+  Command list = prize.AddCommand("list", "List the prizes of the season, and what they pay");
   auto options = std::make_shared<ListOptions>();
-  list->add_option("--season", options->year, "of the season of this year")->type_name("YEAR");
-  list->add_flag("--all", options->all, "list all prizes of the league");
-  list->callback([&context, options] { context.action = [&context, options] { List(context, *options); }; });
-  AddWordsCommand(*prize, context, "set", "Put prizes up, or change what they pay", "PRIZE",
+  list.AddOption("--season", "YEAR", options->year, "of the season of this year");
+  list.AddFlag("--all", options->all, "list all prizes of the league");
+  list.Runs(List, options);
+  AddWordsCommand(prize, "set", "Put prizes up, or change what they pay", "PRIZE",
                   "a name or an id, and the amount; or PRIZE=AMOUNT, as often as wanted", Set);
-  AddWordsCommand(*prize, context, "remove", "Take prizes out that nobody has won", "PRIZE", "names or ids",
-                  Remove);
+  AddWordsCommand(prize, "remove", "Take prizes out that nobody has won", "PRIZE", "names or ids", Remove);
 }
 
 }  // namespace cli

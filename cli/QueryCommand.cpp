@@ -20,15 +20,14 @@ void Query(Context& context, const QueryOptions& options) {
 
 }  // namespace
 
-void AddQueryCommand(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("query", "Run a select statement and print its rows");
+void AddQueryCommand(Command& app) {
+  Command command = app.AddCommand("query", "Run a select statement and print its rows");
   auto options = std::make_shared<QueryOptions>();
-  command->add_option("STATEMENT", options->statement, "the select statement")->type_name("")->required();
-  options->format.AddTo(*command);
-  command->add_flag("--explain", options->explain, "tell on standard error how the rows are found");
-  options->AddTo(*command);
-  command->callback(
-      [&context, options] { context.action = [&context, options] { Query(context, *options); }; });
+  command.AddArgument("STATEMENT", options->statement, "the select statement").Required();
+  options->format.AddTo(command);
+  command.AddFlag("--explain", options->explain, "tell on standard error how the rows are found");
+  options->AddTo(command);
+  command.Runs(Query, options);
 }
 
 }  // namespace cli

@@ -26,10 +26,10 @@ void Write(jet::Recordset& rows, RowWriter& writer) {
 
 }  // namespace
 
-void FormatOption::AddTo(CLI::App& command) {
-  command.add_option("--format", m_format, "how the rows are written")
-      ->check(CLI::IsMember({"tsv", "csv", "json"}))
-      ->capture_default_str();
+void FormatOption::AddTo(Command& command) {
+  command.AddOption("--format", "FORMAT", m_format, "how the rows are written")
+      .OneOf({"tsv", "csv", "json"})
+      .ShowsDefault();
 }
 
 RowFormat FormatOption::Format(const Context& context) const {

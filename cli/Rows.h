@@ -2,9 +2,7 @@
 
 #include <string>
 
-#include <CLI/CLI.hpp>
-
-#include "cli/Context.h"
+#include "cli/Command.h"
 #include "cli/RowWriter.h"
 #include "jet/dao/Database.h"
 
@@ -13,7 +11,7 @@ namespace cli {
 /// The option --format of the commands whose result is rows; --json stands for --format json.
 class FormatOption {
  public:
-  void AddTo(CLI::App& command);
+  void AddTo(Command& command);
   RowFormat Format(const Context& context) const;
 
  private:

@@ -105,43 +105,32 @@ void Lock(Context& context, const std::string& what, bool isSure) {
   context.messages.Note(name + " is locked now.");
 }
 
-void AddShow(CLI::App& season, Context& context) {
-  CLI::App* command = season.add_subcommand("show", "Show the current season, or that of a year");
+void AddShow(Command& season) {
+  Command command = season.AddCommand("show", "Show the current season, or that of a year");
   auto year = std::make_shared<std::optional<std::int32_t>>();
-  command->add_option("YEAR", *year, "year of the season")->type_name("");
-  command->callback([&context, year] {
-    context.action = [&context, year] { PrintSeason(context, *SeasonToShow(context.TheLeague(), *year)); };
+  command.AddArgument("YEAR", *year, "year of the season");
+  command.Runs([&context = season.TheContext(), year] {
+    PrintSeason(context, *SeasonToShow(context.TheLeague(), *year));
   });
 }
 
-void AddUse(CLI::App& season, Context& context) {
+void AddUse(Command& season) {
   struct Options {
     std::int32_t year = 0;
     bool create = false;
   };
-  CLI::App* command = season.add_subcommand("use", "Make the season of a year the current one");
+  Command command = season.AddCommand("use", "Make the season of a year the current one");
   auto options = std::make_shared<Options>();
-  command->add_option("YEAR", options->year, "year of the season")->type_name("")->required();
-  command->add_flag("--create", options->create, "make the season if there is none of that year");
-  command->callback([&context, options] {
-    context.action = [&context, options] { Use(context, options->year, options->create); };
-  });
+  command.AddArgument("YEAR", options->year, "year of the season").Required();
+  command.AddFlag("--create", options->create, "make the season if there is none of that year");
+  command.Runs([&context = season.TheContext(), options] { Use(context, options->year, options->create); });
 }
 
-void AddYesNo(CLI::App& command, const std::string& name, std::optional<bool>& value,
-              const std::string& description) {
-  command
-      .add_option_function<std::string>(
-          name, [&value](const std::string& word) { value = word == "yes"; }, description)
-      ->type_name("yes|no")
-      ->check(CLI::IsMember({"yes", "no"}));
-}
-
-void AddSet(CLI::App& season, Context& context) {
-  CLI::App* command = season.add_subcommand("set", "Change settings of the current season");
+void AddSet(Command& season) {
+  Command command = season.AddCommand("set", "Change settings of the current season");
   auto settings = std::make_shared<SeasonSettings>();
   const auto add = [&](const char* name, std::optional<std::int32_t>& value, const char* description) {
-    command->add_option(name, value, description)->type_name("N");
+    command.AddOption(name, "N", value, description);
   };
   add("--year", settings->year, "its year");
   add("--managers", settings->managers, "managers in the draft");
@@ -149,42 +138,33 @@ void AddSet(CLI::App& season, Context& context) {
   add("--contribution", settings->contribution, "what each manager pays in");
   add("--regular-weeks", settings->regularWeeks, "weeks of the regular season");
   add("--weeks", settings->weeks, "all weeks, the regular ones included");
-  AddYesNo(*command, "--started", settings->hasStarted, "whether play has begun");
-  AddYesNo(*command, "--season-locked", settings->isLocked, "whether the season is closed to changes");
-  command->callback(
-      [&context, settings] { context.action = [&context, settings] { SetSeason(context, *settings); }; });
+  command.AddOption("--started", settings->hasStarted, "whether play has begun");
+  command.AddOption("--season-locked", settings->isLocked, "whether the season is closed to changes");
+  command.Runs(SetSeason, settings);
 }
 
-void AddLock(CLI::App& season, Context& context) {
+void AddLock(Command& season) {
   struct Options {
     std::string what;
     bool isSure = false;
   };
-  CLI::App* command =
-      season.add_subcommand("lock", "Lock the ranking or the draft of the current season, for good");
+  Command command =
+      season.AddCommand("lock", "Lock the ranking or the draft of the current season, for good");
   auto options = std::make_shared<Options>();
-  command->add_option("WHAT", options->what, "'ranking' or 'draft'")
-      ->type_name("")
-      ->required()
-      ->check(CLI::IsMember({"ranking", "draft"}));
-  command->add_flag("--yes,-y", options->isSure, "do not ask, although it is not complete");
-  command->callback([&context, options] {
-    context.action = [&context, options] { Lock(context, options->what, options->isSure); };
-  });
+  command.AddArgument("WHAT", options->what, "'ranking' or 'draft'").Required().OneOf({"ranking", "draft"});
+  command.AddFlag("--yes,-y", options->isSure, "do not ask, although it is not complete");
+  command.Runs([&context = season.TheContext(), options] { Lock(context, options->what, options->isSure); });
 }
 
 }  // namespace
 
-void AddSeasonCommand(CLI::App& app, Context& context) {
-  CLI::App* season = app.add_subcommand("season", "List, choose, make, set and lock seasons");
-  season->require_subcommand(1);
-  season->add_subcommand("list", "List all seasons")->callback([&context] {
-    context.action = [&context] { List(context); };
-  });
-  AddShow(*season, context);
-  AddUse(*season, context);
-  AddSet(*season, context);
-  AddLock(*season, context);
+void AddSeasonCommand(Command& app) {
+  Command season = app.AddCommand("season", "List, choose, make, set and lock seasons");
+  season.AddCommand("list", "List all seasons").Runs(List);
+  AddShow(season);
+  AddUse(season);
+  AddSet(season);
+  AddLock(season);
 }
 
 }  // namespace cli

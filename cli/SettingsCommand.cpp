@@ -33,13 +33,12 @@ void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
 
 }  // namespace
 
-void AddSettingsCommand(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("settings", "Show the league's settings, or change them");
+void AddSettingsCommand(Command& app) {
+  Command command = app.AddCommand("settings", "Show the league's settings, or change them");
   auto season = std::make_shared<std::optional<std::int32_t>>();
-  command->add_option("--current-season", *season, "make the season with this id the current one; 0: none")
-      ->type_name("ID");
-  command->callback(
-      [&context, season] { context.action = [&context, season] { Settings(context, *season); }; });
+  command.AddOption("--current-season", "ID", *season,
+                    "make the season with this id the current one; 0: none");
+  command.Runs(Settings, season);
 }
 
 }  // namespace cli

@@ -29,13 +29,6 @@ class InterruptsIgnored {
   void (*m_before)(int);
 };
 
-/// On draft night `pick` is typed often, and is short for `draft pick`.
-bool IsDraftCommand(const CLI::App& app, const std::string& word) {
-  const auto commands = app.get_subcommand("draft")->get_subcommands({});
-  return std::any_of(commands.begin(), commands.end(),
-                     [&word](const CLI::App* command) { return command->get_name() == word; });
-}
-
 }  // namespace
 
 Shell::Shell(Context& context, ShellInput input)
@@ -99,21 +92,23 @@ void Shell::Perform(std::vector<std::string> words) {
     words.emplace_back("--help");
   }
   CommandLine line(m_context, CommandLine::Reader::Shell);
-  AddShellCommands(line.App());
-  if (IsDraftCommand(line.App(), words.front())) words.insert(words.begin(), "draft");
+  AddShellCommands(line.Root());
+  // On draft night `pick` is typed often, and is short for `draft pick`.
+  if (line.HasSubcommand("draft", words.front())) words.insert(words.begin(), "draft");
   if (!line.Parse(std::move(words))) return;
   m_context.messages.SetQuiet(m_context.quiet);
   std::exchange(m_context.action, nullptr)();
 }
 
-void Shell::AddShellCommands(CLI::App& app) {
-  app.footer("The commands of 'draft' are understood without it: 'pick', 'undo', 'board' and the others.");
-  app.add_subcommand("help", "List the commands, or tell how one is used");
+void Shell::AddShellCommands(Command root) {
+  root.SetFooter(
+      "The commands of 'draft' are understood without it: 'pick', 'undo', 'board' and the others.");
+  root.AddCommand("help", "List the commands, or tell how one is used");
   for (const char* name : {"quit", "exit"}) {
-    CLI::App* command = app.add_subcommand(name, "Leave the shell");
-    auto discards = std::make_shared<bool>(false);
-    command->add_flag("--discard", *discards, "leave also when there are picks that are not saved");
-    command->callback([this, discards] { m_context.action = [this, discards] { Leave(*discards); }; });
+    Command command = root.AddCommand(name, "Leave the shell");
+    const auto discards = std::make_shared<bool>(false);
+    command.AddFlag("--discard", *discards, "leave also when there are picks that are not saved");
+    command.Runs([this, discards] { Leave(*discards); });
   }
 }
 

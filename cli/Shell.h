@@ -35,7 +35,7 @@ class Shell {
   bool ReadLine(std::string& line);
   void RunLine(const std::string& line);
   void Perform(std::vector<std::string> words);
-  void AddShellCommands(CLI::App& app);
+  void AddShellCommands(Command root);
   /// `quit`.
   void Leave(bool discards);
   /// The lines have come to their end without `quit`.

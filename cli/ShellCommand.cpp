@@ -35,17 +35,13 @@ void RunShell(Context& context, const ShellOptions& options) {
 
 }  // namespace
 
-void AddShellCommand(CLI::App& app, Context& context) {
-  CLI::App* command =
-      app.add_subcommand("shell", "Run commands on the open league, from a terminal or a script");
+void AddShellCommand(Command& app) {
+  Command command = app.AddCommand("shell", "Run commands on the open league, from a terminal or a script");
   auto options = std::make_shared<ShellOptions>();
-  command
-      ->add_option("--script", options->script,
-                   "read the commands from this file; without one, standard input")
-      ->type_name("FILE");
-  command->add_flag("--keep-going", options->keepsGoing, "let a script go on after a line that failed");
-  command->callback(
-      [&context, options] { context.action = [&context, options] { RunShell(context, *options); }; });
+  command.AddOption("--script", "FILE", options->script,
+                    "read the commands from this file; without one, standard input");
+  command.AddFlag("--keep-going", options->keepsGoing, "let a script go on after a line that failed");
+  command.Runs(RunShell, options);
 }
 
 }  // namespace cli

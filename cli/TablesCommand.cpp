@@ -116,14 +116,13 @@ void Tables(Context& context, const TablesOptions& options) {
 
 }  // namespace
 
-void AddTablesCommand(CLI::App& app, Context& context) {
-  CLI::App* command =
-      app.add_subcommand("tables", "List the tables of a file; with --json their columns and indexes too");
+void AddTablesCommand(Command& app) {
+  Command command =
+      app.AddCommand("tables", "List the tables of a file; with --json their columns and indexes too");
   auto options = std::make_shared<TablesOptions>();
-  command->add_flag("--system", options->system, "list the system tables too");
-  options->AddTo(*command);
-  command->callback(
-      [&context, options] { context.action = [&context, options] { Tables(context, *options); }; });
+  command.AddFlag("--system", options->system, "list the system tables too");
+  options->AddTo(command);
+  command.Runs(Tables, options);
 }
 
 }  // namespace cli

@@ -37,13 +37,9 @@ void List(Context& context) {
 
 }  // namespace
 
-void AddTeamCommand(CLI::App& app, Context& context) {
-  CLI::App* team =
-      app.add_subcommand("team", "The teams that players play in, which can be drafted themselves");
-  team->require_subcommand(1);
-  team->add_subcommand("list", "List all teams")->callback([&context] {
-    context.action = [&context] { List(context); };
-  });
+void AddTeamCommand(Command& app) {
+  Command team = app.AddCommand("team", "The teams that players play in, which can be drafted themselves");
+  team.AddCommand("list", "List all teams").Runs(List);
 }
 
 }  // namespace cli

@@ -182,36 +182,26 @@ void Remove(Context& context, const std::vector<std::int32_t>& ids) {
 
 }  // namespace
 
-void AddWinningCommand(CLI::App& app, Context& context) {
-  CLI::App* winning = app.add_subcommand("winning", "The prizes won in the current season");
-  winning->require_subcommand(1);
+void AddWinningCommand(Command& app) {
+  Command winning = app.AddCommand("winning", "The prizes won in the current season");
 
-  CLI::App* list = winning->add_subcommand("list", "List the prizes won, week by week");
+  Command list = winning.AddCommand("list", "List the prizes won, week by week");
   auto listOptions = std::make_shared<ListOptions>();
-  list->add_option("--season", listOptions->year, "in the season of this year")->type_name("YEAR");
-  list->add_option("--week", listOptions->week, "in this week alone")->type_name("N");
-  list->callback(
-      [&context, listOptions] { context.action = [&context, listOptions] { List(context, *listOptions); }; });
+  list.AddOption("--season", "YEAR", listOptions->year, "in the season of this year");
+  list.AddOption("--week", "N", listOptions->week, "in this week alone");
+  list.Runs(List, listOptions);
 
-  CLI::App* add = winning->add_subcommand("add", "Record that a manager has won a prize");
+  Command add = winning.AddCommand("add", "Record that a manager has won a prize");
   auto addOptions = std::make_shared<AddOptions>();
-  add->add_option("MANAGER", addOptions->manager, "who takes part in the season: a name or an id")
-      ->type_name("")
-      ->required();
-  add->add_option("PRIZE", addOptions->prize, "a prize that the season puts up: a name or an id")
-      ->type_name("")
-      ->required();
-  add->add_option("--week", addOptions->week, "week in which it was won; without, it belongs to none")
-      ->type_name("N");
-  add->callback(
-      [&context, addOptions] { context.action = [&context, addOptions] { Add(context, *addOptions); }; });
+  add.AddArgument("MANAGER", addOptions->manager, "who takes part in the season: a name or an id").Required();
+  add.AddArgument("PRIZE", addOptions->prize, "a prize that the season puts up: a name or an id").Required();
+  add.AddOption("--week", "N", addOptions->week, "week in which it was won; without, it belongs to none");
+  add.Runs(Add, addOptions);
 
-  CLI::App* remove = winning->add_subcommand("remove", "Take winnings back");
+  Command remove = winning.AddCommand("remove", "Take winnings back");
   auto ids = std::make_shared<std::vector<std::int32_t>>();
-  remove->add_option("ID", *ids, "ids of the winnings, as 'winning list' shows them")
-      ->type_name("")
-      ->required();
-  remove->callback([&context, ids] { context.action = [&context, ids] { Remove(context, *ids); }; });
+  remove.AddArgument("ID", *ids, "ids of the winnings, as 'winning list' shows them").Required();
+  remove.Runs(Remove, ids);
 }
 
 }  // namespace cli

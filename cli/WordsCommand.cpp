@@ -4,14 +4,12 @@
 
 namespace cli {
 
-void AddWordsCommand(CLI::App& parent, Context& context, const char* name, const char* description,
-                     const char* word, const char* wordsDescription,
-                     void (*action)(Context&, const std::vector<std::string>&)) {
-  CLI::App* command = parent.add_subcommand(name, description);
-  auto words = std::make_shared<std::vector<std::string>>();
-  command->add_option(word, *words, wordsDescription)->type_name("")->required();
-  command->callback(
-      [&context, words, action] { context.action = [&context, words, action] { action(context, *words); }; });
+void AddWordsCommand(Command& parent, const char* name, const char* description, const char* word,
+                     const char* wordsHelp, void (*action)(Context&, const std::vector<std::string>&)) {
+  Command command = parent.AddCommand(name, description);
+  const auto words = std::make_shared<std::vector<std::string>>();
+  command.AddArgument(word, *words, wordsHelp).Required();
+  command.Runs(action, words);
 }
 
 }  // namespace cli

@@ -3,16 +3,13 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
-#include "cli/Context.h"
+#include "cli/Command.h"
 
 namespace cli {
 
 /// Adds a command that takes one word or more, which its action understands. `word` is what one of them is
 /// called in the help.
-void AddWordsCommand(CLI::App& parent, Context& context, const char* name, const char* description,
-                     const char* word, const char* wordsDescription,
-                     void (*action)(Context&, const std::vector<std::string>&));
+void AddWordsCommand(Command& parent, const char* name, const char* description, const char* word,
+                     const char* wordsHelp, void (*action)(Context&, const std::vector<std::string>&));
 
 }  // namespace cli

@@ -98,7 +98,7 @@ class DraftTest : public testing::Test {
   jet::test::TempFolder m_folder;
   std::shared_ptr<FailingEngine> m_engine = std::make_shared<FailingEngine>();
   Output m_output{stdout};
-  Messages m_messages{stderr, false};
+  Messages m_messages{stderr, m_output, false};
   std::unique_ptr<Context> m_context;
 };
 

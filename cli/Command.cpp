@@ -1,0 +1,122 @@
+#include "cli/Command.h"
+
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+namespace cli {
+namespace {
+
+template <typename Target>
+Option Argument(CLI::App& app, const std::string& name, Target& target, const std::string& help) {
+  CLI::Option* option = app.add_option(name, target, help);
+  option->type_name("");
+  return Option(option);
+}
+
+template <typename Target>
+Option NamedOption(CLI::App& app, const std::string& name, const std::string& value, Target& target,
+                   const std::string& help) {
+  CLI::Option* option = app.add_option(name, target, help);
+  option->type_name(value);
+  return Option(option);
+}
+
+}  // namespace
+
+Option& Option::Required() {
+  m_option->required();
+  return *this;
+}
+
+Option& Option::OneOf(std::vector<std::string> words) {
+  m_option->transform(CLI::IsMember(std::move(words), CLI::ignore_case));
+  return *this;
+}
+
+Option& Option::Excludes(const Option& other) {
+  m_option->excludes(other.m_option);
+  return *this;
+}
+
+Option& Option::FromEnvironment(const char* name) {
+  m_option->envname(name);
+  return *this;
+}
+
+Option& Option::ShowsDefault() {
+  m_option->capture_default_str();
+  return *this;
+}
+
+bool Option::IsGiven() const {
+  return m_option->count() > 0;
+}
+
+Command Command::AddCommand(const std::string& name, const std::string& description) {
+  m_app->require_subcommand(1);
+  return {*m_app->add_subcommand(name, description), *m_context};
+}
+
+Option Command::AddArgument(const std::string& name, std::string& target, const std::string& help) {
+  return Argument(*m_app, name, target, help);
+}
+
+Option Command::AddArgument(const std::string& name, std::int32_t& target, const std::string& help) {
+  return Argument(*m_app, name, target, help);
+}
+
+Option Command::AddArgument(const std::string& name, std::optional<std::int32_t>& target,
+                            const std::string& help) {
+  return Argument(*m_app, name, target, help);
+}
+
+Option Command::AddArgument(const std::string& name, std::vector<std::string>& target,
+                            const std::string& help) {
+  return Argument(*m_app, name, target, help);
+}
+
+Option Command::AddArgument(const std::string& name, std::vector<std::int32_t>& target,
+                            const std::string& help) {
+  return Argument(*m_app, name, target, help);
+}
+
+Option Command::AddOption(const std::string& name, const std::string& value, std::string& target,
+                          const std::string& help) {
+  return NamedOption(*m_app, name, value, target, help);
+}
+
+Option Command::AddOption(const std::string& name, const std::string& value,
+                          std::optional<std::string>& target, const std::string& help) {
+  return NamedOption(*m_app, name, value, target, help);
+}
+
+Option Command::AddOption(const std::string& name, const std::string& value,
+                          std::optional<std::int32_t>& target, const std::string& help) {
+  return NamedOption(*m_app, name, value, target, help);
+}
+
+Option Command::AddOption(const std::string& name, std::optional<bool>& target, const std::string& help) {
+  CLI::Option* option = m_app->add_option_function<std::string>(
+      name, [&target](const std::string& word) { target = word == "yes"; }, help);
+  option->type_name("yes|no")->check(CLI::IsMember({"yes", "no"}));
+  return Option(option);
+}
+
+Option Command::AddFlag(const std::string& names, bool& target, const std::string& help) {
+  return Option(m_app->add_flag(names, target, help));
+}
+
+void Command::SetFooter(const std::string& text) {
+  m_app->footer(text);
+}
+
+void Command::Runs(std::function<void()> action) {
+  m_app->callback([context = m_context, action = std::move(action)] { context->action = action; });
+}
+
+void Command::Runs(void (*action)(Context&)) {
+  Runs([context = m_context, action] { action(*context); });
+}
+
+}  // namespace cli
