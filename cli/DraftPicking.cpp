@@ -118,11 +118,11 @@ std::vector<std::int32_t> FilledPicks(const Picks& picks) {
 void ClearAll(Context& context, bool isSure) {
   DraftSession& session = context.TheLeague().Draft();
   const std::vector<std::int32_t> filled = FilledPicks(session.Current());
-  const std::string what =
-      CountOfPicks(filled.size()) + " of the draft " + std::to_string(session.Season().Year());
-  if (!filled.empty() && !isSure && !context.Confirm("Empty all " + what + "?")) {
+  const std::string draft = "the draft " + std::to_string(session.Season().Year());
+  const std::string count = CountOfPicks(filled.size());
+  if (!filled.empty() && !isSure && !context.Confirm("Empty " + draft + ", " + count + "?")) {
     throw Failure(ExitCode::Refused, "The draft was not cleared.",
-                  context.canAsk ? "" : "With --yes its " + CountOfPicks(filled.size()) + " are emptied.");
+                  context.canAsk ? "" : "With --yes it is emptied of " + count + ".");
   }
   Changes changes;
   for (const std::int32_t number : filled)

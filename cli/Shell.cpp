@@ -126,7 +126,7 @@ void Shell::Leave(bool discards) {
 }
 
 void Shell::AskAndLeave(const std::string& unsaved) {
-  const auto answer = m_context.Ask(unsaved + ". Save them before leaving? [yes, no, cancel] ");
+  const auto answer = m_context.Ask(unsaved + ". Save before leaving? [yes, no, cancel] ");
   if (!answer) {  // nobody is there any more
     m_leaves = true;
     KeepFirst(ExitCode::Refused);
