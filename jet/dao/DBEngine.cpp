@@ -9,10 +9,13 @@
 #include "jet/file/File.h"
 #include "jet/file/RedoLog.h"
 #include "jet/sql/Literals.h"
+#include "jet/table/Compaction.h"
 #include "jet/table/EmptyDatabase.h"
 
 namespace jet {
 namespace {
+
+constexpr OpenMode kNewFile{.exclusive = true, .readOnly = false, .create = true};
 
 /// The password in a connect string; empty when there is none.
 std::string_view PasswordIn(std::string_view connect) {
@@ -47,7 +50,7 @@ DBEngine::DBEngine(EngineOptions options) : m_options(std::move(options)) {
 
 std::shared_ptr<Database> DBEngine::OpenDatabase(const std::string& name, bool exclusive, bool readOnly,
                                                  const std::string& connect) {
-  if (m_options.observer != nullptr) m_options.observer->OnCall("DBEngine.OpenDatabase", name);
+  Observe("DBEngine.OpenDatabase", name);
   auto file = m_options.files->Open(name, {.exclusive = exclusive, .readOnly = readOnly, .create = false});
   auto log = std::make_unique<RedoLog>(m_options.files, name, m_options.durability);
   log->Recover(*file, readOnly);
@@ -58,29 +61,90 @@ std::shared_ptr<Database> DBEngine::OpenDatabase(const std::string& name, bool e
 }
 
 std::shared_ptr<Database> DBEngine::CreateDatabase(const std::string& name, const CreateOptions& options) {
-  if (m_options.observer != nullptr) m_options.observer->OnCall("DBEngine.CreateDatabase", name);
-  auto file = m_options.files->Open(name, {.exclusive = true, .readOnly = false, .create = true});
+  Observe("DBEngine.CreateDatabase", name);
+  return CreateWithKey(name, options, options.encode ? RandomKey() : 0);
+}
+
+std::shared_ptr<Database> DBEngine::CreateWithKey(const std::string& name, const CreateOptions& options,
+                                                  std::uint32_t databaseKey) {
+  auto file = m_options.files->Open(name, kNewFile);
   auto log =
       std::make_unique<RedoLog>(m_options.files, name, options.durability.value_or(m_options.durability));
   std::unique_ptr<Store> store;
   try {
     log->Remove();  // of a database of that name that is gone
-    const NewDatabase properties{.password = options.password,
-                                 .databaseKey = options.encode ? RandomKey() : 0};
+    const NewDatabase properties{.password = options.password, .databaseKey = databaseKey};
     store = CreateEmptyDatabase(std::move(file), name, properties, m_options.cacheBytes);
     store->Pages().UseLog(std::move(log));
   } catch (...) {
     store.reset();
     file.reset();
-    try {
-      m_options.files->Remove(name);
-    } catch (const Error&) {
-      // The first error is the one to tell.
-    }
+    RemoveFailed(name);
     throw;
   }
   return std::make_shared<Database>(
       std::make_shared<DatabaseCore>(name, std::move(store), false, m_options.observer));
+}
+
+void DBEngine::CopyDatabase(Database& source, const std::string& name) {
+  Observe("DBEngine.CopyDatabase", name);
+  Store& store = source.m_core->OpenStore();
+  auto file = m_options.files->Open(name, kNewFile);
+  try {
+    RedoLog(m_options.files, name, Durability::Off).Remove();  // of a database of that name that is gone
+    store.Pages().CopyTo(*file);
+    file->Sync();
+  } catch (...) {
+    file.reset();
+    RemoveFailed(name);
+    throw;
+  }
+}
+
+void DBEngine::CompactDatabase(Database& source, const std::string& name) {
+  Observe("DBEngine.CompactDatabase", name);
+  Store& store = source.m_core->OpenStore();
+  const format::DatabaseHeader& header = store.Header();
+  const auto compacted =
+      CreateWithKey(name, {.password = header.password, .durability = Durability::Off}, header.databaseKey);
+  try {
+    CopyContents(store, compacted->m_core->OpenStore());
+    compacted->Close();
+  } catch (...) {
+    try {
+      compacted->Close();
+    } catch (const Error&) {
+      // The first error is the one to tell.
+    }
+    RemoveFailed(name);
+    throw;
+  }
+}
+
+void DBEngine::ReplaceDatabase(Database& database, const std::string& from) {
+  const std::string to = database.m_core->Name();
+  Observe("DBEngine.ReplaceDatabase", to);
+  m_options.files->Replace(from, to, database.m_core->Release());
+}
+
+void DBEngine::ReplaceDatabase(const std::string& to, const std::string& from) {
+  Observe("DBEngine.ReplaceDatabase", to);
+  std::unique_ptr<File> held;
+  if (m_options.files->Exists(to)) held = m_options.files->Open(to, {});
+  RedoLog(m_options.files, to, Durability::Off).Remove();
+  m_options.files->Replace(from, to, std::move(held));
+}
+
+void DBEngine::RemoveFailed(const std::string& name) noexcept {
+  try {
+    m_options.files->Remove(name);
+  } catch (const std::exception&) {
+    // What made the file fail is what to tell.
+  }
+}
+
+void DBEngine::Observe(const char* call, const std::string& name) const {
+  if (m_options.observer != nullptr) m_options.observer->OnCall(call, name);
 }
 
 }  // namespace jet

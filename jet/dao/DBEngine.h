@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -61,7 +62,30 @@ class DBEngine {
   /// the file is there; when it fails, no file is left behind.
   std::shared_ptr<Database> CreateDatabase(const std::string& name, const CreateOptions& options = {});
 
+  /// Writes a copy of the database as it is now, page for page, into a new file. Raises ObjectExists when
+  /// there is one of that name; when it fails, no file is left behind.
+  void CopyDatabase(Database& source, const std::string& name);
+
+  /// Writes a new database with the content of another: tables, rows in their order, indexes, relationships
+  /// and properties, the password, and pages coded if they are. It has no free pages, its indexes are packed.
+  /// Raises what CopyDatabase does, FeatureNotSupported for what a new file would lose (a stored query, say),
+  /// and what reading and adding rows raise.
+  void CompactDatabase(Database& source, const std::string& name);
+
+  /// Puts the closed database file `from` in the place of an open database, which is closed: whatever
+  /// happens, the name stands for the one or the other, whole. Where the system allows it nobody can open the
+  /// file in between. Raises ObjectClosed, PermissionDenied, and what closing raises.
+  void ReplaceDatabase(Database& database, const std::string& from);
+  /// The same for whatever file has the name `to`, if any. Its log goes first, unread. Raises FileInUse,
+  /// FileHeldExclusively when somebody has it open.
+  void ReplaceDatabase(const std::string& to, const std::string& from);
+
  private:
+  std::shared_ptr<Database> CreateWithKey(const std::string& name, const CreateOptions& options,
+                                          std::uint32_t databaseKey);
+  void RemoveFailed(const std::string& name) noexcept;
+  void Observe(const char* call, const std::string& name) const;
+
   EngineOptions m_options;
 };
 

@@ -11,6 +11,7 @@
 
 namespace jet {
 
+class DBEngine;
 class DatabaseCore;
 struct CheckReport;
 
@@ -63,6 +64,8 @@ class Database {
   CheckReport Check() const;
 
  private:
+  friend class DBEngine;
+
   std::shared_ptr<DatabaseCore> m_core;
 };
 

@@ -98,13 +98,20 @@ void DatabaseCore::ReloadAfterUndo() {
 }
 
 void DatabaseCore::Close() {
-  if (m_store == nullptr) return;
+  if (m_store != nullptr) TakeStore()->Close();
+}
+
+std::unique_ptr<File> DatabaseCore::Release() {
+  OpenStore();
+  return TakeStore()->Release();
+}
+
+std::unique_ptr<Store> DatabaseCore::TakeStore() {
   const std::vector<RecordsetCore*> recordsets = std::exchange(m_recordsets, {});
   for (RecordsetCore* recordset : recordsets)
     recordset->Close();
   m_updates.reset();
-  const std::unique_ptr<Store> store = std::move(m_store);
-  store->Close();
+  return std::move(m_store);
 }
 
 }  // namespace jet

@@ -62,9 +62,12 @@ class DatabaseCore {
 
   /// Closes the recordsets and the file; unfinished updates are undone. Twice is harmless.
   void Close();
+  /// The same, and hands out the file, which is locked still. Raises ObjectClosed.
+  std::unique_ptr<File> Release();
 
  private:
   Store& WritableStore();
+  std::unique_ptr<Store> TakeStore();
   void ReleaseRows();
   void CheckInUpdates() const;
   void ReloadAfterUndo();

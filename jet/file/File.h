@@ -46,8 +46,9 @@ class FileSystem {
   virtual bool Exists(const std::string& name) = 0;
   /// Removes a file, durably; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;
-  /// Renames a file over whatever has the new name, atomically, and makes the renaming durable.
-  virtual void Replace(const std::string& from, const std::string& to) = 0;
+  /// Renames a file over whatever has the new name, atomically, and makes the renaming durable. `held` is the
+  /// file `to`, open, or none: where the system can replace an open file, nobody else gets at it before.
+  virtual void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) = 0;
 };
 
 /// The file system of the machine. Lives for ever.

@@ -147,9 +147,24 @@ void PageStore::PutBack(std::span<const ChangedPage> attempted) noexcept {
 }
 
 void PageStore::Close() {
+  if (m_file == nullptr) return;
   if (m_unsynced) m_file->Sync();
   m_unsynced = false;
   if (m_log != nullptr) m_log->Close(*m_file);
+}
+
+std::unique_ptr<File> PageStore::Release() {
+  Close();
+  return std::move(m_file);
+}
+
+void PageStore::CopyTo(File& other) {
+  PageBytes page;
+  for (PageNumber number = 0; number < m_pageCount; ++number) {
+    Read(number, page);
+    Code(number, page);
+    other.Write(std::uint64_t{number} * kPageSize, page);
+  }
 }
 
 }  // namespace jet

@@ -46,6 +46,11 @@ class PageStore {
 
   /// Writes everything into the file, durably. What is in the log stays there when it fails.
   void Close();
+  /// Closes, and hands out the file, which is locked still.
+  std::unique_ptr<File> Release();
+
+  /// Writes all pages into another file, coded as they are here.
+  void CopyTo(File& other);
 
  private:
   void ApplyLogged(std::span<const ChangedPage> changes, PageNumber pageCount);

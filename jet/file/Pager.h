@@ -110,6 +110,10 @@ class Pager {
   /// See PageStore::UseLog and PageStore::Close. Not inside a change unit.
   void UseLog(std::unique_ptr<RedoLog> log);
   void Close() { m_store->Close(); }
+  /// The same, and hands out the file.
+  std::unique_ptr<File> Release() { return m_store->Release(); }
+  /// Writes all pages as they are in the file, without changes that are under way.
+  void CopyTo(File& other) { m_store->CopyTo(other); }
 
   /// Frames in memory, for tests of the bound.
   std::size_t CachedPages() const { return m_cached; }

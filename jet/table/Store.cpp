@@ -91,6 +91,10 @@ void Store::Close() {
   m_pager->Close();
 }
 
+std::unique_ptr<File> Store::Release() {
+  return m_pager->Release();
+}
+
 void Store::ReadCatalog() {
   Table& objects =
       *m_tables.try_emplace(kCatalogItself.definition, std::make_unique<Table>(*this, kCatalogItself))

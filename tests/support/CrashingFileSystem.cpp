@@ -118,9 +118,9 @@ void CrashingFileSystem::Remove(const std::string& name) {
   m_machine->disks.erase(name);
 }
 
-void CrashingFileSystem::Replace(const std::string& from, const std::string& to) {
+void CrashingFileSystem::Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) {
   if (m_machine->Enter()) Machine::RaiseDown();
-  m_memory->Replace(from, to);
+  m_memory->Replace(from, to, std::move(held));
   m_machine->disks[to] = std::move(m_machine->disks[from]);
   m_machine->disks.erase(from);
 }

@@ -95,7 +95,8 @@ void MemoryFileSystem::Remove(const std::string& name) {
   m_files.erase(Key(name));
 }
 
-void MemoryFileSystem::Replace(const std::string& from, const std::string& to) {
+void MemoryFileSystem::Replace(const std::string& from, const std::string& to,
+                               std::unique_ptr<File> /*held*/) {
   const auto found = m_files.find(Key(from));
   if (found == m_files.end())
     throw Error(ErrorNumber::FileNotFound, "Could not find the file '" + from + "'.");

@@ -188,7 +188,7 @@ class PosixFileSystem final : public FileSystem {
     RaiseFor(errno, name, "remove");
   }
 
-  void Replace(const std::string& from, const std::string& to) override {
+  void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> /*held*/) override {
     file_names::Check(from);
     file_names::Check(to);
     const std::string target = FollowLinks(ToSystemName(to));

@@ -185,9 +185,10 @@ class WindowsFileSystem final : public FileSystem {
     RaiseFor(error, name, "remove");
   }
 
-  void Replace(const std::string& from, const std::string& to) override {
+  void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) override {
     file_names::Check(from);
     file_names::Check(to);
+    held.reset();  // an open file cannot be replaced here
     if (::MoveFileExW(ToSystemName(from).c_str(), ToSystemName(to).c_str(),
                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
       RaiseFor(::GetLastError(), to, "replace");
