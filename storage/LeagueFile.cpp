@@ -14,6 +14,7 @@
 #include "jet/dao/Database.h"
 #include "jet/dao/Recordset.h"
 #include "platform/Paths.h"
+#include "storage/FileInMaking.h"
 #include "storage/HLServiceUtils.h"
 #include "storage/Schema.h"
 
@@ -169,35 +170,6 @@ void AddSettingsRow(jet::Database& database) {
   settings->Close();
 }
 
-// Removes the half-built file unless it was put in its place.
-class FileUnderConstruction {
- public:
-  explicit FileUnderConstruction(std::string path) : m_path(std::move(path)) { Remove(); }
-  ~FileUnderConstruction() { Remove(); }
-  FileUnderConstruction(const FileUnderConstruction&) = delete;
-  FileUnderConstruction& operator=(const FileUnderConstruction&) = delete;
-
-  const std::string& Path() const { return m_path; }
-
-  void PutInPlace(const std::string& path) {
-    std::error_code error;
-    std::filesystem::remove(ToSystemPath(jet::LogNameFor(path)), error);  // of the file that goes
-    std::filesystem::rename(ToSystemPath(m_path), ToSystemPath(path), error);
-    if (error) {
-      throw jet::Error(jet::ErrorNumber::PermissionDenied,
-                       "File " + path + " cannot be put in its place: " + error.message() + ".");
-    }
-  }
-
- private:
-  void Remove() {
-    std::error_code ignored;
-    std::filesystem::remove(ToSystemPath(m_path), ignored);
-  }
-
-  std::string m_path;
-};
-
 // Raises the engine's error when someone has the file open. Other reasons for which it does not open are no
 // obstacle to replacing it.
 void RefuseFileInUse(const std::string& path) {
@@ -219,14 +191,14 @@ void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options)
       throw jet::Error(jet::ErrorNumber::ObjectExists, "File " + path + " is there already.");
     RefuseFileInUse(path);
   }
-  FileUnderConstruction file(path + ".being-made");
+  FileInMaking file(path);
   const auto database = HLServiceUtils::Engine().CreateDatabase(
       file.Path(), {.password = HLServiceUtils::kDatabasePassword, .durability = jet::Durability::Off});
   MakeSchema(*database);
   AddSettingsRow(*database);
   if (options.fill) options.fill(*database);
   database->Close();
-  file.PutInPlace(path);
+  file.PutInPlace();
 }
 
 }  // namespace HLDataSrvc

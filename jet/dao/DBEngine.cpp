@@ -135,6 +135,28 @@ void DBEngine::ReplaceDatabase(const std::string& to, const std::string& from) {
   m_options.files->Replace(from, to, std::move(held));
 }
 
+bool DBEngine::HasFile(const std::string& name) const {
+  return m_options.files->Exists(name);
+}
+
+void DBEngine::RenameDatabase(const std::string& from, const std::string& to) {
+  Observe("DBEngine.RenameDatabase", from);
+  FileSystem& files = *m_options.files;
+  static_cast<void>(files.Open(from, {}));  // refuses one that is in use
+  if (files.Exists(to)) throw Error(ErrorNumber::ObjectExists, "The file '" + to + "' exists already.");
+  // The log first: without its log the file would pass for a whole one.
+  if (files.Exists(LogNameFor(from))) files.Replace(LogNameFor(from), LogNameFor(to), nullptr);
+  files.Replace(from, to, nullptr);
+}
+
+void DBEngine::RemoveDatabase(const std::string& name) {
+  Observe("DBEngine.RemoveDatabase", name);
+  if (!m_options.files->Exists(name)) return;
+  static_cast<void>(m_options.files->Open(name, {}));  // refuses one that is in use
+  m_options.files->Remove(name);
+  RedoLog(m_options.files, name, Durability::Off).Remove();
+}
+
 void DBEngine::RemoveFailed(const std::string& name) noexcept {
   try {
     m_options.files->Remove(name);

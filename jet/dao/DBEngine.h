@@ -80,6 +80,15 @@ class DBEngine {
   /// FileHeldExclusively when somebody has it open.
   void ReplaceDatabase(const std::string& to, const std::string& from);
 
+  /// Whether there is a file of that name, be it a database or not.
+  bool HasFile(const std::string& name) const;
+  /// Gives a closed database file, and the log it may have, another name, unread. Raises ObjectExists when
+  /// there is a file `to`, FileNotFound, FileInUse, FileHeldExclusively.
+  void RenameDatabase(const std::string& from, const std::string& to);
+  /// Removes a closed database file, and the log it may have, unread; one that is not there is no error.
+  /// Raises FileInUse, FileHeldExclusively.
+  void RemoveDatabase(const std::string& name);
+
  private:
   std::shared_ptr<Database> CreateWithKey(const std::string& name, const CreateOptions& options,
                                           std::uint32_t databaseKey);
