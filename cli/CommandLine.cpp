@@ -48,6 +48,9 @@ void AddLeagueCommands(Command& root) {
 
 /// The commands that open files themselves.
 void AddFileCommands(Command& root) {
+  AddBackupCommand(root);
+  AddRestoreCommand(root);
+  AddCompactCommand(root);
   AddTablesCommand(root);
   AddDumpCommand(root);
   AddQueryCommand(root);
@@ -90,7 +93,8 @@ std::vector<std::string> OptionNames(const CLI::App& command) {
 
 /// Whether a word that a shell does not know is a command of the program.
 bool IsFileCommand(const std::string& word) {
-  const std::vector<std::string> names = {"create", "info", "shell", "tables", "dump", "query", "check"};
+  const std::vector<std::string> names = {"create",  "info",   "shell", "backup", "restore",
+                                          "compact", "tables", "dump",  "query",  "check"};
   return std::find(names.begin(), names.end(), word) != names.end();
 }
 

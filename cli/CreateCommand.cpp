@@ -1,18 +1,16 @@
-#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <string_view>
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include "cli/Backups.h"
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Json.h"
 #include "cli/System.h"
 #include "jet/Error.h"
 #include "platform/Paths.h"
-#include "storage/HLServiceUtils.h"
 #include "storage/LeagueCsv.h"
 #include "storage/LeagueFile.h"
 
@@ -33,13 +31,6 @@ std::string SampleFolder() {
     if (std::filesystem::is_directory(HLDataSrvc::ToSystemPath(folder))) return folder;
   }
   throw Failure(ExitCode::CannotOpen, "The sample league is missing: there is no folder " + installed + ".");
-}
-
-/// The file to make. A backup is named for the date and the time at which it is made.
-std::string NewFileName(const Context& context) {
-  const std::tm now = fmt::localtime(std::time(nullptr));
-  return HLDataSrvc::HLServiceUtils::GetDatabaseFileName(context.Kind(), fmt::format("{:%Y-%m-%d}", now),
-                                                         fmt::format("{:%H-%M}", now));
 }
 
 std::vector<HLDataSrvc::LeagueCsv::Filled> Fill(jet::Database& database, const std::string& folder) {

@@ -1,0 +1,68 @@
+#include "cli/Backups.h"
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include <fmt/chrono.h>
+
+#include "cli/ExitCode.h"
+#include "platform/Paths.h"
+#include "storage/HLServiceUtils.h"
+
+namespace cli {
+namespace {
+
+std::string FileNameAt(HLIData::DBType kind, std::time_t time) {
+  const std::tm local = fmt::localtime(time);
+  return HLDataSrvc::HLServiceUtils::GetDatabaseFileName(kind, fmt::format("{:%Y-%m-%d}", local),
+                                                         fmt::format("{:%H-%M-%S}", local));
+}
+
+std::string NameOf(const std::filesystem::path& path) {
+  const std::u8string name = path.filename().u8string();
+  return {name.begin(), name.end()};
+}
+
+}  // namespace
+
+std::string NewFileName(const Context& context) {
+  return FileNameAt(context.Kind(), std::time(nullptr));
+}
+
+std::string NewBackupPath(const Context& context) {
+  for (std::time_t time = std::time(nullptr);; ++time) {
+    std::string path = context.PathInFolder(FileNameAt(HLIData::DBType::Backup, time));
+    std::error_code unknown;
+    if (!std::filesystem::exists(HLDataSrvc::ToSystemPath(path), unknown)) return path;
+  }
+}
+
+std::vector<Backup> BackupsIn(const Context& context) {
+  const std::string pattern =
+      HLDataSrvc::HLServiceUtils::GetDatabaseFileName(HLIData::DBType::Backup, "", "");
+  const std::size_t star = pattern.find('*');
+  const std::string_view before = std::string_view(pattern).substr(0, star);
+  const std::string_view after = std::string_view(pattern).substr(star + 1);
+  std::vector<Backup> backups;
+  std::error_code error;
+  std::filesystem::directory_iterator entry(HLDataSrvc::ToSystemPath(context.folder), error);
+  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    const std::string name = NameOf(entry->path());
+    if (name.size() < before.size() + after.size() || !name.starts_with(before) || !name.ends_with(after))
+      continue;
+    std::error_code unknown;
+    const std::uintmax_t bytes = entry->file_size(unknown);
+    if (!unknown) backups.push_back({name, context.PathInFolder(name), bytes});
+  }
+  if (error) {
+    throw Failure(ExitCode::CannotOpen,
+                  "The folder " + context.folder + " cannot be read: " + error.message() + ".");
+  }
+  std::sort(backups.begin(), backups.end(), [](const Backup& a, const Backup& b) { return a.name > b.name; });
+  return backups;
+}
+
+}  // namespace cli
