@@ -301,6 +301,8 @@ void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCo
 /// Makes sure that the unit which was just written, but perhaps not to the disk, is not taken for one later.
 void RedoLog::Void() {
   try {
+    // A sync that fails may have dropped what was written for good, the header of a new log too.
+    if (m_pages.empty()) return Remove();
     m_file->Write(m_end, std::array<std::byte, kSectorSize>{});
     m_file->Sync();
   } catch (const Error&) {
@@ -386,7 +388,7 @@ void RedoLog::UnlessItFails(Work&& work) {
 }
 
 void RedoLog::Close(File& database) {
-  if (m_file == nullptr || m_isReadOnly) return;
+  if (m_isReadOnly || (m_file == nullptr && !m_isBroken)) return;
   if (!m_pages.empty()) WritePages(database);
   Remove();
 }

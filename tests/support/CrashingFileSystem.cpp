@@ -47,14 +47,25 @@ class CrashingFile final : public File {
   std::uint64_t Size() const override { return m_file->Size(); }
   void Read(std::uint64_t offset, std::span<std::byte> into) override {
     if (m_machine->hasCrashed) Machine::RaiseDown();
+    if (m_machine->Fails()) Machine::RaiseFailed();
     m_file->Read(offset, into);
   }
   void Write(std::uint64_t offset, std::span<const std::byte> from) override {
     const Pending change{offset, {from.begin(), from.end()}};
+    if (m_machine->Fails()) {
+      if (m_machine->failure == Failure::Torn) {
+        for (Pending& sector : Sectors(change)) {
+          if (!m_machine->Flips()) continue;
+          m_file->Write(sector.offset, sector.bytes);
+          Keep(std::move(sector));
+        }
+      }
+      Machine::RaiseFailed();
+    }
     if (m_machine->Enter()) {
       if (m_machine->crash != Crash::Kill) {
         for (Pending& sector : Sectors(change)) {
-          if (m_machine->random() % 2 == 0) Keep(std::move(sector));
+          if (m_machine->Flips()) Keep(std::move(sector));
         }
       }
       Machine::RaiseDown();
@@ -63,18 +74,23 @@ class CrashingFile final : public File {
     Keep(change);
   }
   void Resize(std::uint64_t size) override {
+    if (m_machine->Fails()) Machine::RaiseFailed();
     if (m_machine->Enter()) Machine::RaiseDown();
     m_file->Resize(size);
     Keep({size, {}, true});
   }
   void Sync() override {
     ++m_machine->syncs;
-    if (m_machine->Enter()) Machine::RaiseDown();
+    const bool fails = m_machine->Fails();
+    if (fails && m_machine->failure == Failure::Clean) Machine::RaiseFailed();
+    if (!fails && m_machine->Enter()) Machine::RaiseDown();
     m_file->Sync();
     Disk& disk = m_machine->disks[m_name];
-    for (const Pending& change : disk.pending)
-      Apply(disk.durable, change);
+    for (const Pending& change : disk.pending) {
+      if (!fails || m_machine->Flips()) Apply(disk.durable, change);
+    }
     disk.pending.clear();
+    if (fails) Machine::RaiseFailed();
   }
 
  private:
@@ -93,6 +109,18 @@ bool CrashingFileSystem::Machine::Enter() {
   return hasCrashed;
 }
 
+bool CrashingFileSystem::Machine::Fails() {
+  if (hasCrashed) RaiseDown();
+  ++calls;
+  const bool fails = failAt != 0 && (failsForGood ? calls >= failAt : calls == failAt);
+  hasFailed = hasFailed || fails;
+  return fails;
+}
+
+void CrashingFileSystem::Machine::RaiseFailed() {
+  throw Error(ErrorNumber::DiskFull, "The disk was made to fail.");
+}
+
 void CrashingFileSystem::Machine::RaiseDown() {
   throw Error(ErrorNumber::ReadFailed, "The machine is down.");
 }
@@ -105,20 +133,22 @@ CrashingFileSystem::CrashingFileSystem(std::map<std::string, std::vector<std::by
 }
 
 std::unique_ptr<File> CrashingFileSystem::Open(const std::string& name, const OpenMode& mode) {
+  if (m_machine->Fails()) Machine::RaiseFailed();
   if (mode.create && m_machine->Enter()) Machine::RaiseDown();
-  if (m_machine->hasCrashed) Machine::RaiseDown();
   auto file = m_memory->Open(name, mode);
   m_machine->disks.try_emplace(name);
   return std::make_unique<CrashingFile>(std::move(file), name, m_machine);
 }
 
 void CrashingFileSystem::Remove(const std::string& name) {
+  if (m_machine->Fails()) Machine::RaiseFailed();
   if (m_machine->Enter()) Machine::RaiseDown();
   m_memory->Remove(name);
   m_machine->disks.erase(name);
 }
 
 void CrashingFileSystem::Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) {
+  if (m_machine->Fails()) Machine::RaiseFailed();
   if (m_machine->Enter()) Machine::RaiseDown();
   m_memory->Replace(from, to, std::move(held));
   m_machine->disks[to] = std::move(m_machine->disks[from]);
@@ -131,14 +161,24 @@ void CrashingFileSystem::CrashAt(std::size_t nth, Crash crash, std::uint32_t see
   m_machine->random.seed(seed);
 }
 
-std::map<std::string, std::vector<std::byte>> CrashingFileSystem::Survivors() const {
+void CrashingFileSystem::FailAt(std::size_t nth, Failure failure, bool forGood, std::uint32_t seed) {
+  m_machine->failAt = m_machine->calls + nth;
+  m_machine->failure = failure;
+  m_machine->failsForGood = forGood;
+  m_machine->random.seed(seed);
+}
+
+std::map<std::string, std::vector<std::byte>> CrashingFileSystem::Survivors(Crash crash) const {
   std::map<std::string, std::vector<std::byte>> files;
   std::mt19937 random = m_machine->random;
   for (const auto& [name, disk] : m_machine->disks) {
     std::vector<std::byte> bytes = disk.durable;
-    for (const Pending& change : disk.pending) {
-      for (const Pending& sector : Sectors(change)) {
-        if (m_machine->crash != Crash::PowerCut || random() % 2 == 0) Apply(bytes, sector);
+    std::size_t lost = 0;  // first of the writes that are not synced
+    if (crash == Crash::LoseUnsynced) lost = disk.pending.size();
+    if (crash == Crash::ReorderUnsynced) lost = random() % (disk.pending.size() + 1);
+    for (std::size_t i = lost; i < disk.pending.size(); ++i) {
+      for (const Pending& sector : Sectors(disk.pending[i])) {
+        if (crash != Crash::PowerCut || random() % 2 == 0) Apply(bytes, sector);
       }
     }
     files[name] = std::move(bytes);
