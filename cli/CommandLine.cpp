@@ -42,6 +42,9 @@ void AddLeagueCommands(Command& root) {
   AddWinningCommand(root);
   AddMoneyCommand(root);
   AddHistoryCommand(root);
+  AddSearchCommand(root);
+  AddPlayerCommand(root);
+  AddImportCommand(root);
   AddPositionCommand(root);
   AddTeamCommand(root);
 }

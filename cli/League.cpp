@@ -1,11 +1,14 @@
 #include "cli/League.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "HLDataSrvc/CreateDataService.h"
 #include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "jet/Error.h"
+#include "jet/dao/DBEngine.h"
+#include "jet/dao/Database.h"
 #include "storage/HLServiceUtils.h"
 
 namespace cli {
@@ -23,6 +26,19 @@ ExitCode ReasonNotOpened(const std::string& path) {
     return ExitCodeOf(error.Number());
   }
   return ExitCode::Refused;
+}
+
+/// The lengths of the columns of text in a file, under table and column.
+std::map<std::pair<std::string, std::string>, std::size_t> TextLengthsIn(const std::string& path) {
+  const auto database = HLServiceUtils::Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/true,
+                                                              HLServiceUtils::GetConnectString());
+  std::map<std::pair<std::string, std::string>, std::size_t> lengths;
+  for (const jet::TableInfo& table : database->Tables()) {
+    for (const jet::ColumnSpec& column : table.columns) {
+      if (column.type == jet::ColumnType::Text) lengths[{table.name, column.name}] = column.length;
+    }
+  }
+  return lengths;
 }
 
 }  // namespace
@@ -53,6 +69,28 @@ void League::RaiseShownMessages() {
   for (std::size_t i = 1; i < shown.size(); ++i)
     others += (others.empty() ? "" : "\n") + shown[i];
   throw Failure(ExitCode::Refused, shown.front(), others);
+}
+
+void League::Reopen(bool forget) {
+  std::string message;
+  if (m_service->OpenDatabase(forget, message)) return;
+  throw Failure(ReasonNotOpened(m_path), message);
+}
+
+std::size_t League::TextLength(const std::string& table, const std::string& column) {
+  if (m_textLengths.empty()) {
+    // The service has the file to itself, and does not tell about columns.
+    m_service->CloseDatabase();
+    try {
+      m_textLengths = TextLengthsIn(m_path);
+    } catch (const jet::Error&) {
+      Reopen(/*forget=*/false);
+      throw;
+    }
+    Reopen(/*forget=*/false);
+  }
+  const auto found = m_textLengths.find({table, column});
+  return found == m_textLengths.end() ? std::numeric_limits<std::size_t>::max() : found->second;
 }
 
 void League::RefuseUnsavedPicks(const std::string& command) {

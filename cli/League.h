@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -50,6 +52,13 @@ class League {
   /// failed. To be called after every operation that shows them, so that one failure is not told as
   /// another's.
   void RaiseShownMessages();
+  /// Forgets all records that the service has read, so that whatever follows goes on from what is stored: for
+  /// after an operation that failed half way. Raises Failure when the file cannot be read any more.
+  void ForgetRecords() { Reopen(/*forget=*/true); }
+  /// How many UTF-16 units a column of text takes, of any length if it is none. The service lets go of the
+  /// file to ask for it the first time. Raises what opening the file raises.
+  std::size_t TextLength(const std::string& table, const std::string& column);
+
   /// The draft of the current season, with the picks that are not saved yet.
   DraftSession& Draft() { return *m_draft; }
   /// Raises Failure when there are picks that `draft save` has not stored yet. For commands, named by
@@ -58,12 +67,14 @@ class League {
   void RefuseUnsavedPicks(const std::string& command);
 
  private:
+  void Reopen(bool forget);
   [[noreturn]] void RaiseNotOpened(const Context& context, const std::string& message) const;
 
   std::shared_ptr<LeagueHost> m_host;
   std::shared_ptr<HLIData::IDataService> m_service;
   std::string m_path;
   std::unique_ptr<DraftSession> m_draft;
+  std::map<std::pair<std::string, std::string>, std::size_t> m_textLengths;  ///< under table and column
 };
 
 }  // namespace cli

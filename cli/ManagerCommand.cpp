@@ -12,6 +12,7 @@
 #include "cli/ManagerReport.h"
 #include "cli/Numbers.h"
 #include "cli/Ranking.h"
+#include "cli/RecordCommands.h"
 #include "cli/Seasons.h"
 #include "cli/Winnings.h"
 #include "cli/WordsCommand.h"
@@ -174,7 +175,8 @@ void Rank(Context& context, const Words& words) {
 }  // namespace
 
 void AddManagerCommand(Command& app) {
-  Command manager = app.AddCommand("manager", "Who takes part in the current season, ranks and fees");
+  Command manager = app.AddCommand(
+      "manager", "Who takes part in the current season, ranks and fees; the league's managers");
   Command list = manager.AddCommand("list", "List who takes part, in the order of the ranking");
   auto options = std::make_shared<ListOptions>();
   list.AddOption("--season", "YEAR", options->year, "in the season of this year");
@@ -187,6 +189,7 @@ void AddManagerCommand(Command& app) {
                   "names, and as the last word 'paid' or 'unpaid'", Fee);
   AddWordsCommand(manager, "rank", "Rank all managers, or put one of them on a place", "NAME",
                   "all names from the first rank to the last; or one name and its place", Rank);
+  AddManagerRecordCommands(manager);
 }
 
 }  // namespace cli

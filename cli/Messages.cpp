@@ -29,6 +29,11 @@ void Messages::Prompt(std::string_view text) {
   static_cast<void>(std::fflush(m_stream));
 }
 
+void Messages::Transient(std::string_view text) {
+  Write("\r" + std::string(text) + "\x1b[K");
+  static_cast<void>(std::fflush(m_stream));
+}
+
 void Messages::Line(std::string_view text) {
   Write(std::string(text) + "\n");
 }

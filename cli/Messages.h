@@ -27,6 +27,9 @@ class Messages {
   void Note(std::string_view text);
   /// A question, or the sign that a line can be typed: shown always, and without a line end.
   void Prompt(std::string_view text);
+  /// A line on a terminal that the next one takes the place of; an empty one is gone.
+  void Transient(std::string_view text);
+  bool IsQuiet() const { return m_quiet; }
 
  private:
   void Line(std::string_view text);

@@ -12,6 +12,7 @@
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/Nearest.h"
+#include "cli/Numbers.h"
 #include "cli/TextTable.h"
 #include "cli/Utf8.h"
 
@@ -58,11 +59,15 @@ struct PickableID {
   std::int32_t id;
 };
 
-/// "P17" and "T5", in either case.
-std::optional<PickableID> IDIn(const std::string& who) {
+/// "P17" and "T5", in either case; 17 where only players are meant.
+std::optional<PickableID> IDIn(const PickableWords& words) {
+  const std::string& who = words.who;
+  if (words.playersOnly) {
+    if (const auto id = WholeNumber(who)) return PickableID{PickType::Player, *id};
+  }
   if (who.size() < 2) return std::nullopt;
   const std::string letter = LowerCase(who.substr(0, 1));
-  if (letter != "p" && letter != "t") return std::nullopt;
+  if (letter != "p" && (letter != "t" || words.playersOnly)) return std::nullopt;
   PickableID wanted{letter == "p" ? PickType::Player : PickType::Team, 0};
   const auto [stop, error] = std::from_chars(who.data() + 1, who.data() + who.size(), wanted.id);
   if (error != std::errc() || stop != who.data() + who.size()) return std::nullopt;
@@ -176,6 +181,14 @@ Pickables OfTeamAndPosition(const Pickables& found, const PickableWords& words) 
   return left;
 }
 
+Pickables OfKind(Pickables found, const PickableWords& words) {
+  if (!words.playersOnly) return found;
+  found.erase(std::remove_if(found.begin(), found.end(),
+                             [](const auto& pickable) { return pickable->PickType() != PickType::Player; }),
+              found.end());
+  return found;
+}
+
 /// Those of whom there is nothing to say come first.
 std::string ListOf(Pickables pickables,
                    const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
@@ -196,26 +209,27 @@ std::string ListOf(Pickables pickables,
 
 /// All that may be meant. The service pairs two words as first and last name; names of several words are
 /// found by the first of them.
-Pickables Found(League& league, const std::string& who, bool skipRetired) {
-  Pickables found = Search(league, AsPattern(who), skipRetired);
-  const std::vector<std::string> words = WordsOf(who);
-  if (words.size() > 1 && BestOf(found, who).empty())
-    found = Search(league, AsPattern(words.front()), skipRetired);
+Pickables Found(League& league, const PickableWords& wanted, bool skipRetired) {
+  Pickables found = OfKind(Search(league, AsPattern(wanted.who), skipRetired), wanted);
+  const std::vector<std::string> words = WordsOf(wanted.who);
+  if (words.size() > 1 && BestOf(found, wanted.who).empty())
+    found = OfKind(Search(league, AsPattern(words.front()), skipRetired), wanted);
   return found;
 }
 
 /// "Did you mean Ann Lee (P17, DAL, QB)?"; empty when nobody's name is near.
-std::string Suggestion(League& league, const std::string& who) {
+std::string Suggestion(League& league, const PickableWords& words) {
   std::vector<std::string> names;
   std::vector<std::string> texts;
-  for (const auto& pickable : Search(league, AsPattern(FirstLetter(who)), /*skipRetired=*/true)) {
+  const Pickables near = Search(league, AsPattern(FirstLetter(words.who)), /*skipRetired=*/!words.retired);
+  for (const auto& pickable : OfKind(near, words)) {
     const PickableFacts facts = FactsOf(*pickable);
     for (const std::string& name : {facts.name, facts.lastName}) {
       names.push_back(name);
       texts.push_back(PickableText(facts));
     }
   }
-  const std::string nearest = NearestOf(Joined(WordsOf(who)), names);
+  const std::string nearest = NearestOf(Joined(WordsOf(words.who)), names);
   if (nearest.empty()) return {};
   const auto index = std::find(names.begin(), names.end(), nearest) - names.begin();
   return "Did you mean " + texts[static_cast<std::size_t>(index)] + "?";
@@ -223,18 +237,19 @@ std::string Suggestion(League& league, const std::string& who) {
 
 [[noreturn]] void RaiseNobody(League& league, const PickableWords& words, const Pickables& others,
                               const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
-  std::string what = "There is no player or team '" + words.who + "'";
+  std::string what = std::string("There is no ") + (words.playersOnly ? "player" : "player or team") + " '" +
+                     words.who + "'";
   if (!words.team.empty()) what += " of team " + words.team;
   if (!words.position.empty())
     what += (words.team.empty() ? " at position " : ", position ") + words.position;
   std::string hint;
   if (!others.empty()) {
     hint = "There is\n" + ListOf(others, note);
-  } else if (!words.retired && !BestOf(Found(league, words.who, /*skipRetired=*/false), words.who).empty()) {
+  } else if (!words.retired && !BestOf(Found(league, words, /*skipRetired=*/false), words.who).empty()) {
     what += " who plays";
     hint = "'--retired' looks among retired players too.";
   } else {
-    hint = Suggestion(league, words.who);
+    hint = Suggestion(league, words);
   }
   throw Failure(ExitCode::Refused, what + ".", hint);
 }
@@ -272,16 +287,18 @@ std::shared_ptr<IPickable> FindPickable(
     const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
   RequireKnown(league, "team", words.team, league.Service().GetTeams());
   RequireKnown(league, "position", words.position, league.Service().GetPlayerPositions());
-  if (const auto id = IDIn(words.who)) return ByID(league, *id);
+  if (const auto id = IDIn(words)) return ByID(league, *id);
   if (WordsOf(words.who).empty())
     throw Failure(ExitCode::WrongUsage, "Say whom: a name, or an id such as P17.");
-  const Pickables found = Found(league, words.who, /*skipRetired=*/!words.retired);
+  const Pickables found = Found(league, words, /*skipRetired=*/!words.retired);
   const Pickables named = BestOf(found, words.who);
   const Pickables meant = BestOf(OfTeamAndPosition(found, words), words.who);
   if (meant.empty()) RaiseNobody(league, words, named, note);
   if (meant.size() == 1) return meant.front();
-  throw Failure(ExitCode::Refused, "More than one may be meant by '" + words.who + "'.",
-                ListOf(meant, note) + "\nSay which by id, or with --team and --position.");
+  throw Failure(
+      ExitCode::Refused, "More than one may be meant by '" + words.who + "'.",
+      ListOf(meant, note) + (words.playersOnly ? "\nSay which by its id."
+                                               : "\nSay which by id, or with --team and --position."));
 }
 
 }  // namespace cli

@@ -32,6 +32,8 @@ struct PickableWords {
   std::string team;      ///< the short name of the team he plays in; empty for any
   std::string position;  ///< the short name of the position; empty for any
   bool retired = false;  ///< among retired players too
+  /// No teams; a number alone is an id then.
+  bool playersOnly = false;
 };
 
 /// The player or team that is meant: the one whose full name, else last name, else beginning of the names

@@ -1,6 +1,7 @@
 #include "cli/Commands.h"
 #include "cli/Json.h"
 #include "cli/League.h"
+#include "cli/RecordCommands.h"
 #include "cli/TextTable.h"
 #include "cli/Utf8.h"
 
@@ -29,6 +30,7 @@ void List(Context& context) {
 void AddPositionCommand(Command& app) {
   Command position = app.AddCommand("position", "The positions that players have");
   position.AddCommand("list", "List all positions").Runs(List);
+  AddPositionRecordCommands(position);
 }
 
 }  // namespace cli

@@ -12,6 +12,7 @@
 #include "cli/Locks.h"
 #include "cli/Numbers.h"
 #include "cli/PrizeReport.h"
+#include "cli/RecordCommands.h"
 #include "cli/Seasons.h"
 #include "cli/Winnings.h"
 #include "cli/WordsCommand.h"
@@ -136,7 +137,8 @@ void Remove(Context& context, const Words& names) {
 }  // namespace
 
 void AddPrizeCommand(Command& app) {
-  Command prize = app.AddCommand("prize", "The prizes that the current season puts up");
+  Command prize =
+      app.AddCommand("prize", "The prizes that the current season puts up, and those of the league");
   Command list = prize.AddCommand("list", "List the prizes of the season, and what they pay");
   auto options = std::make_shared<ListOptions>();
   list.AddOption("--season", "YEAR", options->year, "of the season of this year");
@@ -145,6 +147,7 @@ void AddPrizeCommand(Command& app) {
   AddWordsCommand(prize, "set", "Put prizes up, or change what they pay", "PRIZE",
                   "a name or an id, and the amount; or PRIZE=AMOUNT, as often as wanted", Set);
   AddWordsCommand(prize, "remove", "Take prizes out that nobody has won", "PRIZE", "names or ids", Remove);
+  AddPrizeRecordCommands(prize);
 }
 
 }  // namespace cli

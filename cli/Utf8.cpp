@@ -173,6 +173,22 @@ std::string LowerCase(std::string_view text) {
   return lower;
 }
 
+std::optional<std::size_t> Utf16Length(std::string_view text) {
+  std::size_t units = 0;
+  while (!text.empty()) {
+    const Character character = FirstOf(text);
+    const std::size_t length = character.bytes.size();
+    const char32_t code = character.code;
+    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+    if ((length == 1 && code > 0x7F) || (length == 3 && (code < 0x800 || isSurrogate)) ||
+        (length == 4 && (code < 0x10000 || code > 0x10FFFF)))
+      return std::nullopt;
+    units += length == 4 ? 2 : 1;
+    text.remove_prefix(length);
+  }
+  return units;
+}
+
 std::string Printable(std::string_view text) {
   std::string printable;
   while (!text.empty()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,9 @@ std::string FirstLetter(std::string_view text);
 
 /// The text with its letters small, for comparing without regard to case: Latin, Greek and Cyrillic.
 std::string LowerCase(std::string_view text);
+
+/// How many units of UTF-16 a text takes; none for a text that is no UTF-8.
+std::optional<std::size_t> Utf16Length(std::string_view text);
 
 /// The text with control characters, which would upset a terminal or a grid, replaced by U+FFFD.
 std::string Printable(std::string_view text);

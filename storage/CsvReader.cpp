@@ -52,6 +52,7 @@ void CsvReader::SkipByteOrderMark() {
 bool CsvReader::Next(std::vector<std::string>& fields) {
   while (m_in.peek() != kEnd) {
     m_recordLine = m_line;
+    m_isInLine = true;
     fields.clear();
     bool isQuoted = false;
     FieldEnd end = FieldEnd::Comma;
@@ -63,6 +64,15 @@ bool CsvReader::Next(std::vector<std::string>& fields) {
     if (!isEmptyLine) return true;
   }
   return false;
+}
+
+void CsvReader::SkipLine() {
+  if (!std::exchange(m_isInLine, false)) return;
+  for (int c = m_in.get(); c != kEnd; c = m_in.get()) {
+    if (c != '\n') continue;
+    ++m_line;
+    return;
+  }
 }
 
 void CsvReader::Refuse(const std::string& reason) const {
@@ -98,11 +108,15 @@ CsvReader::FieldEnd CsvReader::ReadQuoted(std::string& field) {
 
 CsvReader::FieldEnd CsvReader::EndAt(int c) {
   if (c == ',') return FieldEnd::Comma;
-  if (c == kEnd) return FieldEnd::Text;
+  if (c == kEnd) {
+    m_isInLine = false;
+    return FieldEnd::Text;
+  }
   if (c == '\r' && m_in.peek() == '\n') c = m_in.get();
   if (c == '\r') Refuse("A carriage return is not followed by a line feed.");
   if (c != '\n') Refuse("A quoted field is followed by more text.");
   ++m_line;
+  m_isInLine = false;
   return FieldEnd::Line;
 }
 

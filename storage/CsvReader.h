@@ -43,6 +43,8 @@ class CsvReader {
   bool Next(std::vector<std::string>& fields);
   /// The line on which the record read last begins, from 1.
   std::size_t Line() const { return m_recordLine; }
+  /// After a CsvError from Next: passes over the rest of the line at fault, so that Next goes on behind it.
+  void SkipLine();
   /// Raises a CsvError for the record read last.
   [[noreturn]] void Refuse(const std::string& reason) const;
 
@@ -60,6 +62,7 @@ class CsvReader {
   std::string m_file;
   std::size_t m_line = 1;
   std::size_t m_recordLine = 1;
+  bool m_isInLine = false;  // the field read last was not the last of its line
 };
 
 }  // namespace HLDataSrvc

@@ -1,0 +1,115 @@
+#include <cerrno>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <system_error>
+
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Json.h"
+#include "cli/League.h"
+#include "cli/MasterRecords.h"
+#include "cli/Numbers.h"
+#include "cli/PlayerImport.h"
+#include "cli/ProgressBar.h"
+#include "platform/Paths.h"
+
+namespace cli {
+namespace {
+
+using Kind = PlayerImport::Kind;
+
+struct ImportOptions {
+  std::string file;
+  bool isDryRun = false;
+};
+
+Json LineJson(const PlayerImport::Line& line) {
+  Json json;
+  json["line"] = line.number;
+  json["id"] = line.id == 0 ? Json() : Json(line.id);
+  json["firstName"] = line.values.firstName;
+  json["lastName"] = line.values.lastName;
+  return json;
+}
+
+void PrintJson(Context& context, const PlayerImport& import, const ImportOptions& options) {
+  Json document;
+  document["dryRun"] = options.isDryRun;
+  for (const char* list : {"added", "changed", "unchanged", "refused"})
+    document[list] = Json::array();
+  for (const PlayerImport::Line& line : import.Lines()) {
+    const char* list = line.kind == Kind::Add ? "added" : line.kind == Kind::Change ? "changed" : "unchanged";
+    document[list].push_back(LineJson(line));
+  }
+  for (const PlayerImport::Refusal& refusal : import.Refused())
+    document["refused"].push_back({{"line", refusal.number}, {"reason", refusal.reason}});
+  context.output.Line(JsonText(document));
+}
+
+void PrintReport(Context& context, const PlayerImport& import, const ImportOptions& options) {
+  if (context.json) {
+    PrintJson(context, import, options);
+    return;
+  }
+  if (options.isDryRun) {
+    for (const PlayerImport::Line& line : import.Lines()) {
+      if (line.kind != Kind::Same)
+        context.output.Line("line " + std::to_string(line.number) + " " + line.text);
+    }
+  }
+  for (const PlayerImport::Refusal& refusal : import.Refused())
+    context.output.Line("line " + std::to_string(refusal.number) + " refused: " + refusal.reason);
+  const std::string would = options.isDryRun ? " to be" : "";
+  context.output.Line(CountOf(static_cast<std::int64_t>(import.CountOf(Kind::Add)), "player") + would +
+                      " added, " + std::to_string(import.CountOf(Kind::Change)) + would + " changed, " +
+                      std::to_string(import.CountOf(Kind::Same)) + " as they are; " +
+                      CountOf(static_cast<std::int64_t>(import.Refused().size()), "line") + " refused.");
+}
+
+void ImportPlayers(Context& context, const ImportOptions& options) {
+  League& league = context.TheLeague();
+  errno = 0;
+  std::ifstream file(HLDataSrvc::ToSystemPath(options.file), std::ios::binary);
+  // A folder can be opened on some systems, and only reading it fails.
+  if (!file || (file.peek() == std::ifstream::traits_type::eof() && file.bad())) {
+    throw Failure(ExitCode::CannotOpen, "The file " + options.file + " cannot be read: " +
+                                            std::generic_category().message(errno) + ".");
+  }
+  file.clear();
+  PlayerImport import(league);
+  import.Read(file, options.file);
+  if (!options.isDryRun) {
+    ProgressBar progress(context.messages, "Importing", import.Lines().size());
+    import.Apply([&progress] { progress.Advance();
+  });
+}
+PrintReport(context, import, options);
+if (options.isDryRun) {
+  context.messages.Note("Nothing was changed.");
+} else {
+  NoteDone(context, "The players were saved");
+}
+if (!import.Refused().empty()) {
+  throw Failure(ExitCode::Refused, CountOf(static_cast<std::int64_t>(import.Refused().size()), "line") +
+                                       " of " + options.file + " could not be taken.");
+}
+}  // namespace
+
+}  // namespace cli
+
+void AddImportCommand(Command& app) {
+  Command import = app.AddCommand("import", "Take records from a CSV file into the league");
+  Command players = import.AddCommand("players", "Add and change players");
+  auto options = std::make_shared<ImportOptions>();
+  players.AddArgument("FILE", options->file, "CSV file whose first line names its columns").Required();
+  players.AddFlag("--dry-run", options->isDryRun, "only tell what would be done");
+  players.SetFooter(
+      "Columns, in any order: id, first name, last name, position, team, is retired. A line with an id "
+      "changes "
+      "that player; without one, the name and the position tell who is meant, and a player whom the league "
+      "does not have is added. 'new' as the id adds one in any case.");
+  players.Runs(ImportPlayers, options);
+}
+
+}  // namespace cli
