@@ -8,23 +8,11 @@
 
 #include "HLDataSrvc/Host.h"
 #include "HLIData/Error.h"
-#include "platform/Paths.h"
+#include "platform/windows/ComponentFile.h"
+#include "platform/windows/WideText.h"
 
 namespace HLDataSrvc {
 namespace {
-
-std::string ToUtf8(const std::wstring& text) {
-  const std::u8string utf8 = std::filesystem::path(text).u8string();
-  return std::string(utf8.begin(), utf8.end());
-}
-
-std::wstring ToWide(const std::string& text) {
-  const int length = static_cast<int>(text.size());
-  std::wstring wide(
-      static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0)), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), length, wide.data(), static_cast<int>(wide.size()));
-  return wide;
-}
 
 bool IsAbsence(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_NO_MORE_FILES ||
@@ -34,17 +22,7 @@ bool IsAbsence(DWORD error) {
 class WindowsHost final : public Host {
  public:
   std::string ApplicationFolder() const override {
-    HMODULE component = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(&SystemHost), &component);
-    std::wstring file(MAX_PATH, L'\0');
-    // A name that does not fit is cut off to the whole length of the buffer.
-    DWORD length = GetModuleFileNameW(component, file.data(), static_cast<DWORD>(file.size()));
-    while (length == file.size()) {
-      file.resize(file.size() * 2);
-      length = GetModuleFileNameW(component, file.data(), static_cast<DWORD>(file.size()));
-    }
-    file.resize(length);
+    std::wstring file = ComponentFile();
     file.resize(file.find_last_of(L'\\') == file.npos ? 0 : file.find_last_of(L'\\'));
     return ToUtf8(file);
   }

@@ -1,0 +1,163 @@
+#include "com/Registration.h"
+
+#include <string>
+
+#include <oleauto.h>
+#include <windows.h>
+
+#include "HLIDataCom.h"
+#include "com/Classes.h"
+#include "com/Errors.h"
+#include "com/Module.h"
+#include "platform/windows/ComponentFile.h"
+#include "platform/windows/WideText.h"
+
+namespace HLDataSrvc::Com {
+namespace {
+
+constexpr wchar_t kClassesKey[] = L"Software\\Classes\\";
+
+std::wstring TextOf(const GUID& id) {
+  wchar_t text[39];
+  StringFromGUID2(id, text, 39);
+  return text;
+}
+
+HKEY Root(RegisteredFor whom) {
+  return whom == RegisteredFor::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
+}
+
+void Check(LSTATUS status, const std::wstring& key) {
+  if (status != ERROR_SUCCESS) {
+    throw ComError(HRESULT_FROM_WIN32(static_cast<DWORD>(status)),
+                   "The entry " + ToUtf8(key) + " of the registry cannot be changed.");
+  }
+}
+
+/// Writes text under the classes of the registry; with no `name` that of the key itself.
+void Write(RegisteredFor whom, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
+  const std::wstring path = kClassesKey + key;
+  const auto size = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
+  Check(RegSetKeyValueW(Root(whom), path.c_str(), name, REG_SZ, value.c_str(), size), path);
+}
+
+void Remove(RegisteredFor whom, const std::wstring& key) {
+  const std::wstring path = kClassesKey + key;
+  const LSTATUS status = RegDeleteTreeW(Root(whom), path.c_str());
+  if (status != ERROR_FILE_NOT_FOUND) Check(status, path);
+}
+
+std::wstring ProgramName(const ClassEntry& made) {
+  return L"HLDataSrvc." + std::wstring(made.name);
+}
+
+void RegisterClass(RegisteredFor whom, const ClassEntry& made, const std::wstring& typeLibrary) {
+  const std::wstring id = TextOf(*made.id);
+  const std::wstring key = L"CLSID\\" + id;
+  const std::wstring program = ProgramName(made);
+  const std::wstring description(made.description);
+  Write(whom, key, nullptr, description);
+  Write(whom, key + L"\\InprocServer32", nullptr, ComponentFile());
+  Write(whom, key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+  Write(whom, key + L"\\ProgID", nullptr, program);
+  Write(whom, key + L"\\TypeLib", nullptr, typeLibrary);
+  Write(whom, program, nullptr, description);
+  Write(whom, program + L"\\CLSID", nullptr, id);
+}
+
+std::wstring LibraryKey(const TLIBATTR& library) {
+  return L"TypeLib\\" + TextOf(library.guid);
+}
+
+std::wstring VersionOf(const TLIBATTR& library) {
+  return std::to_wstring(library.wMajorVerNum) + L"." + std::to_wstring(library.wMinorVerNum);
+}
+
+/// The identity of a type library.
+TLIBATTR AttributesOf(ITypeLib& library) {
+  TLIBATTR* attributes = nullptr;
+  const HRESULT result = library.GetLibAttr(&attributes);
+  if (FAILED(result)) throw ComError(result, "The type library of the component cannot be read.");
+  const TLIBATTR copy = *attributes;
+  library.ReleaseTLibAttr(attributes);
+  return copy;
+}
+
+std::wstring NameOf(ITypeLib& library, INT index) {
+  BSTR name = nullptr;
+  if (FAILED(library.GetDocumentation(index, &name, nullptr, nullptr, nullptr))) return {};
+  std::wstring text(name, SysStringLen(name));
+  SysFreeString(name);
+  return text;
+}
+
+/// Calls `visit(key, name, isDual)` for the registry's key of each interface in the library.
+template <typename Visit>
+void ForEachInterface(ITypeLib& library, Visit&& visit) {
+  for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
+    TYPEKIND kind{};
+    ComPtr<ITypeInfo> type;
+    TYPEATTR* attributes = nullptr;
+    if (FAILED(library.GetTypeInfoType(i, &kind)) || (kind != TKIND_DISPATCH && kind != TKIND_INTERFACE))
+      continue;
+    if (FAILED(library.GetTypeInfo(i, type.Put())) || FAILED(type->GetTypeAttr(&attributes))) continue;
+    const std::wstring key = L"Interface\\" + TextOf(attributes->guid);
+    const bool isDual = kind == TKIND_INTERFACE || (attributes->wTypeFlags & TYPEFLAG_FDUAL) != 0;
+    type->ReleaseTypeAttr(attributes);
+    visit(key, NameOf(library, static_cast<INT>(i)), isDual);
+  }
+}
+
+void RegisterTypes(RegisteredFor whom, ITypeLib& library) {
+  const TLIBATTR attributes = AttributesOf(library);
+  const std::wstring version = VersionOf(attributes);
+  const std::wstring key = LibraryKey(attributes) + L"\\" + version;
+  const std::wstring file = ComponentFile();
+  Write(whom, key, nullptr, L"Halcyra league data");
+  Write(whom, key + (attributes.syskind == SYS_WIN64 ? L"\\0\\win64" : L"\\0\\win32"), nullptr, file);
+  Write(whom, key + L"\\FLAGS", nullptr, L"0");
+  Write(whom, key + L"\\HELPDIR", nullptr, file.substr(0, file.find_last_of(L'\\')));
+  // The system's own marshallers carry calls between apartments: by slot, or by name.
+  ForEachInterface(library, [&](const std::wstring& face, const std::wstring& name, bool isDual) {
+    Write(whom, face, nullptr, name);
+    Write(whom, face + L"\\ProxyStubClsid32", nullptr,
+          isDual ? L"{00020424-0000-0000-C000-000000000046}" : L"{00020420-0000-0000-C000-000000000046}");
+    Write(whom, face + L"\\TypeLib", nullptr, TextOf(attributes.guid));
+    Write(whom, face + L"\\TypeLib", L"Version", version);
+  });
+}
+
+void UnregisterTypes(RegisteredFor whom, ITypeLib& library) {
+  ForEachInterface(library,
+                   [whom](const std::wstring& face, const std::wstring&, bool) { Remove(whom, face); });
+  Remove(whom, LibraryKey(AttributesOf(library)));
+}
+
+}  // namespace
+
+void Register(RegisteredFor whom) {
+  const ComPtr<ITypeLib> library = Module::TypeLibrary();
+  const std::wstring typeLibrary = TextOf(AttributesOf(*library.Get()).guid);
+  try {
+    for (const ClassEntry& made : Classes())
+      RegisterClass(whom, made, typeLibrary);
+    RegisterTypes(whom, *library.Get());
+  } catch (const ComError&) {
+    try {
+      Unregister(whom);
+    } catch (const ComError&) {
+      // The first error is the one to tell.
+    }
+    throw;
+  }
+}
+
+void Unregister(RegisteredFor whom) {
+  for (const ClassEntry& made : Classes()) {
+    Remove(whom, L"CLSID\\" + TextOf(*made.id));
+    Remove(whom, ProgramName(made));
+  }
+  UnregisterTypes(whom, *Module::TypeLibrary().Get());
+}
+
+}  // namespace HLDataSrvc::Com

@@ -1,0 +1,61 @@
+#include "com/SettingInfoObject.h"
+
+#include "com/Enumeration.h"
+
+namespace HLDataSrvc::Com {
+namespace {
+
+void HandOutPoint(const ComPtr<IConnectionPoint>& point, IConnectionPoint*& element) {
+  element = ComPtr<IConnectionPoint>(point).Detach();
+}
+
+using PointEnumeration =
+    Enumeration<IEnumConnectionPoints, IConnectionPoint*, ComPtr<IConnectionPoint>, &HandOutPoint>;
+
+}  // namespace
+
+SettingInfoObject::SettingInfoObject(const std::shared_ptr<HLIData::ISettingInfo>& record)
+    : RecordObject(record), m_point(*this, __uuidof(::_ISettingInfoEvents)) {
+  TheRecord().AddObserver(*this);
+}
+
+SettingInfoObject::~SettingInfoObject() {
+  TheRecord().RemoveObserver(*this);
+}
+
+HRESULT SettingInfoObject::EnumConnectionPoints(IEnumConnectionPoints** points) noexcept {
+  return Guarded([&] {
+    Required(points) = nullptr;
+    *points = Make<PointEnumeration>(std::vector{ComPtr<IConnectionPoint>(&m_point)}).Detach();
+  });
+}
+
+HRESULT SettingInfoObject::FindConnectionPoint(REFIID id, IConnectionPoint** point) noexcept {
+  if (!point) return E_POINTER;
+  *point = nullptr;
+  if (id != __uuidof(::_ISettingInfoEvents)) return CONNECT_E_NOCONNECTION;
+  m_point.AddRef();
+  *point = &m_point;
+  return S_OK;
+}
+
+HRESULT SettingInfoObject::GetClassInfo(ITypeInfo** info) noexcept {
+  return Guarded([&] { Required(info) = Module::TypeInfo(__uuidof(::SettingInfo)).Detach(); });
+}
+
+HRESULT SettingInfoObject::GetGUID(DWORD kind, GUID* id) noexcept {
+  if (!id) return E_POINTER;
+  *id = {};
+  if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
+  *id = __uuidof(::_ISettingInfoEvents);
+  return S_OK;
+}
+
+void* SettingInfoObject::FindMore(REFIID id) noexcept {
+  if (id == IID_IConnectionPointContainer) return static_cast<IConnectionPointContainer*>(this);
+  if (id == IID_IProvideClassInfo || id == IID_IProvideClassInfo2)
+    return static_cast<IProvideClassInfo2*>(this);
+  return nullptr;
+}
+
+}  // namespace HLDataSrvc::Com
