@@ -33,38 +33,38 @@ Json LineJson(const PlayerImport::Line& line) {
   return json;
 }
 
-void PrintJson(Context& context, const PlayerImport& import, const ImportOptions& options) {
+void PrintJson(Context& context, const PlayerImport& lines, const ImportOptions& options) {
   Json document;
   document["dryRun"] = options.isDryRun;
   for (const char* list : {"added", "changed", "unchanged", "refused"})
     document[list] = Json::array();
-  for (const PlayerImport::Line& line : import.Lines()) {
+  for (const PlayerImport::Line& line : lines.Lines()) {
     const char* list = line.kind == Kind::Add ? "added" : line.kind == Kind::Change ? "changed" : "unchanged";
     document[list].push_back(LineJson(line));
   }
-  for (const PlayerImport::Refusal& refusal : import.Refused())
+  for (const PlayerImport::Refusal& refusal : lines.Refused())
     document["refused"].push_back({{"line", refusal.number}, {"reason", refusal.reason}});
   context.output.Line(JsonText(document));
 }
 
-void PrintReport(Context& context, const PlayerImport& import, const ImportOptions& options) {
+void PrintReport(Context& context, const PlayerImport& lines, const ImportOptions& options) {
   if (context.json) {
-    PrintJson(context, import, options);
+    PrintJson(context, lines, options);
     return;
   }
   if (options.isDryRun) {
-    for (const PlayerImport::Line& line : import.Lines()) {
+    for (const PlayerImport::Line& line : lines.Lines()) {
       if (line.kind != Kind::Same)
         context.output.Line("line " + std::to_string(line.number) + " " + line.text);
     }
   }
-  for (const PlayerImport::Refusal& refusal : import.Refused())
+  for (const PlayerImport::Refusal& refusal : lines.Refused())
     context.output.Line("line " + std::to_string(refusal.number) + " refused: " + refusal.reason);
   const std::string would = options.isDryRun ? " to be" : "";
-  context.output.Line(CountOf(static_cast<std::int64_t>(import.CountOf(Kind::Add)), "player") + would +
-                      " added, " + std::to_string(import.CountOf(Kind::Change)) + would + " changed, " +
-                      std::to_string(import.CountOf(Kind::Same)) + " as they are; " +
-                      CountOf(static_cast<std::int64_t>(import.Refused().size()), "line") + " refused.");
+  context.output.Line(CountOf(static_cast<std::int64_t>(lines.CountOf(Kind::Add)), "player") + would +
+                      " added, " + std::to_string(lines.CountOf(Kind::Change)) + would + " changed, " +
+                      std::to_string(lines.CountOf(Kind::Same)) + " as they are; " +
+                      CountOf(static_cast<std::int64_t>(lines.Refused().size()), "line") + " refused.");
 }
 
 void ImportPlayers(Context& context, const ImportOptions& options) {
@@ -77,38 +77,36 @@ void ImportPlayers(Context& context, const ImportOptions& options) {
                                             std::generic_category().message(errno) + ".");
   }
   file.clear();
-  PlayerImport import(league);
-  import.Read(file, options.file);
+  PlayerImport lines(league);
+  lines.Read(file, options.file);
   if (!options.isDryRun) {
-    ProgressBar progress(context.messages, "Importing", import.Lines().size());
-    import.Apply([&progress] { progress.Advance();
-  });
+    ProgressBar progress(context.messages, "Importing", lines.Lines().size());
+    lines.Apply([&progress] { progress.Advance(); });
+  }
+  PrintReport(context, lines, options);
+  if (options.isDryRun) {
+    context.messages.Note("Nothing was changed.");
+  } else if (lines.CountOf(Kind::Add) + lines.CountOf(Kind::Change) > 0) {
+    NoteDone(context, "The players were saved in");
+  }
+  if (!lines.Refused().empty()) {
+    throw Failure(ExitCode::Refused, CountOf(static_cast<std::int64_t>(lines.Refused().size()), "line") +
+                                         " of " + options.file + " could not be taken.");
+  }
 }
-PrintReport(context, import, options);
-if (options.isDryRun) {
-  context.messages.Note("Nothing was changed.");
-} else {
-  NoteDone(context, "The players were saved");
-}
-if (!import.Refused().empty()) {
-  throw Failure(ExitCode::Refused, CountOf(static_cast<std::int64_t>(import.Refused().size()), "line") +
-                                       " of " + options.file + " could not be taken.");
-}
+
 }  // namespace
 
-}  // namespace cli
-
 void AddImportCommand(Command& app) {
-  Command import = app.AddCommand("import", "Take records from a CSV file into the league");
-  Command players = import.AddCommand("players", "Add and change players");
+  Command importing = app.AddCommand("import", "Take records from a CSV file into the league");
+  Command players = importing.AddCommand("players", "Add and change players");
   auto options = std::make_shared<ImportOptions>();
   players.AddArgument("FILE", options->file, "CSV file whose first line names its columns").Required();
   players.AddFlag("--dry-run", options->isDryRun, "only tell what would be done");
   players.SetFooter(
       "Columns, in any order: id, first name, last name, position, team, is retired. A line with an id "
-      "changes "
-      "that player; without one, the name and the position tell who is meant, and a player whom the league "
-      "does not have is added. 'new' as the id adds one in any case.");
+      "changes that player; without one, the name and the position tell who is meant, and a player whom the "
+      "league does not have is added. 'new' as the id adds one in any case.");
   players.Runs(ImportPlayers, options);
 }
 

@@ -45,7 +45,7 @@ std::shared_ptr<Manager> Save(League& league, const std::string& firstName, cons
 
 void PrintSaved(Context& context, const Manager& manager, const std::string& sentence) {
   context.output.Line(context.json ? JsonText(ManagerJson(manager)) : sentence);
-  NoteDone(context, "The manager was saved");
+  NoteDone(context, "The manager was saved in");
 }
 
 struct AddOptions {
@@ -100,11 +100,11 @@ void Delete(Context& context, const DeleteOptions& options) {
   deletion.type = HLIData::DeleteType::Manager;
   deletion.id = manager ? manager->ID() : *id;
   deletion.text = manager ? ManagerText(*manager) : "manager " + who;
-  deletion.usedBy = [&] { return UsesOf(league, deletion.type, deletion.id); };
+  if (manager) deletion.usedBy = [&] { return UsesOf(league, deletion.type, deletion.id); };
   const Json json = manager ? ManagerJson(*manager) : Json{{"id", *id}};
   DeleteRecord(context, deletion, options.isSure);
   context.output.Line(context.json ? JsonText(json) : "Deleted " + deletion.text + ".");
-  NoteDone(context, "The manager was deleted");
+  NoteDone(context, "The manager was deleted from");
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ void AddDeleteCommand(Command& parent, const char* description, const char* word
 }
 
 void NoteDone(Context& context, const std::string& whatWasDone) {
-  context.messages.Note(whatWasDone + " in " + context.TheLeague().Path() + ".");
+  context.messages.Note(whatWasDone + " " + context.TheLeague().Path() + ".");
 }
 
 }  // namespace cli

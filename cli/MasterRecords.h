@@ -30,8 +30,9 @@ void SaveRecord(League& league, const std::string& what,
 struct Deletion {
   HLIData::DeleteType type = HLIData::DeleteType::Player;
   std::int32_t id = 0;
-  std::string text;                     ///< what is deleted, for messages: "Ann Lee (P17, DAL, QB)"
-  std::function<std::string()> usedBy;  ///< what refers to the record, asked for when that prevents it
+  std::string text;  ///< what is deleted, for messages: "Ann Lee (P17, DAL, QB)"
+  std::function<std::string()>
+      usedBy;  ///< what refers to the record, asked for when it stays; none for an id without a record
 };
 
 /// Deletes a record, after a question or, with `isSure`, without. Raises Failure with the service's message.
@@ -47,7 +48,7 @@ struct DeleteOptions {
 void AddDeleteCommand(Command& parent, const char* description, const char* word,
                       void (*action)(Context&, const DeleteOptions&));
 
-/// Says where something was saved, or deleted: "The player was saved in ...".
+/// Names the file behind what was done: "The player was saved in".
 void NoteDone(Context& context, const std::string& whatWasDone);
 
 }  // namespace cli

@@ -82,7 +82,7 @@ void Show(Context& context, const std::vector<std::string>& who) {
 /// Tells what was saved: as JSON the player, else a sentence.
 void PrintSaved(Context& context, const IPlayerInfo& player, const std::string& sentence) {
   context.output.Line(context.json ? JsonText(PlayerJson(player)) : sentence);
-  NoteDone(context, "The player was saved");
+  NoteDone(context, "The player was saved in");
 }
 
 /// There are namesakes, but more often somebody is added twice.
@@ -159,17 +159,18 @@ void Delete(Context& context, const DeleteOptions& options) {
   deletion.type = HLIData::DeleteType::Player;
   deletion.id = player ? player->ID() : *id;
   deletion.text = player ? PlayerText(*player) : "player " + who;
-  deletion.usedBy = [&] {
-    const std::string uses = UsesOf(league, deletion.type, deletion.id);
-    return uses + (uses.empty() ? "" : "\n") + "'player edit P" + std::to_string(deletion.id) +
-           " --retired yes' keeps him from being drafted.";
-  };
+  if (player)
+    deletion.usedBy = [&] {
+      const std::string uses = UsesOf(league, deletion.type, deletion.id);
+      return uses + (uses.empty() ? "" : "\n") + "'player edit P" + std::to_string(deletion.id) +
+             " --retired yes' keeps him from being drafted.";
+    };
   const Json json = player ? PlayerJson(*player) : Json{{"id", *id}};
   DeleteRecord(context, deletion, options.isSure);
   // A draft that was looked at before could bring him back.
   league.Service().DiscardCurrentSeasonInfo();
   context.output.Line(context.json ? JsonText(json) : "Deleted " + deletion.text + ".");
-  NoteDone(context, "The player was deleted");
+  NoteDone(context, "The player was deleted from");
 }
 
 }  // namespace

@@ -208,36 +208,37 @@ std::int32_t PlayerImport::WhoIsMeant(const Fields& fields) const {
 }
 
 std::int32_t PlayerImport::ByNameAndPosition(const PlayerValues& wanted, bool hasTeam) const {
-  const Key key(LowerCase(wanted.firstName), LowerCase(wanted.lastName), wanted.positionID);
-  const auto found = m_byKey.find(key);
-  if (found == m_byKey.end()) {
-    // The same name with another position: the same man, or another? And without one, there is no telling.
-    const auto sameName = m_byKey.lower_bound(Key(std::get<0>(key), std::get<1>(key), INT32_MIN));
-    if (sameName == m_byKey.end() || std::get<0>(sameName->first) != std::get<0>(key) ||
-        std::get<1>(sameName->first) != std::get<1>(key))
-      return 0;
-    const std::int32_t id = sameName->second.front();
-    Refuse("There is " + WithID(id) + ", " + TextOf(m_players.at(id)) + ". With " + WithID(id) +
-           " as the id he is changed, with 'new' a player is added.");
+  const std::string first = LowerCase(wanted.firstName);
+  const std::string last = LowerCase(wanted.lastName);
+  std::vector<std::int32_t> namesakes;
+  std::vector<std::int32_t> meant;  // of them, those at the position, if the line tells one
+  for (auto at = m_byKey.lower_bound(Key(first, last, INT32_MIN)); at != m_byKey.end(); ++at) {
+    const auto& [itsFirst, itsLast, itsPosition] = at->first;
+    if (itsFirst != first || itsLast != last) break;
+    namesakes.insert(namesakes.end(), at->second.begin(), at->second.end());
+    if (wanted.positionID == 0 || wanted.positionID == itsPosition)
+      meant.insert(meant.end(), at->second.begin(), at->second.end());
   }
-  std::vector<std::int32_t> meant = found->second;
+  if (namesakes.empty()) return 0;
   if (meant.size() > 1 && hasTeam) {
-    meant.erase(std::remove_if(meant.begin(), meant.end(),
-                               [&](std::int32_t id) { return m_players.at(id).teamID != wanted.teamID; }),
-                meant.end());
+    const auto isElsewhere = [&](std::int32_t id) { return m_players.at(id).teamID != wanted.teamID; };
+    if (std::count_if(meant.begin(), meant.end(), isElsewhere) + 1 == std::ssize(meant))
+      meant.erase(std::remove_if(meant.begin(), meant.end(), isElsewhere), meant.end());
   }
-  if (meant.size() != 1) {
+  if (meant.size() > 1) {
     std::string list;
-    for (const std::int32_t id : found->second)
+    for (const std::int32_t id : meant)
       list += (list.empty() ? "" : ", ") + WithID(id);
-    Refuse("More than one player has this name and position: " + list + ". The id says which, or 'new'.");
+    Refuse("More than one player may be meant: " + list + ". The id says which, or 'new'.");
   }
-  const PlayerValues& player = m_players.at(meant.front());
-  if (player.isRetired && !wanted.isRetired) {
-    Refuse("There is " + WithID(meant.front()) + ", " + TextOf(player) + ". With " + WithID(meant.front()) +
+  // Another position or a comeback: the same man, or another? A guess would overwrite somebody.
+  const std::int32_t id = meant.empty() ? namesakes.front() : meant.front();
+  const PlayerValues& player = m_players.at(id);
+  if (meant.empty() || (player.isRetired && !wanted.isRetired)) {
+    Refuse("There is " + WithID(id) + ", " + TextOf(player) + ". With " + WithID(id) +
            " as the id he is changed, with 'new' a player is added.");
   }
-  return meant.front();
+  return id;
 }
 
 void PlayerImport::RequireComplete(const PlayerValues& values) const {

@@ -19,8 +19,8 @@ namespace cli {
 ///
 /// All lines are looked at before the first is taken, so that what would become of them can be told without
 /// doing it. A line with an id changes the player of that id; "new" as the id adds one. Without an id the
-/// name and the position tell who is meant: nobody has them, then a player is added; somebody has, then he is
-/// changed. A field that is left out, or has nothing in it, leaves a player as he is. What cannot be decided
+/// name and, if the line tells one, the position tell who is meant: when nobody has the name, a player is
+/// added. A field that is left out, or has nothing in it, leaves a player as he is. What cannot be decided
 /// is refused, and so is a line about a player whom an earlier one is about.
 class PlayerImport {
  public:

@@ -55,7 +55,7 @@ std::shared_ptr<Position> Save(League& league, const std::string& abbr, const st
 
 void PrintSaved(Context& context, const Position& position, const std::string& sentence) {
   context.output.Line(context.json ? JsonText(PositionJson(position)) : sentence);
-  NoteDone(context, "The position was saved");
+  NoteDone(context, "The position was saved in");
 }
 
 /// Positions are chosen by their short names: two of one could not be told apart.
@@ -107,11 +107,11 @@ void Delete(Context& context, const DeleteOptions& options) {
   deletion.type = HLIData::DeleteType::Position;
   deletion.id = position ? position->ID() : *id;
   deletion.text = position ? PositionText(*position) : "position " + word;
-  deletion.usedBy = [&] { return UsesOf(league, deletion.type, deletion.id); };
+  if (position) deletion.usedBy = [&] { return UsesOf(league, deletion.type, deletion.id); };
   const Json json = position ? PositionJson(*position) : Json{{"id", *id}};
   DeleteRecord(context, deletion, options.isSure);
   context.output.Line(context.json ? JsonText(json) : "Deleted " + deletion.text + ".");
-  NoteDone(context, "The position was deleted");
+  NoteDone(context, "The position was deleted from");
 }
 
 }  // namespace

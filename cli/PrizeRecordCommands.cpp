@@ -50,7 +50,7 @@ std::shared_ptr<Prize> Save(League& league, const std::string& name, std::int32_
 
 void PrintSaved(Context& context, const Prize& prize, const std::string& sentence) {
   context.output.Line(context.json ? JsonText(PrizeJson(prize)) : sentence);
-  NoteDone(context, "The prize was saved");
+  NoteDone(context, "The prize was saved in");
 }
 
 struct AddOptions {
@@ -101,14 +101,15 @@ void Delete(Context& context, const DeleteOptions& options) {
   deletion.type = HLIData::DeleteType::Prize;
   deletion.id = prize ? prize->ID() : *id;
   deletion.text = prize ? PrizeText(*prize) : "prize " + word;
-  deletion.usedBy = [&] {
-    return UsesOf(league, deletion.type, deletion.id) +
-           "\n'prize remove' takes it out of the current season, if nobody has won it.";
-  };
+  if (prize)
+    deletion.usedBy = [&] {
+      return UsesOf(league, deletion.type, deletion.id) +
+             "\n'prize remove' takes it out of the current season, if nobody has won it.";
+    };
   const Json json = prize ? PrizeJson(*prize) : Json{{"id", *id}};
   DeleteRecord(context, deletion, options.isSure);
   context.output.Line(context.json ? JsonText(json) : "Deleted " + deletion.text + ".");
-  NoteDone(context, "The prize was deleted");
+  NoteDone(context, "The prize was deleted from");
 }
 
 }  // namespace

@@ -11,8 +11,12 @@ from leagues import LeagueTest
 CHANGES = [["season", "set", "--contribution", "7"], ["season", "use", "2031", "--create"],
            ["season", "lock", "ranking", "--yes"], ["season", "lock", "draft", "--yes"], ["manager", "join", "19"],
            ["manager", "leave", "20"], ["manager", "fee", "1", "unpaid"], ["manager", "rank", "1", "1"],
-           ["prize", "set", "Best trade", "5"], ["prize", "remove", "1"], ["winning", "add", "1", "1"]]
-LOOKS = ["season show", "manager list", "prize list", "winning list"]
+           ["prize", "set", "Best trade", "5"], ["prize", "remove", "1"], ["winning", "add", "1", "1"], ["player", "add", "Ann", "Lee", "--position", "QB", "--team", "1"],
+           ["player", "edit", "P1", "--first", "Ann"], ["manager", "add", "Ann", "Lee"],
+           ["manager", "edit", "1", "--first", "Ann"], ["prize", "add", "Cup", "--type", "1"],
+           ["prize", "edit", "1", "--name", "Cup"], ["position", "add", "P", "Punter"], ["position", "edit", "QB", "--short", "Q"]]
+LOOKS = ["season show", "manager list", "prize list", "winning list", "player show P1", "player list --team 1",
+         "manager list --all", "prize list --all"]
 
 
 @unittest.skipUnless(hasattr(resource, "prlimit"), "limits of another process are Linux's")
