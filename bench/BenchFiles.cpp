@@ -138,8 +138,16 @@ std::string SqliteFile(std::size_t count) {
   return file;
 }
 
+std::string NewFolder(const std::string& name) {
+  std::string folder = TheFolder().File(name);
+  std::filesystem::create_directory(folder);
+  return folder;
+}
+
 std::string CopyOf(const std::string& file) {
   const std::string copy = TheFolder().File("copy" + std::filesystem::path(file).extension().string());
+  for (const char* beside : {"-wal", "-shm", "-journal", "-log"})
+    std::filesystem::remove(copy + beside);
   std::filesystem::copy_file(file, copy, std::filesystem::copy_options::overwrite_existing);
   return copy;
 }

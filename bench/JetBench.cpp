@@ -12,8 +12,11 @@
 namespace bench {
 namespace {
 
-std::shared_ptr<jet::Database> Open(const std::string& file) {
-  return jet::DBEngine().OpenDatabase(file, true);
+std::shared_ptr<jet::Database> Open(const std::string& file,
+                                    jet::Durability durability = jet::Durability::Full) {
+  jet::EngineOptions options;
+  options.durability = durability;
+  return jet::DBEngine(options).OpenDatabase(file, true);
 }
 
 std::size_t CountOf(const benchmark::State& state) {
@@ -75,11 +78,11 @@ void Lookups(benchmark::State& state) {
 }
 BENCHMARK(Lookups)->Name("Lookups/jet")->Arg(2500)->Arg(kManyPlayers);
 
-void Adds(benchmark::State& state) {
-  const auto players = MadeUpPlayers(1000000, kChanges);
+void Adds(benchmark::State& state, jet::Durability durability) {
+  const auto players = MadeUpPlayers(1000000, CountOf(state));
   for (auto _ : state) {
     state.PauseTiming();
-    auto database = Open(CopyOf(JetFile(2500)));
+    auto database = Open(CopyOf(JetFile(2500)), durability);
     const auto rows = database->OpenRecordset("select * from [player info] where [id] = 0");
     state.ResumeTiming();
     for (const Player& player : players) {
@@ -97,16 +100,24 @@ void Adds(benchmark::State& state) {
     state.ResumeTiming();
   }
 }
-BENCHMARK(Adds)->Name("Adds/jet");
+BENCHMARK_CAPTURE(Adds, off, jet::Durability::Off)->Name("Adds/jet")->Arg(kChanges)->UseRealTime();
+BENCHMARK_CAPTURE(Adds, normal, jet::Durability::Normal)
+    ->Name("Adds-normal/jet")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Adds, full, jet::Durability::Full)
+    ->Name("Adds-full/jet")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
 
-void Edits(benchmark::State& state) {
+void Edits(benchmark::State& state, jet::Durability durability) {
   const auto players = LeaguePlayers();
   std::mt19937 random(2);
   for (auto _ : state) {
     state.PauseTiming();
-    auto database = Open(CopyOf(JetFile(2500)));
+    auto database = Open(CopyOf(JetFile(2500)), durability);
     state.ResumeTiming();
-    for (std::size_t i = 0; i < kChanges; ++i) {
+    for (std::size_t i = 0; i < CountOf(state); ++i) {
       const std::int32_t id = players[random() % players.size()].id;
       const auto rows =
           database->OpenRecordset("select * from [player info] where [id] = " + std::to_string(id));
@@ -120,7 +131,15 @@ void Edits(benchmark::State& state) {
     state.ResumeTiming();
   }
 }
-BENCHMARK(Edits)->Name("Edits/jet");
+BENCHMARK_CAPTURE(Edits, off, jet::Durability::Off)->Name("Edits/jet")->Arg(kChanges)->UseRealTime();
+BENCHMARK_CAPTURE(Edits, normal, jet::Durability::Normal)
+    ->Name("Edits-normal/jet")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Edits, full, jet::Durability::Full)
+    ->Name("Edits-full/jet")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
 
 void PrefixSearch(benchmark::State& state) {
   const auto database = Open(JetFile(CountOf(state)));

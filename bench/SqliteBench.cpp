@@ -33,7 +33,7 @@ std::size_t ReadAll(SqliteStatement& rows) {
 void OpenAndSettings(benchmark::State& state) {
   const std::string file = SqliteFile(2500);
   for (auto _ : state) {
-    SqliteDatabase database(file, false);
+    SqliteDatabase database(file, SqliteDatabase::Mode::Read);
     SqliteStatement rows(database, "select * from settings");
     rows.Step();
     benchmark::DoNotOptimize(rows.Number(1));
@@ -73,11 +73,12 @@ void Lookups(benchmark::State& state, bool prepared) {
 BENCHMARK_CAPTURE(Lookups, text, false)->Name("Lookups/sqlite")->Arg(2500)->Arg(kManyPlayers);
 BENCHMARK_CAPTURE(Lookups, prepared, true)->Name("Lookups/sqlite-prepared")->Arg(2500)->Arg(kManyPlayers);
 
-void Adds(benchmark::State& state) {
-  const auto players = MadeUpPlayers(1000000, kChanges);
+void Adds(benchmark::State& state, SqliteDatabase::Mode mode) {
+  const auto players = MadeUpPlayers(1000000, CountOf(state));
   for (auto _ : state) {
     state.PauseTiming();
-    std::optional<SqliteDatabase> database(CopyOf(SqliteFile(2500)));
+    std::optional<SqliteDatabase> database;
+    database.emplace(CopyOf(SqliteFile(2500)), mode);
     std::optional<SqliteStatement> insert;
     insert.emplace(*database, kSqliteInsert);
     state.ResumeTiming();
@@ -89,18 +90,34 @@ void Adds(benchmark::State& state) {
     state.ResumeTiming();
   }
 }
-BENCHMARK(Adds)->Name("Adds/sqlite");
+BENCHMARK_CAPTURE(Adds, memory, SqliteDatabase::Mode::Memory)
+    ->Name("Adds/sqlite")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Adds, normal, SqliteDatabase::Mode::WalNormal)
+    ->Name("Adds-normal/sqlite-wal")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Adds, wal, SqliteDatabase::Mode::WalFull)
+    ->Name("Adds-full/sqlite-wal")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Adds, journal, SqliteDatabase::Mode::DeleteFull)
+    ->Name("Adds-full/sqlite-delete")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
 
-void Edits(benchmark::State& state) {
+void Edits(benchmark::State& state, SqliteDatabase::Mode mode) {
   const auto players = LeaguePlayers();
   std::mt19937 random(2);
   for (auto _ : state) {
     state.PauseTiming();
-    std::optional<SqliteDatabase> database(CopyOf(SqliteFile(2500)));
+    std::optional<SqliteDatabase> database;
+    database.emplace(CopyOf(SqliteFile(2500)), mode);
     std::optional<SqliteStatement> update;
     update.emplace(*database, "update player_info set last_name = ?, team_id = ? where id = ?");
     state.ResumeTiming();
-    for (std::size_t i = 0; i < kChanges; ++i) {
+    for (std::size_t i = 0; i < CountOf(state); ++i) {
       const std::int32_t id = players[random() % players.size()].id;
       const std::string name(5 + random() % 20, 'a');
       update->Bind(1, name);
@@ -115,7 +132,22 @@ void Edits(benchmark::State& state) {
     state.ResumeTiming();
   }
 }
-BENCHMARK(Edits)->Name("Edits/sqlite");
+BENCHMARK_CAPTURE(Edits, memory, SqliteDatabase::Mode::Memory)
+    ->Name("Edits/sqlite")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Edits, normal, SqliteDatabase::Mode::WalNormal)
+    ->Name("Edits-normal/sqlite-wal")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Edits, wal, SqliteDatabase::Mode::WalFull)
+    ->Name("Edits-full/sqlite-wal")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Edits, journal, SqliteDatabase::Mode::DeleteFull)
+    ->Name("Edits-full/sqlite-delete")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
 
 void PrefixSearch(benchmark::State& state) {
   SqliteDatabase database(SqliteFile(CountOf(state)));

@@ -4,11 +4,25 @@
 
 namespace bench {
 
-SqliteDatabase::SqliteDatabase(const std::string& file, bool forChanges) {
+SqliteDatabase::SqliteDatabase(const std::string& file, Mode mode) {
   if (sqlite3_open(file.c_str(), &m_database) != SQLITE_OK) throw std::runtime_error("cannot open " + file);
-  if (!forChanges) return;
-  Run("pragma synchronous = off; pragma journal_mode = memory; pragma locking_mode = exclusive;"
-      "pragma cache_size = -65536");
+  switch (mode) {
+    case Mode::Read:
+      return;
+    case Mode::Memory:
+      Run("pragma synchronous = off; pragma journal_mode = memory");
+      break;
+    case Mode::DeleteFull:
+      Run("pragma synchronous = full; pragma journal_mode = delete");
+      break;
+    case Mode::WalFull:
+      Run("pragma journal_mode = wal; pragma synchronous = full");
+      break;
+    case Mode::WalNormal:
+      Run("pragma journal_mode = wal; pragma synchronous = normal");
+      break;
+  }
+  Run("pragma locking_mode = exclusive; pragma cache_size = -65536");
 }
 
 SqliteDatabase::~SqliteDatabase() {

@@ -11,11 +11,19 @@ namespace bench {
 
 inline constexpr const char* kSqliteInsert = "insert into player_info values (?, ?, ?, ?, ?, ?)";
 
-/// An open SQLite database. Changes are not synced, as the engine's are not before it closes the file: each
-/// is atomic against errors, and nothing waits for the disk.
+/// An open SQLite database.
 class SqliteDatabase {
  public:
-  explicit SqliteDatabase(const std::string& file, bool forChanges = true);
+  /// What its changes survive.
+  enum class Mode {
+    Read,        ///< there are none
+    Memory,      ///< errors: a journal in memory, and nothing waits for the disk
+    DeleteFull,  ///< power cuts: a journal beside the file that is deleted with each change
+    WalFull,     ///< power cuts: a write-ahead log
+    WalNormal    ///< the end of the process: a write-ahead log that is synced at checkpoints
+  };
+
+  explicit SqliteDatabase(const std::string& file, Mode mode = Mode::Memory);
   ~SqliteDatabase();
   SqliteDatabase(const SqliteDatabase&) = delete;
   SqliteDatabase& operator=(const SqliteDatabase&) = delete;
@@ -42,6 +50,8 @@ class SqliteStatement {
   bool Step();
   void Reset();
   std::int32_t Number(int column) const { return sqlite3_column_int(m_statement, column); }
+  int ColumnCount() const { return sqlite3_column_count(m_statement); }
+  bool IsText(int column) const { return sqlite3_column_type(m_statement, column) == SQLITE_TEXT; }
   bool IsNull(int column) const { return sqlite3_column_type(m_statement, column) == SQLITE_NULL; }
   /// A copy of the text.
   std::string Text(int column) const;

@@ -1,36 +1,69 @@
 #!/usr/bin/env python3
-"""Prints the medians (of processor time) of a benchmark run as a Markdown table: summary.py RESULT.json"""
+"""Puts the medians of a benchmark run as a table into a document: summary.py RESULT.json DOCUMENT.md
+
+The table takes the place of what stands between the lines `<!-- measured -->` and `<!-- end -->`. Benchmarks are named
+WHAT/WHO[/ROWS][/real_time]; of those that wait for the disk the time on the wall counts, of the others the
+processor's."""
 import json
 import sys
+
+BEGIN, END = "<!-- measured -->\n", "<!-- end -->\n"
+COUNTERS = {"season_KiB": "the season takes {:.0f} KiB", "service_KiB": "the open service {:.0f} KiB",
+            "cache_KiB": "{:.0f} KiB in the caches", "found": "{:.0f} found"}
 
 
 def duration(nanoseconds):
     for unit, size in (("s", 1e9), ("ms", 1e6), ("µs", 1e3)):
         if nanoseconds >= size:
-            return "%.3g %s" % (nanoseconds / size, unit)
-    return "%.3g ns" % nanoseconds
+            return f"{nanoseconds / size:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def read(result):
+    """Of each measurement the time of each party, its variation, and what our own run counted."""
+    scale = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+    times, spread, counters = {}, {}, {}
+    for run in result["benchmarks"]:
+        what, who, *rest = run["run_name"].split("/")
+        clock = "real_time" if "real_time" in rest else "cpu_time"
+        key = (what, next((part for part in rest if part != "real_time"), ""))
+        if run.get("aggregate_name") == "median":
+            times.setdefault(key, {})[who] = run[clock] * scale[run["time_unit"]]
+            if who == "jet":
+                counters[key] = [text.format(run[name]) for name, text in COUNTERS.items() if name in run]
+        elif run.get("aggregate_name") == "cv":
+            spread[(key, who)] = run[clock]
+    return times, spread, counters
+
+
+def table(result):
+    times, spread, counters = read(result)
+    context = result["context"]
+    worst = max(spread.values(), default=0)
+    lines = [f"Measured on {context['date'][:10]}, {context['num_cpus']} processors of {context['mhz_per_cpu']} MHz, load "
+             f"average {context['load_avg'][0]:.1f} at the start. Repetitions of a measurement vary by up to {worst:.0%} "
+             "(coefficient of variation); those of more than 10 % are marked `~`.", "",
+             "| what | rows | ours | peer | its time | ours / its | |", "|---|---|---|---|---|---|---|"]
+    for (what, rows), by in times.items():
+        for peer, theirs in by.items():
+            if peer == "jet" or "jet" not in by:
+                continue
+            marks = ["~" if spread.get(((what, rows), who), 0) > 0.1 else "" for who in ("jet", peer)]
+            lines.append(f"| {what} | {rows} | {marks[0]}{duration(by['jet'])} | {peer} | {marks[1]}{duration(theirs)} | "
+                         f"{by['jet'] / theirs:.2f} | {', '.join(counters.get((what, rows), []))} |")
+    return "\n".join(lines) + "\n"
 
 
 def main():
     with open(sys.argv[1], encoding="utf-8") as handle:
-        result = json.load(handle)
-    scale = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-    medians = {}
-    for run in result["benchmarks"]:
-        if run.get("aggregate_name") != "median":
-            continue
-        what, who, *rows = run["run_name"].split("/")
-        medians.setdefault((what, rows[0] if rows else ""), {})[who] = run["cpu_time"] * scale[run["time_unit"]]
-    print("| what | rows | engine | SQLite | engine / SQLite | SQLite, prepared once | engine / that |")
-    print("|---|---|---|---|---|---|---|")
-    for (what, rows), times in medians.items():
-        cells = [what, rows]
-        jet, sqlite, prepared = times.get("jet"), times.get("sqlite"), times.get("sqlite-prepared")
-        if jet is None or sqlite is None:
-            continue
-        cells += [duration(jet), duration(sqlite), "%.2f" % (jet / sqlite)]
-        cells += [duration(prepared), "%.2f" % (jet / prepared)] if prepared else ["", ""]
-        print("| " + " | ".join(cells) + " |")
+        measured = table(json.load(handle))
+    print(measured)
+    with open(sys.argv[2], encoding="utf-8") as handle:
+        document = handle.read()
+    before, _, rest = document.partition(BEGIN)
+    _, _, after = rest.partition(END)
+    with open(sys.argv[2], "w", encoding="utf-8") as handle:
+        handle.write(before + BEGIN + measured + END + after)
 
 
 if __name__ == "__main__":
