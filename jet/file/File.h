@@ -25,6 +25,8 @@ class File {
   virtual void Resize(std::uint64_t size) = 0;
   /// When it returns, earlier writes survive a power cut.
   virtual void Sync() = 0;
+  /// Whether the file was removed, so that what is written to it goes with this object.
+  virtual bool IsRemoved() const { return false; }
 };
 
 /// How a file is opened and what others may do with it meanwhile.

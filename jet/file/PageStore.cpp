@@ -82,6 +82,10 @@ void PageStore::Write(PageNumber number, const PageBytes& bytes) {
 }
 
 void PageStore::Apply(std::span<const ChangedPage> changes, PageNumber pageCount) {
+  if (!changes.empty() && m_file->IsRemoved()) {
+    throw Error(ErrorNumber::FileNotFound,
+                "The file '" + m_name + "' was removed while it was open and takes no more changes.");
+  }
   if (m_log != nullptr && m_log->IsUsed()) {
     if (!changes.empty()) ApplyLogged(changes, pageCount);
   } else {

@@ -114,6 +114,7 @@ void Pager::NoteFreed(PageNumber number) {
 }
 
 void Pager::Begin() {
+  DropDiscarded();
   m_levels.push_back({{}, {}, m_pageCount});
 }
 
@@ -166,9 +167,7 @@ void Pager::Rollback() noexcept {
       frame.bytes = *undo->before;
       continue;
     }
-    assert(frame.pins == 0 && "a page that is undone is still in use");
-    --m_cached;
-    m_frames[frame.number].reset();
+    Discard(frame);
   }
   for (auto freed = level.freed.rbegin(); freed != level.freed.rend(); ++freed) {
     if (freed->second == 0) {
@@ -179,6 +178,26 @@ void Pager::Rollback() noexcept {
   }
   m_pageCount = level.pageCount;
   m_levels.pop_back();
+}
+
+void Pager::Discard(Frame& frame) noexcept {
+  std::unique_ptr<Frame>& held = m_frames[frame.number];
+  --m_cached;
+  if (frame.pins != 0) {
+    frame.next = std::move(m_discarded);
+    m_discarded = std::move(held);
+  }
+  held.reset();
+}
+
+void Pager::DropDiscarded() noexcept {
+  for (std::unique_ptr<Frame>* link = &m_discarded; *link != nullptr;) {
+    if ((*link)->pins == 0) {
+      *link = std::move((*link)->next);
+    } else {
+      link = &(*link)->next;
+    }
+  }
 }
 
 }  // namespace jet

@@ -22,11 +22,13 @@ struct Frame {
   std::uint32_t pins = 0;
   std::uint32_t level = 0;  ///< innermost change unit that has an image of the page as it was; 0: unchanged
   bool recentlyUsed = false;
+  std::unique_ptr<Frame> next;  ///< of those that are gone from the file and still in use
 };
 }  // namespace detail
 
 /// Keeps a page in the cache for as long as it lives. Copies are cheap. The bytes stay where they are, but
-/// changes made through the Pager show in them.
+/// changes made through the Pager show in them. Of a new page whose unit was undone the bytes can still be
+/// read; the page of that number, should there be one again, is another.
 class PageHandle {
  public:
   PageHandle() = default;
@@ -141,11 +143,14 @@ class Pager {
   void Begin();
   void Commit();
   void Rollback() noexcept;
+  void Discard(detail::Frame& frame) noexcept;
+  void DropDiscarded() noexcept;
 
   std::unique_ptr<PageStore> m_store;
   std::size_t m_capacity;
   std::size_t m_evictAt;                                 // pages in the cache at which room is made again
   std::vector<std::unique_ptr<detail::Frame>> m_frames;  // by page number
+  std::unique_ptr<detail::Frame> m_discarded;  // undone new pages that somebody still has, in a chain
   std::size_t m_cached = 0;
   std::size_t m_clock = 0;  // where the search for a page to evict goes on
   PageNumber m_pageCount;

@@ -389,7 +389,16 @@ void RedoLog::UnlessItFails(Work&& work) {
 
 void RedoLog::Close(File& database) {
   if (m_isReadOnly || (m_file == nullptr && !m_isBroken)) return;
-  if (!m_pages.empty()) WritePages(database);
+  if (!m_pages.empty()) {
+    if (database.IsRemoved()) {
+      throw Error(ErrorNumber::FileNotFound,
+                  "The file '" + m_databaseName +
+                      "' was removed while it was open. Its last changes are in '" + m_name +
+                      "' and come back when a copy of the file, as it was when it was opened, is put in its "
+                      "place.");
+    }
+    WritePages(database);
+  }
   Remove();
 }
 

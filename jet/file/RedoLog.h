@@ -74,7 +74,7 @@ class RedoLog {
   /// fails the log has them still.
   void Checkpoint(File& database);
   /// The same for the last time: the log is removed. One that was not used, or that is read only, does
-  /// nothing.
+  /// nothing. Raises FileNotFound, and leaves the log, when the database file is gone.
   void Close(File& database);
   /// Removes a log without looking into it, as for a database file that is made anew.
   void Remove();

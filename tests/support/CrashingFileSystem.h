@@ -53,6 +53,8 @@ class CrashingFileSystem final : public FileSystem {
   bool HasFailed() const { return m_machine->hasFailed; }
   /// Changing operations so far.
   std::size_t Operations() const { return m_machine->operations; }
+  /// Operations of any kind so far.
+  std::size_t Calls() const { return m_machine->calls; }
   std::size_t Syncs() const { return m_machine->syncs; }
 
   /// The files as the machine finds them when it comes up again.

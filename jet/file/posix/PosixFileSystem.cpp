@@ -140,6 +140,11 @@ class PosixFile final : public File {
       RaiseFor(errno, m_name, "write");
   }
 
+  bool IsRemoved() const override {
+    struct stat status {};
+    return ::fstat(m_descriptor.Number(), &status) == 0 && status.st_nlink == 0;
+  }
+
  private:
   void RefuseIfReadOnly() const {
     if (m_readOnly)

@@ -35,6 +35,27 @@ class PagerTest : public ::testing::Test {
   std::shared_ptr<FaultyFileSystem> files = std::make_shared<FaultyFileSystem>(memory);
 };
 
+TEST_F(PagerTest, PageThatIsUndone_OutlivesItsUnitInTheHandsOfOthers) {
+  auto pager = Open();
+  std::vector<PageHandle> kept;
+  for (int value = 1; value < 4; ++value) {
+    ChangeUnit unit(*pager);
+    const MutablePage page = pager->Append();
+    page.Bytes().fill(static_cast<std::byte>(value));
+    kept.push_back(page);
+    if (value == 2) kept.erase(kept.begin());
+  }
+  EXPECT_EQ(std::to_integer<int>(kept[0].Bytes()[0]), 2);
+  EXPECT_EQ(std::to_integer<int>(kept[1].Bytes()[0]), 3);
+  EXPECT_EQ(pager->PageCount(), 40U);
+  ChangeUnit unit(*pager);
+  kept.pop_back();
+  EXPECT_EQ(pager->Append().Number(), 40U);
+  EXPECT_EQ(First(*pager, 40), 0);
+  unit.Commit();
+  EXPECT_EQ(std::to_integer<int>(kept[0].Bytes()[0]), 2);
+}
+
 TEST_F(PagerTest, NestedUnits_UndoTheirOwnChangesOnly) {
   auto pager = Open();
   {
