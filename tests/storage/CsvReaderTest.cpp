@@ -68,5 +68,22 @@ TEST(CsvReader, NamesTheLineOnWhichARecordItRefusesBegins) {
   }
 }
 
+TEST(CsvReader, GoesOnBehindALineItRefuses) {
+  std::istringstream in("a\"b,c\n\xFF,d\n1,\xFF\n2,e\n\"f\"g\n3,h\n\"i\n4\n");
+  CsvReader reader(in, "teams.csv");
+  std::vector<std::string> told;
+  std::vector<std::string> fields;
+  for (bool isMore = true; isMore;) {
+    try {
+      isMore = reader.Next(fields);
+      if (isMore) told.push_back(fields.front());
+    } catch (const CsvError& error) {
+      told.push_back("line " + std::to_string(error.Line()));
+      reader.SkipLine();
+    }
+  }
+  EXPECT_EQ(told, (std::vector<std::string>{"line 1", "line 2", "line 3", "2", "line 5", "3", "line 7"}));
+}
+
 }  // namespace
 }  // namespace HLDataSrvc
