@@ -169,6 +169,7 @@ void SeasonScript::Pick(int round) {
 }
 
 void SeasonScript::AddWinnings() {
+  m_service->DiscardCurrentSeasonInfo();  // what is not stored is added anew
   const auto season = Season();
   for (const auto& [prize, manager, week] : kWinnings) {
     bool isThere = false;
@@ -184,11 +185,10 @@ void SeasonScript::AddWinnings() {
     winning->ManagerID(std::to_string(manager));
     winning->Week(week);
     winning->Action(WinningAction::Add);
-  }
-  Want(m_service->SaveWinnings());
-  // One for which no identifier can be found is not saved, and nothing is said.
-  for (const auto& winning : *season->Winnings())
+    Want(m_service->SaveWinnings());
+    // One for which no identifier can be found is not saved, and nothing is said.
     Want(winning->ID() > 0, "a winning was dropped");
+  }
 }
 
 void SeasonScript::DeleteMasters() {
