@@ -29,5 +29,6 @@ void AddTablesCommand(Command& app);
 void AddDumpCommand(Command& app);
 void AddQueryCommand(Command& app);
 void AddCheckCommand(Command& app);
+void AddCompletionCommand(Command& app);
 
 }  // namespace cli
