@@ -22,6 +22,41 @@ Option NamedOption(CLI::App& app, const std::string& name, const std::string& va
   return Option(option);
 }
 
+/// The words that an option takes, which the name of its type ends with: KIND:{live,test}.
+std::vector<std::string> WordsOf(const CLI::Option& option) {
+  const std::string type = option.get_type_name();
+  const std::size_t open = type.rfind('{');
+  const std::size_t close = type.rfind('}');
+  if (open == std::string::npos || close == std::string::npos || close < open) return {};
+  return CLI::detail::split(type.substr(open + 1, close - open - 1), ',');
+}
+
+OptionDescription DescriptionOf(const CLI::Option& option) {
+  OptionDescription description;
+  for (const std::string& name : option.get_lnames())
+    description.names.push_back("--" + name);
+  for (const std::string& name : option.get_snames())
+    description.names.push_back("-" + name);
+  if (description.names.empty()) description.names.push_back(option.get_name());
+  if (option.get_items_expected_max() > 0) {
+    const std::string type = option.get_type_name();
+    description.value = type.substr(0, type.find(':'));
+  }
+  description.words = WordsOf(option);
+  return description;
+}
+
+CommandDescription DescriptionOf(const CLI::App& app) {
+  CommandDescription description;
+  description.name = app.get_name();
+  for (const CLI::Option* option : app.get_options())
+    (option->get_positional() ? description.arguments : description.options)
+        .push_back(DescriptionOf(*option));
+  for (const CLI::App* command : app.get_subcommands({}))
+    description.commands.push_back(DescriptionOf(*command));
+  return description;
+}
+
 }  // namespace
 
 Option& Option::Required() {
@@ -109,6 +144,10 @@ Option Command::AddFlag(const std::string& names, bool& target, const std::strin
 
 void Command::SetFooter(const std::string& text) {
   m_app->footer(text);
+}
+
+CommandDescription Command::Describe() const {
+  return DescriptionOf(*m_app);
 }
 
 void Command::Runs(std::function<void()> action) {

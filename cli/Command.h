@@ -41,6 +41,21 @@ class Option {
   CLI::Option* m_option = nullptr;
 };
 
+/// An option as its users write it.
+struct OptionDescription {
+  std::vector<std::string> names;  ///< with their dashes; of an argument, what the help calls it
+  std::string value;               ///< what the help calls its value; empty for flags and arguments
+  std::vector<std::string> words;  ///< those that it takes; empty when it takes others too
+};
+
+/// A command with all that may stand behind it.
+struct CommandDescription {
+  std::string name;
+  std::vector<OptionDescription> options;
+  std::vector<OptionDescription> arguments;
+  std::vector<CommandDescription> commands;
+};
+
 /// A command of the program, or what its options and subcommands are added to. A handle, valid as long as its
 /// command line. Targets are written while a line is read, and live as long.
 class Command {
@@ -80,6 +95,9 @@ class Command {
   void Runs(void (*action)(Context&, const Options&), const std::shared_ptr<Options>& options) {
     Runs([context = m_context, action, options] { action(*context, *options); });
   }
+
+  /// The command as it is declared by now.
+  CommandDescription Describe() const;
 
   Context& TheContext() const { return *m_context; }
 

@@ -96,8 +96,8 @@ std::vector<std::string> OptionNames(const CLI::App& command) {
 
 /// Whether a word that a shell does not know is a command of the program.
 bool IsFileCommand(const std::string& word) {
-  const std::vector<std::string> names = {"create",  "info",   "shell", "backup", "restore",
-                                          "compact", "tables", "dump",  "query",  "check"};
+  const std::vector<std::string> names = {"create", "info", "shell", "backup", "restore",   "compact",
+                                          "tables", "dump", "query", "check",  "completion"};
   return std::find(names.begin(), names.end(), word) != names.end();
 }
 
@@ -121,6 +121,7 @@ CommandLine::CommandLine(Context& context, Reader reader)
     AddLeagueCommands(root);
     AddShellCommand(root);
     AddFileCommands(root);
+    AddCompletionCommand(root);
   } else {
     app.description("Commands on the league that is open.");
     AddResultOptions(root);
