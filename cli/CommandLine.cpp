@@ -45,6 +45,7 @@ void AddLeagueCommands(Command& root) {
   AddSearchCommand(root);
   AddPlayerCommand(root);
   AddImportCommand(root);
+  AddExportCommand(root);
   AddPositionCommand(root);
   AddTeamCommand(root);
 }

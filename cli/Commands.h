@@ -20,6 +20,7 @@ void AddPlayerCommand(Command& app);
 void AddPositionCommand(Command& app);
 void AddTeamCommand(Command& app);
 void AddImportCommand(Command& app);
+void AddExportCommand(Command& app);
 void AddSearchCommand(Command& app);
 void AddShellCommand(Command& app);
 void AddBackupCommand(Command& app);

@@ -2,6 +2,7 @@
 #include <memory>
 #include <optional>
 
+#include "cli/BoardPage.h"
 #include "cli/Commands.h"
 #include "cli/DraftBoard.h"
 #include "cli/DraftPicking.h"
@@ -11,6 +12,7 @@
 #include "cli/League.h"
 #include "cli/System.h"
 #include "cli/Utf8.h"
+#include "cli/WatchLeague.h"
 
 namespace cli {
 namespace {
@@ -101,15 +103,52 @@ Json BoardJson(DraftSession& session) {
   return document;
 }
 
-void Board(Context& context) {
-  DraftSession& session = context.TheLeague().Draft();
-  if (context.json) {
-    context.output.Line(JsonText(BoardJson(session)));
-    return;
-  }
+std::string BoardText(DraftSession& session, bool isJson) {
+  if (isJson) return JsonText(BoardJson(session)) + "\n";
+  std::string text;
   for (const std::string& line :
        DraftBoard(session.Season(), session.Current(), session.Stored()).Lines(OutputWidth()))
-    context.output.Line(line);
+    text += line + "\n";
+  return text;
+}
+
+struct BoardOptions {
+  std::string page;
+  std::optional<std::int32_t> refresh;
+  bool watches = false;
+};
+
+void Board(Context& context, const BoardOptions& options) {
+  if (options.refresh && options.page.empty())
+    throw Failure(ExitCode::WrongUsage, "--refresh goes with --html.");
+  if (options.watches && context.inShell)
+    throw Failure(ExitCode::WrongUsage, "--watch is for outside of a shell, whose board is its own.");
+  const auto page =
+      options.page.empty() ? nullptr : std::make_shared<BoardFile>(options.page, options.refresh);
+  const auto text = [&](League& league) {
+    if (page) page->Update(league);
+    return BoardText(league.Draft(), context.json);
+  };
+  if (options.watches) WatchLeague(context, text);
+  DraftSession& session = context.TheLeague().Draft();
+  if (!page) {
+    context.output.Write(text(context.TheLeague()));
+    return;
+  }
+  page->Update(context.TheLeague());
+  if (context.inShell) session.PublishOn(page);
+  context.messages.Note("Wrote " + page->Path() +
+                        (context.inShell ? ", and will after every change of the draft." : "."));
+}
+
+void AddBoard(Command& draft) {
+  Command command = draft.AddCommand("board", "Show the draft: rounds by managers");
+  auto options = std::make_shared<BoardOptions>();
+  command.AddOption("--html", "FILE", options->page,
+                    "write a page instead, for the big screen; in a shell it follows the draft");
+  command.AddOption("--refresh", "SECONDS", options->refresh, "the page loads itself again so often");
+  command.AddFlag("--watch", options->watches, "show the board again whenever it was changed, until Ctrl-C");
+  command.Runs(Board, options);
 }
 
 void AddPick(Command& draft) {
@@ -150,7 +189,7 @@ void AddClear(Command& draft) {
 
 void AddDraftCommand(Command& app) {
   Command draft = app.AddCommand("draft", "Play the draft of the current season");
-  draft.AddCommand("board", "Show the draft: rounds by managers").Runs(Board);
+  AddBoard(draft);
   draft.AddCommand("clock", "Show whose turn it is").Runs(Clock);
   AddPick(draft);
   AddUndo(draft);

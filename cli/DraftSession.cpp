@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "cli/BoardPage.h"
 #include "cli/DraftSaver.h"
 #include "cli/Find.h"
 #include "cli/League.h"
@@ -90,6 +91,10 @@ void DraftSession::Revert() {
   m_steps.clear();
   m_drafts.reset();
   m_league.Service().DiscardCurrentSeasonInfo();
+}
+
+void DraftSession::Publish() {
+  if (m_page) m_page->Update(m_league);
 }
 
 }  // namespace cli

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "HLIData/ISeasonInfo.h"
@@ -12,6 +13,7 @@
 
 namespace cli {
 
+class BoardFile;
 class League;
 
 /// The draft of the current season as it is played: the picks made since the last saving, which wait in
@@ -44,6 +46,11 @@ class DraftSession {
   /// Drops what is not saved, and reads the season again.
   void Revert();
 
+  /// From now on `Publish` brings a page up to date.
+  void PublishOn(std::shared_ptr<BoardFile> page) { m_page = std::move(page); }
+  /// Brings the page of the board up to date, if there is one. Raises what BoardFile::Update raises.
+  void Publish();
+
  private:
   using Step = std::vector<std::pair<std::int32_t, Pick>>;  ///< the picks as they were before
 
@@ -58,6 +65,7 @@ class DraftSession {
   Picks m_picks;
   Picks m_stored;
   std::vector<Step> m_steps;
+  std::shared_ptr<BoardFile> m_page;
 };
 
 }  // namespace cli

@@ -1,6 +1,7 @@
 #include "cli/RowWriter.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "cli/Json.h"
 #include "cli/ValueText.h"
@@ -46,20 +47,20 @@ std::string TsvEscaped(const std::string& text) {
 
 class TsvWriter : public RowWriter {
  public:
-  explicit TsvWriter(Output& output) : m_output(output) {}
+  explicit TsvWriter(RowSink sink) : m_sink(std::move(sink)) {}
 
   void Begin(const std::vector<std::string>& columns) override {
-    m_output.Write(JoinCells(columns, '\t', TsvEscaped));
+    m_sink(JoinCells(columns, '\t', TsvEscaped));
   }
   void Row(const std::vector<jet::Value>& values) override {
-    m_output.Write(JoinCells(values, '\t', [](const jet::Value& value) {
+    m_sink(JoinCells(values, '\t', [](const jet::Value& value) {
       return value.IsNull() ? std::string("\\N") : TsvEscaped(ValueText(value));
     }));
   }
   void End() override {}
 
  private:
-  Output& m_output;
+  RowSink m_sink;
 };
 
 std::string CsvQuoted(const std::string& text) {
@@ -74,25 +75,23 @@ std::string CsvQuoted(const std::string& text) {
 
 class CsvWriter : public RowWriter {
  public:
-  explicit CsvWriter(Output& output) : m_output(output) {}
+  explicit CsvWriter(RowSink sink) : m_sink(std::move(sink)) {}
 
-  void Begin(const std::vector<std::string>& columns) override {
-    m_output.Write(JoinCells(columns, ',', CsvQuoted));
-  }
+  void Begin(const std::vector<std::string>& columns) override { m_sink(JoinCells(columns, ',', CsvQuoted)); }
   void Row(const std::vector<jet::Value>& values) override {
-    m_output.Write(JoinCells(values, ',', [](const jet::Value& value) {
+    m_sink(JoinCells(values, ',', [](const jet::Value& value) {
       return value.IsNull() ? std::string() : CsvQuoted(ValueText(value));
     }));
   }
   void End() override {}
 
  private:
-  Output& m_output;
+  RowSink m_sink;
 };
 
 class JsonWriter : public RowWriter {
  public:
-  explicit JsonWriter(Output& output) : m_output(output) {}
+  explicit JsonWriter(RowSink sink) : m_sink(std::move(sink)) {}
 
   void Begin(const std::vector<std::string>& columns) override {
     // A join can give two columns of one name; an object cannot have two members of one name.
@@ -105,7 +104,7 @@ class JsonWriter : public RowWriter {
       names.push_back(name);
       m_members.push_back(JsonText(std::string_view(name)) + ": ");
     }
-    m_output.Write("[");
+    m_sink("[");
   }
   void Row(const std::vector<jet::Value>& values) override {
     std::string line = m_first ? "\n  {" : ",\n  {";
@@ -114,28 +113,32 @@ class JsonWriter : public RowWriter {
       if (i > 0) line += ", ";
       line += m_members[i] + JsonText(values[i]);
     }
-    m_output.Write(line + "}");
+    m_sink(line + "}");
   }
-  void End() override { m_output.Write(m_first ? "]\n" : "\n]\n"); }
+  void End() override { m_sink(m_first ? "]\n" : "\n]\n"); }
 
  private:
-  Output& m_output;
+  RowSink m_sink;
   std::vector<std::string> m_members;  ///< for each column its name as JSON, with the colon
   bool m_first = true;
 };
 
 }  // namespace
 
-std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output) {
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, RowSink sink) {
   switch (format) {
     case RowFormat::Csv:
-      return std::make_unique<CsvWriter>(output);
+      return std::make_unique<CsvWriter>(std::move(sink));
     case RowFormat::Json:
-      return std::make_unique<JsonWriter>(output);
+      return std::make_unique<JsonWriter>(std::move(sink));
     case RowFormat::Tsv:
       break;
   }
-  return std::make_unique<TsvWriter>(output);
+  return std::make_unique<TsvWriter>(std::move(sink));
+}
+
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output) {
+  return MakeRowWriter(format, [&output](std::string_view text) { output.Write(text); });
 }
 
 }  // namespace cli

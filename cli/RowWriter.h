@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/Output.h"
@@ -29,6 +31,10 @@ enum class RowFormat {
   Json,  ///< an array with an object a row
 };
 
+/// Takes pieces of a result, one behind the other.
+using RowSink = std::function<void(std::string_view)>;
+
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, RowSink sink);
 /// A writer onto `output`, which must outlive it.
 std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output);
 

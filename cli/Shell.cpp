@@ -76,6 +76,10 @@ void Shell::RunLine(const std::string& line) {
         if (!words.empty()) Perform(std::move(words));
       },
       where);
+  // What was done stays done when its page cannot be written.
+  const ExitCode published = Attempt(
+      m_context.output, m_context.messages, [this] { m_context.TheLeague().Draft().Publish(); }, where);
+  if (!m_input.isInteractive && published != ExitCode::Done) KeepFirst(published);
   if (code == ExitCode::Done || m_input.isInteractive) return;
   KeepFirst(code);
   if (m_input.keepsGoing || m_leaves) return;

@@ -1,0 +1,254 @@
+#include "cli/ExportLists.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+
+#include "cli/Accounts.h"
+#include "cli/DraftOrder.h"
+#include "cli/DraftSession.h"
+#include "cli/ExitCode.h"
+#include "cli/Find.h"
+#include "cli/Pickables.h"
+#include "cli/Players.h"
+#include "cli/Seasons.h"
+#include "cli/Winnings.h"
+
+namespace cli {
+namespace {
+
+using HLIData::ISeasonInfo;
+using jet::Value;
+
+/// A sum of money; one beyond 32 bits as a floating point number, which is exact up to 53.
+Value Sum(std::int64_t amount) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  if (amount < Limits::min() || amount > Limits::max()) return static_cast<double>(amount);
+  return static_cast<std::int32_t>(amount);
+}
+
+Value NumberOrNull(std::int32_t number) {
+  return number < 1 ? Value() : Value(number);
+}
+
+Value TextOrNull(const std::string& text) {
+  return text.empty() ? Value() : Value(text);
+}
+
+template <typename Records>
+const Records& Checked(League& league, const Records& records) {
+  league.RaiseShownMessages();
+  return records;
+}
+
+ExportList Players(League& league) {
+  ExportList list{"Players", {"id", "first name", "last name", "position", "team", "is retired"}, {}};
+  for (const auto& player : AllPlayers(league)) {
+    list.rows.push_back({player->ID(), player->FirstName(), player->LastName(),
+                         player->Position() ? Value(player->Position()->Abbr()) : Value(),
+                         player->Team() ? Value(player->Team()->Abbr()) : Value(), player->IsRetired()});
+  }
+  return list;
+}
+
+ExportList Managers(League& league) {
+  ExportList list{"Managers", {"id", "first name", "last name"}, {}};
+  for (const auto& manager : AllManagers(league))
+    list.rows.push_back({manager->ID(), manager->FirstName(), manager->LastName()});
+  return list;
+}
+
+ExportList Prizes(League& league) {
+  ExportList list{"Prizes", {"id", "prize", "type"}, {}};
+  for (const auto& prize : *Checked(league, league.Service().GetPrizeTmpls()))
+    list.rows.push_back(
+        {prize->ID(), prize->Desc(), prize->PrizeType() ? Value(prize->PrizeType()->Name()) : Value()});
+  return list;
+}
+
+ExportList Positions(League& league) {
+  ExportList list{"Positions", {"id", "position", "name"}, {}};
+  for (const auto& position : *Checked(league, league.Service().GetPlayerPositions()))
+    list.rows.push_back({position->ID(), position->Abbr(), position->Desc()});
+  return list;
+}
+
+ExportList Teams(League& league) {
+  ExportList list{"Teams", {"id", "short", "name", "nickname", "position"}, {}};
+  for (const auto& team : *Checked(league, league.Service().GetTeams()))
+    list.rows.push_back({team->ID(), team->Abbr(), team->Name(), team->Nickname(),
+                         team->Position() ? Value(team->Position()->Abbr()) : Value()});
+  return list;
+}
+
+ExportList Seasons(League& league) {
+  ExportList list{"Seasons",
+                  {"year", "id", "current", "managers", "taking part", "rounds", "picks", "picks made",
+                   "contribution", "regular weeks", "weeks", "prizes", "winnings", "started",
+                   "ranking locked", "draft locked", "season locked"},
+                  {}};
+  for (const auto& season : AllSeasons(league)) {
+    list.rows.push_back({season->Year(), season->ID(), IsCurrent(league, *season), season->NoOfManagers(),
+                         ManagersOf(*season).Count(), season->NoOfRounds(), DraftsOf(*season).Count(),
+                         PicksMadeIn(*season).count, season->MoneyContribution(), season->NoOfRegularWeeks(),
+                         season->TotalNoOfWeeks(), PrizesOf(*season).Count(), WinningsOf(*season).Count(),
+                         season->HasSeasonStarted(), season->IsRankingLocked(), season->IsDraftLocked(),
+                         season->IsSeasonLocked()});
+  }
+  return list;
+}
+
+ExportList SeasonManagers(League&, const ISeasonInfo& season) {
+  std::map<std::int32_t, std::int32_t> picks;
+  for (const auto& pick : DraftsOf(season)) {
+    if (const auto manager = pick->Manager()) ++picks[manager->ID()];
+  }
+  ExportList list{"Managers", {"rank", "id", "manager", "fee paid", "picks"}, {}};
+  for (const auto& manager : ManagersInOrder(season))
+    list.rows.push_back({NumberOrNull(manager->Rank()), manager->ID(), FullName(*manager),
+                         manager->IsFeePaid(), picks[manager->ID()]});
+  return list;
+}
+
+ExportList SeasonPrizes(League& league, const ISeasonInfo& season) {
+  std::map<std::int32_t, std::int32_t> won;
+  for (const Winning& winning : WinningsIn(league, season))
+    ++won[winning.prizeID];
+  ExportList list{"Prizes", {"id", "prize", "type", "amount", "times won", "paid out"}, {}};
+  for (const auto& prize : PrizesOf(season)) {
+    const std::int32_t times = won[prize->ID()];
+    list.rows.push_back({prize->ID(), prize->Desc(),
+                         prize->PrizeType() ? Value(prize->PrizeType()->Name()) : Value(), prize->Amount(),
+                         times, Sum(std::int64_t{times} * prize->Amount())});
+  }
+  return list;
+}
+
+ExportList WinningsList(League& league, const ISeasonInfo& season) {
+  ExportList list{"Winnings", {"week", "id", "manager id", "manager", "prize id", "prize", "amount"}, {}};
+  for (const Winning& winning : WinningsIn(league, season))
+    list.rows.push_back({NumberOrNull(winning.week), winning.id, NumberOrNull(winning.managerID),
+                         winning.manager, NumberOrNull(winning.prizeID), winning.prize,
+                         winning.amount ? Value(*winning.amount) : Value()});
+  return list;
+}
+
+ExportList Money(League& league, const ISeasonInfo& season) {
+  ExportList list{"Money", {"manager id", "manager", "due", "paid", "owed", "won", "balance"}, {}};
+  for (const Account& account : AccountsOf(league, season).managers)
+    list.rows.push_back({NumberOrNull(account.managerID), account.name, Sum(account.due), Sum(account.paid),
+                         Sum(account.Owed()), Sum(account.won), Sum(account.Balance())});
+  return list;
+}
+
+/// The picks of a season; of the current one those that are not saved, too.
+Picks PicksToShow(League& league, const ISeasonInfo& season) {
+  return IsCurrent(league, season) ? league.Draft().Current() : PicksOf(season);
+}
+
+ExportList PicksList(League& league, const ISeasonInfo& season) {
+  ExportList list{"Picks",
+                  {"pick", "round", "pick in round", "turn of", "manager id", "manager", "picked id",
+                   "first name", "last name", "position", "team"},
+                  {}};
+  const DraftOrder order(season);
+  const Picks picks = PicksToShow(league, season);
+  for (std::int32_t number = 1; number <= order.NoOfPicks(); ++number) {
+    const Pick& pick = picks[static_cast<std::size_t>(number) - 1];
+    const Turn turn = order.At(number);
+    const auto whose = order.ManagerAt(turn.place);
+    const auto maker =
+        pick.IsEmpty() ? nullptr : ManagersOf(season).Find("K" + std::to_string(*pick.managerID));
+    const PickableFacts facts = pick.what ? FactsOf(*pick.what) : PickableFacts();
+    list.rows.push_back({number, turn.round, turn.pickInRound, whose ? Value(FullName(*whose)) : Value(),
+                         pick.IsEmpty() ? Value() : Value(*pick.managerID),
+                         maker ? Value(FullName(*maker)) : Value(), TextOrNull(facts.id),
+                         TextOrNull(facts.firstName), TextOrNull(facts.lastName), TextOrNull(facts.position),
+                         TextOrNull(facts.team)});
+  }
+  return list;
+}
+
+std::string CellText(const Pick& pick) {
+  if (!pick.what) return pick.type == HLIData::PickType::None ? "(nobody)" : "(unknown)";
+  const PickableFacts facts = FactsOf(*pick.what);
+  std::string text;
+  for (const std::string& part : {facts.position, facts.name, facts.team}) {
+    if (!part.empty()) text += (text.empty() ? "" : " ") + part;
+  }
+  return text;
+}
+
+/// A row for each round, a column for each manager.
+ExportList Board(League& league, const ISeasonInfo& season) {
+  const DraftOrder order(season);
+  const Picks picks = PicksToShow(league, season);
+  ExportList list{"Draft", {"round"}, {}};
+  const auto columns = static_cast<std::size_t>(order.NoOfManagers());
+  for (std::int32_t place = 1; place <= order.NoOfManagers(); ++place) {
+    const auto manager = order.ManagerAt(place);
+    list.columns.push_back(manager ? FullName(*manager) : "(nobody)");
+  }
+  for (std::int32_t round = 1; round <= order.NoOfRounds(); ++round)
+    list.rows.emplace_back(columns + 1).front() = round;
+  for (std::int32_t number = 1; number <= order.NoOfPicks(); ++number) {
+    const Pick& pick = picks[static_cast<std::size_t>(number) - 1];
+    const Turn turn = order.At(number);
+    if (!pick.IsEmpty())
+      list.rows[static_cast<std::size_t>(turn.round) - 1][static_cast<std::size_t>(turn.place)] =
+          CellText(pick);
+  }
+  return list;
+}
+
+struct Maker {
+  const char* name;
+  ExportList (*ofLeague)(League&);
+  ExportList (*ofSeason)(League&, const ISeasonInfo&);
+};
+
+constexpr Maker kMakers[] = {
+    {"players", Players, nullptr},
+    {"managers", Managers, nullptr},
+    {"prizes", Prizes, nullptr},
+    {"positions", Positions, nullptr},
+    {"teams", Teams, nullptr},
+    {"seasons", Seasons, nullptr},
+    {"season-managers", nullptr, SeasonManagers},
+    {"season-prizes", nullptr, SeasonPrizes},
+    {"winnings", nullptr, WinningsList},
+    {"money", nullptr, Money},
+    {"picks", nullptr, PicksList},
+    {"board", nullptr, Board},
+};
+
+const Maker& MakerOf(const std::string& name) {
+  const auto* found = std::find_if(std::begin(kMakers), std::end(kMakers),
+                                   [&](const Maker& maker) { return maker.name == name; });
+  if (found == std::end(kMakers)) throw Failure(ExitCode::WrongUsage, "There is no list '" + name + "'.");
+  return *found;
+}
+
+}  // namespace
+
+std::vector<std::string> ExportListNames() {
+  std::vector<std::string> names;
+  for (const Maker& maker : kMakers)
+    names.emplace_back(maker.name);
+  return names;
+}
+
+bool IsOfSeason(const std::string& name) {
+  return MakerOf(name).ofSeason != nullptr;
+}
+
+ExportList MakeExportList(League& league, const std::string& name, const std::optional<std::int32_t>& year) {
+  const Maker& maker = MakerOf(name);
+  if (maker.ofSeason == nullptr) return maker.ofLeague(league);
+  const auto season = SeasonToShow(league, year);
+  ExportList list = maker.ofSeason(league, *season);
+  list.title += " " + std::to_string(season->Year());
+  return list;
+}
+
+}  // namespace cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/League.h"
+#include "jet/Value.h"
+
+namespace cli {
+
+/// A list of the league, to be written in any format.
+struct ExportList {
+  std::string title;  ///< "Winnings 2021"
+  std::vector<std::string> columns;
+  std::vector<std::vector<jet::Value>> rows;  ///< as many values in each as there are columns
+};
+
+/// The names of the lists, as users write them: "players", "season-managers".
+std::vector<std::string> ExportListNames();
+
+/// Whether a list is of one season, not of the league.
+bool IsOfSeason(const std::string& name);
+
+/// A list by one of those names; of a season's list that of the year, else of the current season. Raises
+/// Failure when the season cannot be told, or the records not be read.
+ExportList MakeExportList(League& league, const std::string& name, const std::optional<std::int32_t>& year);
+
+}  // namespace cli

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace cli {
+
+/// Makes a file with this text, or replaces one: it is finished under another name and then renamed, so that
+/// whoever reads it meanwhile sees a whole one, the old or the new. Raises Failure (SystemFailed).
+void WriteWholeFile(const std::string& path, std::string_view text);
+
+/// Whether something is at a path.
+bool IsThere(const std::string& path);
+
+/// The first `length` bytes of a file; fewer when it is shorter, none when it cannot be read.
+std::string BeginningOf(const std::string& path, std::size_t length);
+
+}  // namespace cli
