@@ -37,7 +37,7 @@ font-size:.75em;font-weight:700;line-height:1.5}
 .board th,.board td{border-right:1px solid var(--line);padding:.3rem .45rem;overflow-wrap:anywhere}
 .board tr>:last-child{border-right:0}
 .board thead th{font-size:1em;color:var(--ink);text-align:center;hyphens:auto}
-.board tr>:first-child{width:3.4em;text-align:center}
+.board tr>:first-child{width:4.6em;text-align:center;white-space:nowrap}
 .board tbody th{background:var(--head)}
 .top{display:flex;justify-content:space-between;gap:.3em;color:var(--soft);font-size:.85em}
 .who{display:none}
@@ -58,7 +58,7 @@ td b{display:block;font-weight:650}
 .board tbody tr.back{flex-direction:column-reverse}.board tr.back th{order:1}
 .board tbody th,.board tr>:first-child{width:auto;text-align:left;border-right:0;padding:.45rem .6rem}
 .board tbody th::before{content:"Round "}
-.board td{border-right:0;padding:.45rem .6rem}.who{display:inline}
+.board td{border-right:0;padding:.45rem .6rem}.who{display:inline}.who::before{content:" \b7 "}
 .top{font-size:.85em}td b,.first{display:inline}
 .cards tr{padding:.5rem .2rem;border-bottom:1px solid var(--line)}
 .lists .cards td{display:flex;justify-content:space-between;gap:1rem;border:0;padding:.1rem .6rem;text-align:right}
