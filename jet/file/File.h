@@ -46,6 +46,8 @@ class FileSystem {
   /// FileHeldExclusively or FileInUse (see OpenMode::exclusive), ObjectExists.
   virtual std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) = 0;
   virtual bool Exists(const std::string& name) = 0;
+  /// The name of the file that a link of this name leads to; any other name as it is.
+  virtual std::string RealName(const std::string& name) { return name; }
   /// Removes a file, durably; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;
   /// Renames a file over whatever has the new name, atomically, and makes the renaming durable. `held` is the

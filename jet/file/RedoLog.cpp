@@ -75,7 +75,7 @@ RedoLog::RedoLog(std::shared_ptr<FileSystem> files, const std::string& databaseN
                  std::uint64_t longLog)
     : m_files(std::move(files)),
       m_databaseName(databaseName),
-      m_name(NameFor(databaseName)),
+      m_name(NameFor(m_files->RealName(databaseName))),
       m_durability(durability),
       m_longLog(longLog) {}
 

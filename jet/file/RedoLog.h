@@ -15,7 +15,8 @@
 
 namespace jet {
 
-/// The redo log of one open database file: a file beside it, named as it with "-log" behind.
+/// The redo log of one open database file: a file beside it, named as it with "-log" behind, whatever link it
+/// was opened by.
 ///
 /// Units of changed pages are appended to the log and leave the database file alone until a checkpoint, which
 /// writes the newest state of each page into it. The file therefore changes only while every change is also

@@ -1,6 +1,7 @@
 // A target for libFuzzer: HALCYRA_FUZZ_TARGET says which.
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 
 #include "tests/fuzz/Targets.h"
@@ -10,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const fuzz::Target& candidate : fuzz::Targets()) {
       if (std::string_view(candidate.name) == HALCYRA_FUZZ_TARGET) return candidate;
     }
-    __builtin_trap();
+    std::abort();
   }();
   target.run({data, size});
   return 0;

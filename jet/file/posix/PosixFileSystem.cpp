@@ -184,6 +184,13 @@ class PosixFileSystem final : public FileSystem {
     return !name.empty() && ::stat(ToSystemName(name).c_str(), &status) == 0;
   }
 
+  std::string RealName(const std::string& name) override {
+    struct stat status {};
+    const std::string systemName = ToSystemName(name);
+    const bool isLink = ::lstat(systemName.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    return isLink ? FollowLinks(systemName) : name;
+  }
+
   void Remove(const std::string& name) override {
     file_names::Check(name);
     if (::unlink(ToSystemName(name).c_str()) == 0) return SyncFolder(ToSystemName(name));

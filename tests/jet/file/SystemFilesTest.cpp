@@ -12,6 +12,8 @@
 
 #include "jet/Error.h"
 #include "jet/file/File.h"
+#include "jet/file/PageStore.h"
+#include "jet/file/RedoLog.h"
 #include "tests/support/TestFiles.h"
 
 namespace jet::test {
@@ -140,6 +142,28 @@ TEST_F(SystemFilesTest, MissingRightsArePermissionDenied) {
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0) << "exit code " << WEXITSTATUS(status);
   ::chmod(m_folder.Path().c_str(), 0755);
+}
+
+TEST_F(SystemFilesTest, LogLiesBesideTheFileAndNotBesideALinkToIt) {
+  WriteWholeFile(m_name, std::vector<std::byte>(2 * kPageSize));
+  const std::string link = m_folder.File("link.mdb");
+  std::filesystem::create_symlink(m_name, link);
+  const auto open = [](const std::string& name) {
+    auto file = SystemFiles()->Open(name, {});
+    auto log = std::make_unique<RedoLog>(SystemFiles(), name, Durability::Full);
+    log->Recover(*file, false);
+    auto pages = std::make_unique<PageStore>(std::move(file), name, std::move(log));
+    pages->Start(0);
+    return pages;
+  };
+  const PageBytes before{};
+  PageBytes after{};
+  after.fill(std::byte{7});
+  const ChangedPage change{1, &before, &after};
+  open(link)->Apply(std::span(&change, 1), 2);  // and never closed
+  PageBytes found;
+  open(m_name)->Read(1, found);
+  EXPECT_EQ(found, after);
 }
 
 TEST_F(SystemFilesTest, ReplacingALinkedFileKeepsTheLink) {
