@@ -58,7 +58,7 @@ td b{display:block;font-weight:650}
 .board tbody tr.back{flex-direction:column-reverse}.board tr.back th{order:1}
 .board tbody th,.board tr>:first-child{width:auto;text-align:left;border-right:0;padding:.45rem .6rem}
 .board tbody th::before{content:"Round "}
-.board td{border-right:0;padding:.45rem .6rem}.who{display:inline}.who::before{content:" \b7 "}
+.board td{border-right:0;padding:.45rem .6rem}.who{display:inline}.pos~.who::before{content:" \b7\a0"}
 .top{font-size:.85em}td b,.first{display:inline}
 .cards tr{padding:.5rem .2rem;border-bottom:1px solid var(--line)}
 .lists .cards td{display:flex;justify-content:space-between;gap:1rem;border:0;padding:.1rem .6rem;text-align:right}

@@ -23,7 +23,7 @@ class Create(support.CliTest):
 
     def test_a_file_of_every_kind(self):
         names = {"live": LIVE, "test": "Halcyra - Test.mdb", "blank": "Halcyra - Blank.mdb",
-                 "setup": "Halcyra - Setup.mdb", "BACKUP": r"Halcyra - Backup - \d{4}-\d\d-\d\d - \d\d-\d\d\.mdb"}
+                 "setup": "Halcyra - Setup.mdb", "BACKUP": r"Halcyra - Backup - \d{4}-\d\d-\d\d - \d\d-\d\d-\d\d\.mdb"}
         for kind, name in names.items():
             with self.subTest(kind=kind):
                 before = set(self.files())

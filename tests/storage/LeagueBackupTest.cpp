@@ -168,7 +168,7 @@ TEST_F(LeagueBackupTest, ADamagedBackupIsRefused) {
 
 TEST_F(LeagueBackupTest, CompactingLeavesOneOrTheOther) {
   CrashEverywhere(
-      71, [] { CompactLeague(kLeague, kKept); },
+      41, [] { CompactLeague(kLeague, kKept); },
       [&](bool) {
         EXPECT_EQ(MarkOf(kLeague), "now");
         EXPECT_FALSE(m_files->Exists(kKept));
