@@ -14,6 +14,7 @@ DispatchArguments::DispatchArguments(const DISPPARAMS& given, const FUNCDESC& me
   m_standIns.reserve(m_arguments.size());
   m_parameters.rgvarg = m_arguments.data();
   const auto parameterCount = static_cast<UINT>(member.cParams < 0 ? 0 : member.cParams);
+  CheckCount(given, member, parameterCount);
   try {
     // Named arguments come first; the others stand in reverse order behind them.
     for (UINT i = 0; i < given.cArgs; ++i) {
@@ -35,6 +36,20 @@ DispatchArguments::DispatchArguments(const DISPPARAMS& given, const FUNCDESC& me
 DispatchArguments::~DispatchArguments() {
   for (StandIn& standIn : m_standIns)
     VariantClear(&standIn.value);
+}
+
+void DispatchArguments::CheckCount(const DISPPARAMS& given, const FUNCDESC& member, UINT parameterCount) {
+  UINT needed = 0;
+  for (UINT i = 0; i < parameterCount; ++i) {
+    constexpr USHORT kNotAsked = PARAMFLAG_FRETVAL | PARAMFLAG_FOPT | PARAMFLAG_FLCID;
+    if (member.lprgelemdescParam[i].paramdesc.wParamFlags & kNotAsked) continue;
+    needed = i + 1;
+    if (i >= given.cArgs) continue;
+    const VARIANT& argument = given.rgvarg[given.cArgs - 1 - i];
+    if (V_VT(&argument) == VT_ERROR && V_ERROR(&argument) == DISP_E_PARAMNOTFOUND && given.cNamedArgs == 0)
+      throw ComError(DISP_E_PARAMNOTOPTIONAL, "An argument of the call is left out that the member needs.");
+  }
+  if (given.cArgs < needed) throw ComError(DISP_E_BADPARAMCOUNT, "The call has too few arguments.");
 }
 
 VARTYPE DispatchArguments::ReferredType(const TYPEDESC& type) {

@@ -33,6 +33,8 @@ class DispatchArguments {
     VARIANT* variable;  // borrowed; nullptr: nobody wants it back
   };
 
+  /// Raises when an argument is missing that the member needs; one too many is left to the system to judge.
+  static void CheckCount(const DISPPARAMS& given, const FUNCDESC& member, UINT parameterCount);
   /// The type of value that a parameter refers to; VT_EMPTY for one that is not a typed reference.
   static VARTYPE ReferredType(const TYPEDESC& type);
   void Prepare(VARIANT& argument, VARTYPE referred);
