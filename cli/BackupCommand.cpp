@@ -17,15 +17,16 @@ struct BackupOptions {
 };
 
 void ListBackups(Context& context) {
-  Json document = Json::array();
+  Json document = Json::Array();
   TextTable table({{"backup"}, {"KiB", TextTable::Align::Right}});
-  for (const Backup& backup : BackupsIn(context)) {
-    document.push_back({{"file", backup.path}, {"bytes", backup.bytes}});
+  const auto backups = BackupsIn(context);
+  for (const Backup& backup : backups) {
+    document.Append({{"file", backup.path}, {"bytes", backup.bytes}});
     table.Add({Printable(backup.name), std::to_string(backup.bytes / 1024)});
   }
   if (context.json) {
     context.output.Line(JsonText(document));
-  } else if (document.empty()) {
+  } else if (backups.empty()) {
     context.messages.Note("There is no backup in " + context.folder + ".");
   } else {
     table.Print(context.output);

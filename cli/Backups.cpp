@@ -1,12 +1,11 @@
 #include "cli/Backups.h"
 
 #include <algorithm>
+#include <array>
 #include <ctime>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
-
-#include <fmt/chrono.h>
 
 #include "cli/ExitCode.h"
 #include "platform/Paths.h"
@@ -16,9 +15,12 @@ namespace cli {
 namespace {
 
 std::string FileNameAt(HLIData::DBType kind, std::time_t time) {
-  const std::tm local = fmt::localtime(time);
-  return HLDataSrvc::HLServiceUtils::GetDatabaseFileName(kind, fmt::format("{:%Y-%m-%d}", local),
-                                                         fmt::format("{:%H-%M-%S}", local));
+  const std::tm local = *std::localtime(&time);
+  const auto text = [&](const char* format) {
+    std::array<char, 16> buffer{};
+    return std::string(buffer.data(), std::strftime(buffer.data(), buffer.size(), format, &local));
+  };
+  return HLDataSrvc::HLServiceUtils::GetDatabaseFileName(kind, text("%Y-%m-%d"), text("%H-%M-%S"));
 }
 
 std::string NameOf(const std::filesystem::path& path) {

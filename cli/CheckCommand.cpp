@@ -1,5 +1,3 @@
-#include <fmt/format.h>
-
 #include "cli/Commands.h"
 #include "cli/DatabaseOptions.h"
 #include "cli/ExitCode.h"
@@ -39,14 +37,15 @@ void Check(Context& context, const CheckOptions& options) {
     for (const std::string& finding : report.findings)
       context.output.Line(finding);
     if (report.findings.empty()) {
-      context.output.Line(fmt::format("{} is sound: {} pages, {} tables, {} indexes, {} rows.", path,
-                                      report.pages, report.tables, report.indexes, report.rows));
+      context.output.Line(path + " is sound: " + std::to_string(report.pages) + " pages, " +
+                          std::to_string(report.tables) + " tables, " + std::to_string(report.indexes) +
+                          " indexes, " + std::to_string(report.rows) + " rows.");
     }
   }
   if (!report.findings.empty()) {
     const std::size_t count = report.findings.size();
     throw Failure(ExitCode::Damaged,
-                  fmt::format("{} is damaged: {} finding{}.", path, count, count == 1 ? "" : "s"));
+                  path + " is damaged: " + std::to_string(count) + (count == 1 ? " finding." : " findings."));
   }
 }
 

@@ -1,8 +1,7 @@
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <string_view>
-
-#include <fmt/format.h>
 
 #include "cli/Backups.h"
 #include "cli/Commands.h"
@@ -61,7 +60,7 @@ void Create(Context& context, const CreateOptions& options) {
   }
 
   if (context.json) {
-    Json rows = Json::object();
+    Json rows = Json::Object();
     for (const auto& part : filled)
       rows[part.table] = part.rows;
     Json document;
@@ -71,8 +70,11 @@ void Create(Context& context, const CreateOptions& options) {
     return;
   }
   context.output.Line("Made " + path + ".");
-  for (const auto& part : filled)
-    context.output.Line(fmt::format("{:>5} rows  {}", part.rows, part.table));
+  for (const auto& part : filled) {
+    const std::string count = std::to_string(part.rows);
+    context.output.Line(std::string(5 - std::min<std::size_t>(5, count.size()), ' ') + count + " rows  " +
+                        part.table);
+  }
   context.messages.Note("Next: 'halcyra info' shows the league, 'halcyra check' checks its file.");
 }
 

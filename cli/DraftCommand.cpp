@@ -54,9 +54,9 @@ void Clock(Context& context) {
     document["noOfPicks"] = picks.size();
     document["isLocked"] = isLocked;
     document["onTheClock"] = report.TurnJson(due);
-    document["next"] = Json::array();
+    document["next"] = Json::Array();
     for (const std::int32_t pick : next)
-      document["next"].push_back(report.TurnJson(pick));
+      document["next"].Append(report.TurnJson(pick));
     context.output.Line(JsonText(document));
     return;
   }
@@ -84,7 +84,7 @@ Json BoardJson(DraftSession& session) {
   Json document;
   document["season"] = session.Season().Year();
   document["noOfRounds"] = order.NoOfRounds();
-  document["managers"] = Json::array();
+  document["managers"] = Json::Array();
   for (std::int32_t place = 1; place <= order.NoOfManagers(); ++place) {
     const auto manager = order.ManagerAt(place);
     Json json;
@@ -93,11 +93,11 @@ Json BoardJson(DraftSession& session) {
       json["name"] = FullName(*manager);
       json["rank"] = manager->Rank() < 1 ? Json() : Json(manager->Rank());
     }
-    document["managers"].push_back(json);
+    document["managers"].Append(json);
   }
-  document["picks"] = Json::array();
+  document["picks"] = Json::Array();
   for (std::int32_t pick = 1; pick <= order.NoOfPicks(); ++pick)
-    document["picks"].push_back(report.PickJson(pick));
+    document["picks"].Append(report.PickJson(pick));
   document["onTheClock"] = report.TurnJson(FirstEmptyPick(session.Current()));
   document["unsavedPicks"] = session.Unsaved().size();
   return document;

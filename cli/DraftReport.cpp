@@ -76,9 +76,9 @@ void DraftReport::PrintChange(Context& context, const std::vector<std::int32_t>&
     return;
   }
   Json document;
-  document["picks"] = Json::array();
+  document["picks"] = Json::Array();
   for (const std::int32_t number : numbers)
-    document["picks"].push_back(PickJson(number));
+    document["picks"].Append(PickJson(number));
   document["onTheClock"] = TurnJson(FirstEmptyPick(m_session.Current()));
   document["unsavedPicks"] = m_session.Unsaved().size();
   context.output.Line(JsonText(document));

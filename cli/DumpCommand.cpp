@@ -1,8 +1,6 @@
 #include <algorithm>
 #include <memory>
 
-#include <fmt/format.h>
-
 #include "cli/Commands.h"
 #include "cli/DatabaseOptions.h"
 #include "cli/ExitCode.h"

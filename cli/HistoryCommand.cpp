@@ -83,12 +83,12 @@ Json ManagerJson(const Account& account, const BestSeason& best) {
 void PrintJson(Context& context, const std::vector<PastSeason>& past, const Accounts& all) {
   BestSeasons best = BestSeasonsIn(past);
   Json document;
-  document["seasons"] = Json::array();
+  document["seasons"] = Json::Array();
   for (const PastSeason& one : past)
-    document["seasons"].push_back(SeasonJson(one));
-  document["managers"] = Json::array();
+    document["seasons"].Append(SeasonJson(one));
+  document["managers"] = Json::Array();
   for (const Account& account : all.managers)
-    document["managers"].push_back(ManagerJson(account, best[account.managerID]));
+    document["managers"].Append(ManagerJson(account, best[account.managerID]));
   context.output.Line(JsonText(document));
 }
 

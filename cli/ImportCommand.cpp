@@ -37,13 +37,13 @@ void PrintJson(Context& context, const PlayerImport& lines, const ImportOptions&
   Json document;
   document["dryRun"] = options.isDryRun;
   for (const char* list : {"added", "changed", "unchanged", "refused"})
-    document[list] = Json::array();
+    document[list] = Json::Array();
   for (const PlayerImport::Line& line : lines.Lines()) {
     const char* list = line.kind == Kind::Add ? "added" : line.kind == Kind::Change ? "changed" : "unchanged";
-    document[list].push_back(LineJson(line));
+    document[list].Append(LineJson(line));
   }
   for (const PlayerImport::Refusal& refusal : lines.Refused())
-    document["refused"].push_back({{"line", refusal.number}, {"reason", refusal.reason}});
+    document["refused"].Append({{"line", refusal.number}, {"reason", refusal.reason}});
   context.output.Line(JsonText(document));
 }
 

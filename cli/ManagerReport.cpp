@@ -53,7 +53,7 @@ void PrintManagers(Context& context, const HLIData::ISeasonInfo& season) {
     Json document;
     document["season"] = season.Year();
     document["noOfManagers"] = season.NoOfManagers();
-    document["managers"] = Json::array();
+    document["managers"] = Json::Array();
     for (const auto& manager : ManagersInOrder(season)) {
       Json json;
       json["rank"] = RankJson(manager->Rank());
@@ -61,7 +61,7 @@ void PrintManagers(Context& context, const HLIData::ISeasonInfo& season) {
       json["name"] = FullName(*manager);
       json["isFeePaid"] = manager->IsFeePaid();
       json["picks"] = picks[manager->ID()];
-      document["managers"].push_back(json);
+      document["managers"].Append(json);
     }
     context.output.Line(JsonText(document));
     return;
@@ -87,13 +87,13 @@ void PrintAllManagers(Context& context, const HLIData::ISeasonInfo* season) {
   if (context.json) {
     Json document;
     document["season"] = season == nullptr ? Json() : Json(season->Year());
-    document["managers"] = Json::array();
+    document["managers"] = Json::Array();
     for (const auto& manager : managers) {
       Json json;
       json["id"] = manager->ID();
       json["name"] = FullName(*manager);
       json["takesPart"] = takesPart(manager->ID());
-      document["managers"].push_back(json);
+      document["managers"].Append(json);
     }
     context.output.Line(JsonText(document));
     return;

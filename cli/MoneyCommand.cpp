@@ -62,9 +62,9 @@ void Print(Context& context, const Json& scope, const std::string& title, const 
   const Account total = accounts.Total();
   if (context.json) {
     Json document = scope;
-    document["managers"] = Json::array();
+    document["managers"] = Json::Array();
     for (const Account& account : accounts.managers)
-      document["managers"].push_back(AccountJson(account, /*isTotal=*/false));
+      document["managers"].Append(AccountJson(account, /*isTotal=*/false));
     document["total"] = AccountJson(total, /*isTotal=*/true);
     document["pool"] = pool;
     document["putUp"] = accounts.putUp;
@@ -100,11 +100,11 @@ void Money(Context& context, const MoneyOptions& options) {
   std::vector<Accounts> seasons;
   std::int64_t pool = 0;
   Json scope;
-  scope["seasons"] = Json::array();
+  scope["seasons"] = Json::Array();
   for (const auto& season : AllSeasons(league)) {
     seasons.push_back(AccountsOf(league, *season));
     pool += PoolOf(*season);
-    scope["seasons"].push_back(season->Year());
+    scope["seasons"].Append(season->Year());
   }
   Print(context, scope, "All " + CountOf(static_cast<std::int64_t>(seasons.size()), "season"), SumOf(seasons),
         pool);

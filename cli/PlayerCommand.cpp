@@ -33,14 +33,14 @@ void List(Context& context, const ListOptions& options) {
   League& league = context.TheLeague();
   const std::int32_t teamID = options.team.empty() ? 0 : TeamNames(league).IDOf(options.team);
   const std::int32_t positionID = options.position.empty() ? 0 : PositionNames(league).IDOf(options.position);
-  Json document = Json::array();
+  Json document = Json::Array();
   TextTable table({{"id"}, {"name"}, {"team"}, {"position"}, {"retired"}});
   for (const auto& player : AllPlayers(league)) {
     const PlayerValues values = ValuesOf(*player);
     if ((teamID != 0 && values.teamID != teamID) || (positionID != 0 && values.positionID != positionID) ||
         (values.isRetired && !options.retired))
       continue;
-    document.push_back(PlayerJson(*player));
+    document.Append(PlayerJson(*player));
     if (context.json) continue;
     table.Add({"P" + std::to_string(player->ID()),
                CutToWidth(Printable(FullName(values.firstName, values.lastName)), kNameWidth),

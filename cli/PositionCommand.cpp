@@ -12,10 +12,10 @@ void List(Context& context) {
   League& league = context.TheLeague();
   const auto positions = league.Service().GetPlayerPositions();
   league.RaiseShownMessages();
-  Json document = Json::array();
+  Json document = Json::Array();
   TextTable table({{"id", TextTable::Align::Right}, {"short"}, {"position"}});
   for (const auto& position : positions->Items()) {
-    document.push_back({{"id", position->ID()}, {"abbr", position->Abbr()}, {"desc", position->Desc()}});
+    document.Append({{"id", position->ID()}, {"abbr", position->Abbr()}, {"desc", position->Desc()}});
     table.Add({std::to_string(position->ID()), Printable(position->Abbr()), Printable(position->Desc())});
   }
   if (context.json) {

@@ -53,7 +53,7 @@ Json PrizesJson(League& league, const HLIData::ISeasonInfo& season) {
   auto times = TimesWon(league, season);
   Json document;
   document["season"] = season.Year();
-  document["prizes"] = Json::array();
+  document["prizes"] = Json::Array();
   for (const auto& prize : PrizesOf(season)) {
     Json json;
     json["id"] = prize->ID();
@@ -62,7 +62,7 @@ Json PrizesJson(League& league, const HLIData::ISeasonInfo& season) {
     json["amount"] = prize->Amount();
     json["timesWon"] = times[prize->ID()];
     json["paidOut"] = prize->Amount() * times[prize->ID()];
-    document["prizes"].push_back(json);
+    document["prizes"].Append(json);
   }
   document["putUp"] = PutUpIn(season);
   document["pool"] = PoolOf(season);
@@ -107,7 +107,7 @@ void PrintAllPrizes(Context& context, const HLIData::ISeasonInfo* season) {
   league.RaiseShownMessages();
   Json document;
   document["season"] = season == nullptr ? Json() : Json(season->Year());
-  document["prizes"] = Json::array();
+  document["prizes"] = Json::Array();
   TextTable table({{"id", TextTable::Align::Right},
                    {"prize"},
                    {"type"},
@@ -121,7 +121,7 @@ void PrintAllPrizes(Context& context, const HLIData::ISeasonInfo* season) {
     json["name"] = prize->Desc();
     json["type"] = type;
     json["amount"] = amount ? Json(*amount) : Json();
-    document["prizes"].push_back(json);
+    document["prizes"].Append(json);
     table.Add({std::to_string(prize->ID()), CutToWidth(Printable(prize->Desc()), kNameWidth),
                CutToWidth(Printable(type), kTypeWidth), amount ? std::to_string(*amount) : "-"});
   }

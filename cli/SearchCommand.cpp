@@ -122,11 +122,11 @@ void Search(Context& context, const SearchOptions& options) {
   RequireOptionsFit(league, type, options);
   const std::string text = JoinedWords(options.words);
   const auto found = Found(league, type, text, options);
-  Json document = Json::array();
+  Json document = Json::Array();
   TextTable table = TableFor(type);
   for (const auto& pickable : found) {
     Row row = RowOf(*pickable);
-    document.push_back(std::move(row.json));
+    document.Append(std::move(row.json));
     table.Add(std::move(row.cells));
   }
   if (context.json) {

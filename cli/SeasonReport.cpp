@@ -76,9 +76,9 @@ void PrintSeason(Context& context, const HLIData::ISeasonInfo& season) {
 void PrintSeasons(Context& context, const std::vector<std::shared_ptr<HLIData::ISeasonInfo>>& seasons) {
   League& league = context.TheLeague();
   if (context.json) {
-    Json document = Json::array();
+    Json document = Json::Array();
     for (const auto& season : seasons)
-      document.push_back(SeasonJson(league, *season));
+      document.Append(SeasonJson(league, *season));
     context.output.Line(JsonText(document));
     return;
   }

@@ -73,9 +73,9 @@ Json ColumnJson(const jet::ColumnSpec& column) {
 Json IndexJson(const jet::IndexSpec& index) {
   Json json;
   json["name"] = index.name;
-  Json columns = Json::array();
+  Json columns = Json::Array();
   for (const jet::IndexColumn& column : index.columns) {
-    columns.push_back(column.ascending ? column.name : column.name + " desc");
+    columns.Append(column.ascending ? column.name : column.name + " desc");
   }
   json["columns"] = columns;
   json["primary"] = index.primary;
@@ -87,23 +87,23 @@ Json TableJson(const jet::TableInfo& table) {
   Json json;
   json["name"] = table.name;
   json["rows"] = table.rowCount;
-  json["columns"] = Json::array();
+  json["columns"] = Json::Array();
   for (const jet::ColumnSpec& column : table.columns)
-    json["columns"].push_back(ColumnJson(column));
-  json["indexes"] = Json::array();
+    json["columns"].Append(ColumnJson(column));
+  json["indexes"] = Json::Array();
   for (const jet::IndexSpec& index : table.indexes)
-    json["indexes"].push_back(IndexJson(index));
+    json["indexes"].Append(IndexJson(index));
   return json;
 }
 
 void Tables(Context& context, const TablesOptions& options) {
   const auto database = options.Open(context);
-  Json document = Json::array();
+  Json document = Json::Array();
   using Align = TextTable::Align;
   TextTable list({{"table"}, {"rows", Align::Right}, {"columns", Align::Right}, {"key"}});
   for (const jet::TableInfo& table : database->Tables()) {
     if (table.isSystem && !options.system) continue;
-    document.push_back(TableJson(table));
+    document.Append(TableJson(table));
     list.Add({table.name, std::to_string(table.rowCount), std::to_string(table.columns.size()),
               KeyColumns(table)});
   }

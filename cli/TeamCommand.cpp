@@ -13,7 +13,7 @@ void List(Context& context) {
   League& league = context.TheLeague();
   const auto teams = league.Service().GetTeams();
   league.RaiseShownMessages();
-  Json document = Json::array();
+  Json document = Json::Array();
   TextTable table({{"id", TextTable::Align::Right}, {"short"}, {"name"}, {"nickname"}, {"position"}});
   for (const auto& team : teams->Items()) {
     const auto position = team->Position();
@@ -23,7 +23,7 @@ void List(Context& context) {
     json["name"] = team->Name();
     json["nickname"] = team->Nickname();
     json["position"] = position ? Json(position->Abbr()) : Json();
-    document.push_back(json);
+    document.Append(json);
     table.Add(
         {std::to_string(team->ID()), Printable(team->Abbr()), CutToWidth(Printable(team->Name()), kNameWidth),
          CutToWidth(Printable(team->Nickname()), kNameWidth), position ? Printable(position->Abbr()) : "-"});

@@ -70,9 +70,9 @@ void List(Context& context, const ListOptions& options) {
   if (context.json) {
     Json document;
     document["season"] = season->Year();
-    document["winnings"] = Json::array();
+    document["winnings"] = Json::Array();
     for (const Winning& winning : winnings)
-      document["winnings"].push_back(WinningJson(winning));
+      document["winnings"].Append(WinningJson(winning));
     document["sum"] = sum;
     context.output.Line(JsonText(document));
     return;
@@ -99,9 +99,9 @@ void PrintChanged(Context& context, const char* name, const std::vector<Winning>
                   const std::string& before) {
   if (context.json) {
     Json document;
-    document[name] = Json::array();
+    document[name] = Json::Array();
     for (const Winning& winning : winnings)
-      document[name].push_back(WinningJson(winning));
+      document[name].Append(WinningJson(winning));
     context.output.Line(JsonText(document));
   } else {
     for (const Winning& winning : winnings)
