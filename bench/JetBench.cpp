@@ -1,6 +1,8 @@
 // The engine's half of each pair; SqliteBench.cpp has the other half under the same name.
 #include <cstdint>
+#include <optional>
 #include <random>
+#include <string_view>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -35,8 +37,8 @@ std::size_t ReadAll(jet::Recordset& rows) {
   for (; !rows.Eof(); rows.MoveNext()) {
     sum += static_cast<std::size_t>(*id.Value().As<std::int32_t>());
     for (const jet::Field* field : {&first, &last}) {
-      const std::string* text = field->Text();
-      if (text != nullptr) sum += std::string(*text).size();
+      const std::optional<std::string_view> text = field->Text();
+      if (text) sum += std::string(*text).size();
     }
     for (const jet::Field* field : {&position, &team})
       sum += field->Value().IsNull() ? 0U : 1U;

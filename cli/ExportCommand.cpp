@@ -123,7 +123,7 @@ void Export(Context& context, const ExportOptions& options) {
   std::string text;
   if (format != "html") {
     text = RowsText(MakeExportList(league, options.what, options.year),
-                    format == "json" ? RowFormat::Json : RowFormat::Csv);
+                    format == "json" ? RowFormat::JsonArray : RowFormat::Csv);
   } else if (options.what == "board") {
     text = BoardHtml(league, options.year);
   } else {

@@ -129,7 +129,7 @@ std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, RowSink sink) {
   switch (format) {
     case RowFormat::Csv:
       return std::make_unique<CsvWriter>(std::move(sink));
-    case RowFormat::Json:
+    case RowFormat::JsonArray:
       return std::make_unique<JsonWriter>(std::move(sink));
     case RowFormat::Tsv:
       break;

@@ -26,9 +26,9 @@ class RowWriter {
 };
 
 enum class RowFormat {
-  Tsv,   ///< a header row; Null as \N; backslash, tab and line ends in text escaped
-  Csv,   ///< a header row; Null as nothing, an empty text as ""
-  Json,  ///< an array with an object a row
+  Tsv,        ///< a header row; Null as \N; backslash, tab and line ends in text escaped
+  Csv,        ///< a header row; Null as nothing, an empty text as ""
+  JsonArray,  ///< an array with an object a row
 };
 
 /// Takes pieces of a result, one behind the other.

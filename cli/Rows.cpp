@@ -33,7 +33,7 @@ void FormatOption::AddTo(Command& command) {
 }
 
 RowFormat FormatOption::Format(const Context& context) const {
-  if (context.json || m_format == "json") return RowFormat::Json;
+  if (context.json || m_format == "json") return RowFormat::JsonArray;
   return m_format == "csv" ? RowFormat::Csv : RowFormat::Tsv;
 }
 

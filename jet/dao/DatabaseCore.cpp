@@ -38,6 +38,7 @@ Store& DatabaseCore::WritableStore() {
 Store& DatabaseCore::StoreForSchema() {
   Store& store = WritableStore();
   ReleaseRows();
+  m_statements.Clear();
   return store;
 }
 
@@ -89,6 +90,7 @@ void DatabaseCore::RollbackUpdates() {
 }
 
 void DatabaseCore::ReloadAfterUndo() {
+  m_statements.Clear();
   m_store->Reload();
   // Tables made in the undone updates are gone, and with them what was opened on them.
   const std::vector<RecordsetCore*> recordsets = m_recordsets;

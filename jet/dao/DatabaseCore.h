@@ -31,6 +31,7 @@ class DatabaseCore {
   Store& OpenStore();
   sql::StatementCache& Statements() { return m_statements; }
 
+  bool IsObserved() const { return m_observer != nullptr; }
   /// Tells the observer of a call.
   void Observe(const char* call) const {
     if (m_observer != nullptr) m_observer->OnCall(call, {});

@@ -90,14 +90,16 @@ const std::string& Field::Name() const {
   return name;
 }
 ColumnType Field::Type() const {
-  const FieldInfo& info = m_recordset.InfoOf(m_ordinal);
+  const sql::OutputColumn& info = m_recordset.InfoOf(m_ordinal);
   Enter(m_recordset, "Field.Type", info.name);
   return info.type;
 }
 Value Field::Value() const {
+  if (m_recordset.IsReady()) return m_recordset.ReadReadyField(m_ordinal);
   return Enter(m_recordset, "Field.Value", m_recordset.InfoOf(m_ordinal).name).ReadField(m_ordinal);
 }
-const std::string* Field::Text() const {
+std::optional<std::string_view> Field::Text() const {
+  if (m_recordset.IsReadyText(m_ordinal)) return m_recordset.ReadReadyText(m_ordinal);
   return Enter(m_recordset, "Field.Text", m_recordset.InfoOf(m_ordinal).name).ReadFieldText(m_ordinal);
 }
 void Field::Value(const jet::Value& value) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,9 +26,9 @@ class Field {
   /// Value in the row being added or edited if there is one, else in the current row. Raises NoCurrentRecord,
   /// RowDeleted, ObjectClosed.
   jet::Value Value() const;
-  /// The same without building a Value: the text of a text or memo column. Null gives nullptr. Valid until
-  /// the next call of the recordset. Raises CannotConvert for a column of another type.
-  const std::string* Text() const;
+  /// The same without building a Value: the text of a text or memo column; none for Null. Valid until the
+  /// next call of the recordset. Raises CannotConvert for a column of another type.
+  std::optional<std::string_view> Text() const;
 
   /// Assigns in the row being added or edited, converting to the column's type. Raises NoEditInProgress,
   /// CannotConvert, TextTooLong, CannotUpdate.

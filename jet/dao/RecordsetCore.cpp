@@ -5,15 +5,13 @@
 #include "jet/Error.h"
 #include "jet/format/NameOrder.h"
 #include "jet/sql/Evaluator.h"
-#include "jet/sql/Executor.h"
 #include "jet/sql/Parser.h"
-#include "jet/sql/Plan.h"
 #include "jet/sql/Query.h"
 
 namespace jet {
 namespace {
 
-bool IsCalled(const FieldInfo& field, std::string_view table, std::string_view name) {
+bool IsCalled(const sql::OutputColumn& field, std::string_view table, std::string_view name) {
   if (!format::SameName(field.name, name)) return false;
   return table.empty() || format::SameName(field.label, table);
 }
@@ -21,12 +19,12 @@ bool IsCalled(const FieldInfo& field, std::string_view table, std::string_view n
 /// The fields of a recordset as the columns of a criterion.
 class FieldScope final : public sql::NameScope {
  public:
-  explicit FieldScope(const std::vector<FieldInfo>& fields) : m_fields(&fields) {}
+  explicit FieldScope(const std::vector<sql::OutputColumn>& fields) : m_fields(&fields) {}
 
   sql::BoundColumn Resolve(const sql::ColumnName& name) const override {
     const std::string full = name.table + "." + name.name;
     for (std::size_t i = 0; i < m_fields->size(); ++i) {
-      const FieldInfo& field = (*m_fields)[i];
+      const sql::OutputColumn& field = (*m_fields)[i];
       if (IsCalled(field, name.table, name.name) ||
           (!name.table.empty() && format::SameName(field.name, full)))
         return {{0, i}, field.type};
@@ -37,7 +35,7 @@ class FieldScope final : public sql::NameScope {
   }
 
  private:
-  const std::vector<FieldInfo>* m_fields;
+  const std::vector<sql::OutputColumn>* m_fields;
 };
 
 /// One row of a recordset after the other, for the search.
@@ -48,11 +46,8 @@ class SearchedRow final : public sql::RowSource {
   std::size_t row = 0;
 
   Value Read(sql::ColumnPlace place) const override { return m_rows->Read(row, place.column); }
-  bool ReadText(sql::ColumnPlace place, std::string& into) const override {
-    const std::string* const text = m_rows->ReadText(row, place.column);
-    if (text == nullptr) return false;
-    into = *text;
-    return true;
+  std::optional<std::string_view> ReadText(sql::ColumnPlace place, std::string& buffer) const override {
+    return m_rows->ReadText(row, place.column, buffer);
   }
 
  private:
@@ -63,45 +58,37 @@ class SearchedRow final : public sql::RowSource {
 
 std::unique_ptr<RecordsetCore> RecordsetCore::Open(std::shared_ptr<DatabaseCore> database,
                                                    const std::string& sql) {
-  Store& store = database->OpenStore();
-  const auto statement = database->Statements().Get(sql);
-  const sql::Query query = sql::BindSelect(*statement, store);
-  const sql::Plan plan = sql::MakePlan(query);
-  std::vector<FieldInfo> infos;
-  for (const sql::OutputColumn& column : query.columns)
-    infos.push_back({column.name, column.label, column.type});
-  sql::Executor executor(query, plan);
-  std::unique_ptr<RecordsetRows> rows;
-  DynasetRows* dynaset = nullptr;
-  if (query.IsPlain()) {
-    std::vector<std::size_t> columns;
-    for (const sql::OutputColumn& column : query.columns)
-      columns.push_back(column.place.column);
-    auto found = std::make_unique<DynasetRows>(store, *query.sources.front().table, executor.FindRows(),
-                                               std::move(columns));
-    dynaset = found.get();
-    rows = std::move(found);
-  } else {
-    rows = std::make_unique<SnapshotRows>(executor.ReadRows());
-  }
-  std::unique_ptr<RecordsetCore> core(
-      new RecordsetCore(std::move(database), std::move(infos), std::move(rows), dynaset, plan.text));
+  auto select = database->Statements().Get(sql, database->OpenStore());
+  std::unique_ptr<RecordsetCore> core(new RecordsetCore(std::move(database), std::move(select)));
   core->MoveTo(0);
   return core;
 }
 
-RecordsetCore::RecordsetCore(std::shared_ptr<DatabaseCore> database, std::vector<FieldInfo> infos,
-                             std::unique_ptr<RecordsetRows> rows, DynasetRows* dynaset, std::string plan)
+RecordsetCore::RecordsetCore(std::shared_ptr<DatabaseCore> database,
+                             std::shared_ptr<sql::PreparedSelect> select)
     : m_database(std::move(database)),
-      m_infos(std::move(infos)),
-      m_rows(std::move(rows)),
-      m_dynaset(dynaset),
-      m_tableName(dynaset != nullptr ? dynaset->Table().Name() : ""),
-      m_plan(std::move(plan)) {
-  m_fields.reserve(m_infos.size());
-  for (std::size_t i = 0; i < m_infos.size(); ++i)
+      m_select(std::move(select)),
+      m_numbers(m_database->Statements().Numbers()) {
+  const sql::Query& query = m_select->Bound();
+  if (query.IsPlain()) {
+    Table& table = *query.sources.front().table;
+    auto found = std::make_unique<DynasetRows>(m_database->OpenStore(), table, m_select->Run().FindRows(),
+                                               query.columns);
+    m_dynaset = found.get();
+    m_tableName = table.Name();
+    m_rows = std::move(found);
+  } else {
+    m_rows = std::make_unique<SnapshotRows>(m_select->Run().ReadRows());
+  }
+  m_fields.reserve(query.columns.size());
+  for (std::size_t i = 0; i < query.columns.size(); ++i)
     m_fields.emplace_back(*this, i);
   m_database->Add(*this);
+}
+
+const std::string& RecordsetCore::PlanText() {
+  if (m_plan.empty()) m_plan = m_select->Explain(m_numbers);
+  return m_plan;
 }
 
 RecordsetCore::~RecordsetCore() {
@@ -111,6 +98,7 @@ RecordsetCore::~RecordsetCore() {
 void RecordsetCore::Close() {
   if (!m_isOpen) return;
   m_isOpen = false;
+  m_ready = nullptr;
   m_edit.reset();
   m_rows.reset();
   m_dynaset = nullptr;
@@ -142,6 +130,7 @@ DynasetRows& RecordsetCore::UpdatableRows() const {
 
 // To the first row from `row` on that was not deleted through this recordset.
 void RecordsetCore::MoveTo(std::size_t row) {
+  m_ready = nullptr;
   m_edit.reset();
   m_noMatch = false;
   m_row = row;
@@ -162,7 +151,7 @@ void RecordsetCore::MoveNext() {
 
 void RecordsetCore::FindFirst(const std::string& criterion) {
   const sql::BoundExpression condition =
-      sql::BindCondition(sql::ParseCriterion(criterion), FieldScope(m_infos));
+      sql::BindCondition(sql::ParseCriterion(criterion), FieldScope(m_select->Columns()));
   MoveTo(0);
   SearchedRow searched(*m_rows);
   sql::Evaluator evaluator(searched);
@@ -186,6 +175,7 @@ void RecordsetCore::CheckCurrentRow() const {
 }
 
 void RecordsetCore::AddNew() {
+  m_ready = nullptr;
   m_edit.emplace(UpdatableRows().Table(), RowEdit::Kind::Add);
 }
 
@@ -193,6 +183,7 @@ void RecordsetCore::Edit() {
   DynasetRows& rows = UpdatableRows();
   CheckCurrentRow();
   rows.IdOf(m_row);
+  m_ready = nullptr;
   m_edit.emplace(rows.Table(), RowEdit::Kind::Edit);
 }
 
@@ -222,18 +213,21 @@ void RecordsetCore::Delete() {
   m_edit.reset();
 }
 
-std::size_t RecordsetCore::FindField(std::string_view name) const {
-  // Most callers write names as they are.
-  for (std::size_t i = 0; i < m_infos.size(); ++i) {
-    if (m_infos[i].name == name) return i;
+std::size_t RecordsetCore::FindField(std::string_view name) {
+  const std::vector<sql::OutputColumn>& columns = m_select->Columns();
+  // Most callers write names as they are, and ask for them in their order.
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const std::size_t field = m_nextField < columns.size() ? m_nextField : 0;
+    m_nextField = field + 1;
+    if (columns[field].name == name) return field;
   }
-  for (std::size_t i = 0; i < m_infos.size(); ++i) {
-    if (format::SameName(m_infos[i].name, name)) return i;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (format::SameName(columns[i].name, name)) return i;
   }
   // With the table's name before it.
   for (std::size_t dot = name.find('.'); dot != std::string_view::npos; dot = name.find('.', dot + 1)) {
-    for (std::size_t i = 0; dot > 0 && i < m_infos.size(); ++i) {
-      if (IsCalled(m_infos[i], name.substr(0, dot), name.substr(dot + 1))) return i;
+    for (std::size_t i = 0; dot > 0 && i < columns.size(); ++i) {
+      if (IsCalled(columns[i], name.substr(0, dot), name.substr(dot + 1))) return i;
     }
   }
   throw Error(ErrorNumber::UnknownField, "The recordset has no column '" + std::string(name) + "'.");
@@ -246,27 +240,31 @@ Value RecordsetCore::ReadField(std::size_t field) {
     if (m_edit->IsNew()) return m_edit->Missing(column);
   }
   CheckCurrentRow();
+  if (m_dynaset != nullptr && !m_edit) {
+    const format::RowView& row = m_dynaset->Fetch(m_row);
+    if (!m_database->IsObserved()) m_ready = &row;
+  }
   return m_rows->Read(m_row, field);
 }
 
-const std::string* RecordsetCore::ReadFieldText(std::size_t field) {
-  const FieldInfo& info = m_infos[field];
+std::optional<std::string_view> RecordsetCore::ReadFieldText(std::size_t field) {
+  const sql::OutputColumn& info = InfoOf(field);
   if (info.type != ColumnType::Text && info.type != ColumnType::Memo)
     throw Error(ErrorNumber::CannotConvert, "The column '" + info.name + "' does not hold text.");
   if (m_edit) {
     const Value value = ReadField(field);
-    if (value.IsNull()) return nullptr;
+    if (value.IsNull()) return std::nullopt;
     m_text = *value.As<std::string>();
-    return &m_text;
+    return m_text;
   }
   CheckCurrentRow();
-  return m_rows->ReadText(m_row, field);
+  return m_rows->ReadText(m_row, field, m_text);
 }
 
 void RecordsetCore::AssignField(std::size_t field, const Value& value) {
   DynasetRows& rows = UpdatableRows();
   if (!m_edit) {
-    throw Error(ErrorNumber::NoEditInProgress, "The column '" + m_infos[field].name +
+    throw Error(ErrorNumber::NoEditInProgress, "The column '" + InfoOf(field).name +
                                                    "' cannot be assigned: no row is being added or edited.");
   }
   m_edit->Assign(rows.ColumnOf(field), value);

@@ -11,15 +11,9 @@
 #include "jet/dao/Recordset.h"
 #include "jet/dao/RecordsetRows.h"
 #include "jet/dao/RowEdit.h"
+#include "jet/sql/PreparedSelect.h"
 
 namespace jet {
-
-/// A field as a recordset knows it.
-struct FieldInfo {
-  std::string name;
-  std::string label;  ///< the table that it comes from, as the statement calls it
-  ColumnType type = ColumnType::Long;
-};
 
 /// The state of a recordset: its rows, which of them is current, and the row being added or edited.
 class RecordsetCore {
@@ -37,7 +31,7 @@ class RecordsetCore {
   bool IsAtEnd() const { return m_state == State::AtEnd; }
   bool NoMatch() const { return m_noMatch; }
   bool IsUpdatable() const;
-  const std::string& PlanText() const { return m_plan; }
+  const std::string& PlanText();
 
   void MoveFirst();
   void MoveNext();
@@ -50,15 +44,34 @@ class RecordsetCore {
   void Delete();
 
   std::vector<Field>& Fields() { return m_fields; }
-  const FieldInfo& InfoOf(std::size_t field) const { return m_infos[field]; }
+  const sql::OutputColumn& InfoOf(std::size_t field) const { return m_select->Columns()[field]; }
   /// Raises UnknownField.
-  std::size_t FindField(std::string_view name) const;
+  std::size_t FindField(std::string_view name);
+  /// Whether fields can be read as they lie in the current row: it was read before, and nothing stands
+  /// between it and its reader.
+  bool IsReady() const { return m_ready != nullptr; }
+  /// Only when IsReady.
+  Value ReadReadyField(std::size_t field) const {
+    return m_dynaset->Table().Read(*m_ready, m_dynaset->ColumnOf(field));
+  }
+  /// The same of the text of a field.
+  bool IsReadyText(std::size_t field) const {
+    return m_ready != nullptr &&
+           (InfoOf(field).type == ColumnType::Text || InfoOf(field).type == ColumnType::Memo);
+  }
+  std::optional<std::string_view> ReadReadyText(std::size_t field) {
+    return m_dynaset->Table().ReadText(*m_ready, m_dynaset->ColumnOf(field), m_text);
+  }
   Value ReadField(std::size_t field);
-  const std::string* ReadFieldText(std::size_t field);
+  /// Valid until the next call. Raises CannotConvert.
+  std::optional<std::string_view> ReadFieldText(std::size_t field);
   void AssignField(std::size_t field, const Value& value);
 
   /// Lets go of pages in the cache.
-  void ReleaseRow() { m_rows->Release(); }
+  void ReleaseRow() {
+    m_ready = nullptr;
+    m_rows->Release();
+  }
   /// Whether the table that the rows are of is still there.
   bool HasItsTable(Store& store) const;
   /// Twice is harmless.
@@ -72,8 +85,7 @@ class RecordsetCore {
     Deleted,  ///< the row under the cursor was deleted through this recordset
   };
 
-  RecordsetCore(std::shared_ptr<DatabaseCore> database, std::vector<FieldInfo> infos,
-                std::unique_ptr<RecordsetRows> rows, DynasetRows* dynaset, std::string plan);
+  RecordsetCore(std::shared_ptr<DatabaseCore> database, std::shared_ptr<sql::PreparedSelect> select);
 
   void MoveTo(std::size_t row);
   void CheckCurrentRow() const;
@@ -81,17 +93,20 @@ class RecordsetCore {
 
   std::shared_ptr<DatabaseCore> m_database;
   bool m_isOpen = true;
-  std::vector<FieldInfo> m_infos;
+  std::shared_ptr<sql::PreparedSelect> m_select;  // its columns are the fields
+  sql::StatementNumbers m_numbers;                // of the statement that was run
   std::vector<Field> m_fields;
   std::unique_ptr<RecordsetRows> m_rows;
-  DynasetRows* m_dynaset;   // m_rows, if they can be changed
-  std::string m_tableName;  // of the dynaset
-  std::string m_plan;
+  DynasetRows* m_dynaset = nullptr;  // m_rows, if they can be changed
+  std::string m_tableName;           // of the dynaset
+  std::string m_plan;                // once it was asked for
   State m_state = State::AtEnd;
   std::size_t m_row = 0;
   bool m_noMatch = false;
+  std::size_t m_nextField = 0;  // the one behind the field found last
   std::optional<RowEdit> m_edit;
-  std::string m_text;  // what ReadFieldText answered with, if it had to be made
+  const format::RowView* m_ready = nullptr;  // the current row of the dynaset
+  std::string m_text;                        // what ReadFieldText answered with, if it is nowhere else
 };
 
 }  // namespace jet

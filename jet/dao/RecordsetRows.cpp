@@ -7,16 +7,15 @@
 namespace jet {
 
 DynasetRows::DynasetRows(Store& store, jet::Table& table, std::vector<RowId> rows,
-                         std::vector<std::size_t> columns)
+                         const std::vector<sql::OutputColumn>& columns)
     : m_store(&store),
       m_table(&table),
       m_rows(std::move(rows)),
-      m_columns(std::move(columns)),
+      m_columns(&columns),
       m_foundAtOpening(m_rows.size()),
       m_openedAt(store.Pages().Moment()) {}
 
-const RowRef& DynasetRows::Fetch(std::size_t row) {
-  if (m_fetched && m_fetchedRow == row) return *m_fetched;
+const format::RowView& DynasetRows::FetchAnew(std::size_t row) {
   const RowId id = m_rows[row];
   const std::uint64_t knownAt = row < m_foundAtOpening ? m_openedAt : m_appendedAt[row - m_foundAtOpening];
   m_fetched.reset();
@@ -24,11 +23,8 @@ const RowRef& DynasetRows::Fetch(std::size_t row) {
   if (!m_fetched)
     throw Error(ErrorNumber::RowDeleted, "The row of table '" + m_table->Name() + "' was deleted.");
   m_fetchedRow = row;
-  return *m_fetched;
-}
-
-const std::string* DynasetRows::ReadText(std::size_t row, std::size_t field) {
-  return m_table->ReadText(Fetch(row), m_columns[field], m_text) ? &m_text : nullptr;
+  m_view = m_table->View(*m_fetched);
+  return m_view;
 }
 
 RowId DynasetRows::IdOf(std::size_t row) {

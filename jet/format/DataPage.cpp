@@ -13,13 +13,9 @@ namespace jet::format {
 
 using namespace data_page;
 
-DataPageView::DataPageView(std::span<const std::byte> page, std::uint32_t number)
-    : m_page(page), m_number(number) {
-  m_slots = LoadU16(page.data() + kSlotCount);
-  if (LoadU8(page.data()) != page_type::kData || kSlots + 2 * m_slots > kPageSize) {
-    throw Error(ErrorNumber::DamagedFile,
-                "Page " + std::to_string(number) + " is damaged: it is not a page of rows.");
-  }
+void DataPageView::RaiseNoRows() const {
+  throw Error(ErrorNumber::DamagedFile,
+              "Page " + std::to_string(m_number) + " is damaged: it is not a page of rows.");
 }
 
 void DataPageView::RaiseDamaged(std::size_t slot) const {
@@ -27,27 +23,11 @@ void DataPageView::RaiseDamaged(std::size_t slot) const {
                                             std::to_string(slot) + " does not lie inside the page.");
 }
 
-std::uint32_t DataPageView::Owner() const {
-  return LoadU32(m_page.data() + kOwner);
-}
 std::uint32_t DataPageView::Tag() const {
   return LoadU32(m_page.data() + kTag);
 }
 std::size_t DataPageView::FreeSpace() const {
   return LoadU16(m_page.data() + kFreeSpace);
-}
-
-RowSlot DataPageView::Slot(std::size_t slot) const {
-  if (slot >= m_slots) RaiseDamaged(slot);
-  const std::byte* at = m_page.data() + kSlots + 2 * slot;
-  const std::uint16_t word = LoadU16(at);
-  RowSlot result;
-  result.flags = word & kFlagsMask;
-  result.begin = word & kOffsetMask;
-  result.end = slot == 0 ? kPageSize : LoadU16(at - 2) & kOffsetMask;
-  if (result.begin > result.end || result.end > kPageSize || result.begin < kSlots + 2 * m_slots)
-    RaiseDamaged(slot);
-  return result;
 }
 
 bool DataPageView::IsEmpty() const {

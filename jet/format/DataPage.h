@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "jet/format/Bytes.h"
 #include "jet/format/PageLayout.h"
 
 namespace jet::format {
@@ -54,15 +55,29 @@ struct RowSlot {
 class DataPageView {
  public:
   /// `number` is used in messages. Raises DamagedFile when the page is no data page or its slots do not fit.
-  DataPageView(std::span<const std::byte> page, std::uint32_t number);
+  DataPageView(std::span<const std::byte> page, std::uint32_t number)
+      : m_page(page), m_number(number), m_slots(LoadU16(page.data() + data_page::kSlotCount)) {
+    if (LoadU8(page.data()) != page_type::kData || data_page::kSlots + 2 * m_slots > kPageSize) RaiseNoRows();
+  }
 
-  std::uint32_t Owner() const;
+  std::uint32_t Owner() const { return LoadU32(m_page.data() + data_page::kOwner); }
   std::uint32_t Tag() const;
   std::size_t FreeSpace() const;
   std::size_t SlotCount() const { return m_slots; }
   /// Raises DamagedFile for a slot that the page does not have, or whose bytes do not lie inside the row
   /// area.
-  RowSlot Slot(std::size_t slot) const;
+  RowSlot Slot(std::size_t slot) const {
+    if (slot >= m_slots) RaiseDamaged(slot);
+    const std::byte* at = m_page.data() + data_page::kSlots + 2 * slot;
+    const std::uint16_t word = LoadU16(at);
+    RowSlot result;
+    result.flags = word & data_page::kFlagsMask;
+    result.begin = word & data_page::kOffsetMask;
+    result.end = slot == 0 ? kPageSize : LoadU16(at - 2) & data_page::kOffsetMask;
+    if (result.begin > result.end || result.end > kPageSize || result.begin < data_page::kSlots + 2 * m_slots)
+      RaiseDamaged(slot);
+    return result;
+  }
   std::span<const std::byte> Row(const RowSlot& slot) const {
     return m_page.subspan(slot.begin, slot.end - slot.begin);
   }
@@ -73,6 +88,7 @@ class DataPageView {
   bool Fits(std::size_t size) const;
 
  protected:
+  [[noreturn]] void RaiseNoRows() const;
   [[noreturn]] void RaiseDamaged(std::size_t slot) const;
   std::span<const std::byte> m_page;
   std::uint32_t m_number;

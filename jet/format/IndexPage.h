@@ -104,6 +104,8 @@ class IndexPageView {
   std::size_t BoundaryAfter(std::size_t position) const;  // first entry end > position; 0 when there is none
   std::size_t BoundaryUpTo(std::size_t position) const;   // last entry end <= position; 0 when there is none
   std::uint32_t LastFour(EntryPlace place) const;
+  /// As Compare, of the prefix of all entries but the first, so far as that decides; else 0.
+  int ComparePrefix(std::span<const std::byte> key) const;
   std::span<const std::byte> Prefix() const { return m_page.subspan(index_page::kEntries, m_prefix); }
   [[noreturn]] void RaiseDamaged(const char* what) const;
   std::span<const std::byte> m_page;

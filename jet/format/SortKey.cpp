@@ -174,10 +174,28 @@ class PrimaryBytes {
   bool m_onlyPlain = true;
 };
 
+/// Appends the key of a text of ASCII characters that have inline bytes alone, as most texts are. False, with
+/// `key` as it was, for any other.
+bool AppendPlainKey(std::string_view text, std::vector<std::byte>& key) {
+  const std::size_t before = key.size();
+  for (const char c : text) {
+    const auto point = static_cast<unsigned char>(c);
+    if (point >= 0x80 || kDenseTable[point].kind != SortKind::Plain) {
+      key.resize(before);
+      return false;
+    }
+    AppendPrimary(kDenseTable[point].primary, key);
+  }
+  key.push_back(kSectionEnd);
+  key.push_back(kKeyEnd);
+  return true;
+}
+
 }  // namespace
 
 bool AppendTextKey(std::string_view utf8, std::vector<std::byte>& key) {
   const std::string_view text = WithoutTrailingBlanks(FirstCharacters(utf8));
+  if (AppendPlainKey(text, key)) return true;
   const std::size_t before = key.size();
   Tail tail;
   for (std::size_t at = 0; at < text.size();) {

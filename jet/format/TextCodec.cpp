@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "jet/Error.h"
 #include "jet/format/Bytes.h"
@@ -27,6 +28,21 @@ bool IsLowSurrogate(char32_t unit) {
 }
 bool IsSurrogate(char32_t unit) {
   return unit >= 0xD800 && unit <= 0xDFFF;
+}
+
+/// Whether the bytes are the codes of ASCII characters, none of them 0.
+bool AllAscii(std::span<const std::byte> bytes) {
+  // Eight at a time: those without the high bit that have it when 7f is added to them are not 0.
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  constexpr std::uint64_t kOtherBits = 0x7F7F7F7F7F7F7F7F;
+  std::size_t at = 0;
+  for (; at + 8 <= bytes.size(); at += 8) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes.data() + at, sizeof word);
+    if ((word & kHighBits) != 0 || ((word + kOtherBits) & kHighBits) != kHighBits) return false;
+  }
+  return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.end(),
+                     [](std::byte b) { return b > kSwitch && b < std::byte{0x80}; });
 }
 
 /// Joins surrogate pairs of a stream of UTF-16 units into UTF-8.
@@ -179,15 +195,19 @@ void DecodeText(std::span<const std::byte> stored, std::string& into) {
     DecodePlain(stored, into);
     return;
   }
-  const auto runs = stored.subspan(2);
-  const bool ascii =
-      std::all_of(runs.begin(), runs.end(), [](std::byte b) { return b > kSwitch && b < std::byte{0x80}; });
-  if (!ascii) {
-    DecodeCompressed(runs, into);
-    return;
+  if (const std::optional<std::string_view> ascii = AsciiIn(stored)) {
+    into = *ascii;
+  } else {
+    DecodeCompressed(stored.subspan(2), into);
   }
-  into.resize(runs.size());
-  std::transform(runs.begin(), runs.end(), into.begin(), [](std::byte b) { return static_cast<char>(b); });
+}
+
+std::optional<std::string_view> AsciiIn(std::span<const std::byte> stored) {
+  if (stored.size() < 2 || stored[0] != kCompressedMark0 || stored[1] != kCompressedMark1)
+    return std::nullopt;
+  const auto runs = stored.subspan(2);
+  if (!AllAscii(runs)) return std::nullopt;
+  return std::string_view(reinterpret_cast<const char*>(runs.data()), runs.size());
 }
 
 Bytes EncodeText(std::string_view utf8, bool compress) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,6 +18,16 @@ namespace jet::format {
 /// Reads a stored text, plain or compressed, into `into`, replacing what it held. Raises DamagedFile for an
 /// odd number of bytes, or compressed text that ends inside a character.
 void DecodeText(std::span<const std::byte> stored, std::string& into);
+
+/// A compressed text of ASCII characters only, as UTF-8 where it is stored; none for any other text.
+std::optional<std::string_view> AsciiIn(std::span<const std::byte> stored);
+
+/// What stands behind the mark of a compressed text: at first a byte a character, up to a byte 0. Empty for a
+/// plain text.
+inline std::span<const std::byte> CompressedBytes(std::span<const std::byte> stored) {
+  const bool isMarked = stored.size() >= 2 && stored[0] == std::byte{0xFF} && stored[1] == std::byte{0xFE};
+  return isMarked ? stored.subspan(2) : std::span<const std::byte>();
+}
 
 /// The stored form of a text: compressed when `compress` is set and that is shorter and possible. Raises
 /// CannotConvert when the text is not UTF-8. A text that begins with U+FEFF is compressed in any case, since

@@ -88,13 +88,14 @@ void AppendBytesValue(const ColumnDefinition& column, const Bytes& bytes, Bytes&
 }  // namespace
 
 Value DecodeValue(const ColumnDefinition& column, std::span<const std::byte> stored) {
+  const std::byte* const bytes = stored.data();
+  if (column.type == ColumnType::Long && stored.size() == 4) return static_cast<std::int32_t>(LoadU32(bytes));
   const std::uint16_t size = FixedSizeOf(column.type);
   if (size != 0 && stored.size() != size) {
     throw Error(ErrorNumber::DamagedFile, "A value of the column '" + column.name + "' is damaged: it has " +
                                               std::to_string(stored.size()) + " bytes instead of " +
                                               std::to_string(size) + ".");
   }
-  const std::byte* const bytes = stored.data();
   switch (column.type) {
     case ColumnType::Byte:
       return std::int32_t{LoadU8(bytes)};

@@ -29,6 +29,8 @@ struct Expression {
   Kind kind = Kind::Literal;
   ColumnName column;
   Value literal;
+  std::size_t place = 0;  ///< of a literal: where it stands in the statement, without its sign
+  bool negated = false;   ///< a number behind a minus
   Comparison comparison = Comparison::Equal;
   std::vector<Expression> operands;
 };

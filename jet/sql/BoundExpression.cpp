@@ -65,6 +65,8 @@ BoundExpression Bind(const Expression& expression, const NameScope& scope) {
       break;
     case Kind::Literal:
       bound.literal = expression.literal;
+      bound.place = expression.place;
+      bound.negated = expression.negated;
       bound.valueKind = KindOf(bound.literal);
       bound.text = Describe(expression);
       break;

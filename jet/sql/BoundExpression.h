@@ -31,6 +31,8 @@ struct BoundExpression {
       ValueKind::Null;  ///< of what it gives when it does not give Null; conditions: a number
   BoundColumn column;
   Value literal;
+  std::size_t place = 0;  ///< of a literal: where it stands in the statement, without its sign
+  bool negated = false;   ///< a number behind a minus
   Comparison comparison = Comparison::Equal;
   std::optional<LikePattern> pattern;  ///< of a like whose pattern is a literal
   std::string text;                    ///< a column or literal as written, for people

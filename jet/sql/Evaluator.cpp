@@ -81,19 +81,19 @@ Value Evaluator::Evaluate(const BoundExpression& expression) {
 
 bool Evaluator::IsNull(const BoundExpression& operand) {
   if (operand.kind == Kind::Column && operand.valueKind == ValueKind::Text)
-    return !m_rows->ReadText(operand.column.place, m_left);
+    return !m_rows->ReadText(operand.column.place, m_left).has_value();
   return Evaluate(operand).IsNull();
 }
 
-// The text of an operand, read into `buffer` if it has to be read; nullptr for Null.
-const std::string* Evaluator::TextOf(const BoundExpression& operand, std::string& buffer) {
+// The text of an operand, in `buffer` if it is nowhere else; none for Null.
+std::optional<std::string_view> Evaluator::TextOf(const BoundExpression& operand, std::string& buffer) {
   if (operand.kind == Kind::Column && operand.valueKind == ValueKind::Text)
-    return m_rows->ReadText(operand.column.place, buffer) ? &buffer : nullptr;
-  if (const auto* text = operand.literal.As<std::string>()) return text;
+    return m_rows->ReadText(operand.column.place, buffer);
+  if (const auto* text = operand.literal.As<std::string>()) return *text;
   const Value value = Evaluate(operand);
-  if (value.IsNull()) return nullptr;
+  if (value.IsNull()) return std::nullopt;
   buffer = value.ToText();
-  return &buffer;
+  return buffer;
 }
 
 Truth Evaluator::Compare(const BoundExpression& comparison) {
@@ -101,27 +101,31 @@ Truth Evaluator::Compare(const BoundExpression& comparison) {
   const BoundExpression& right = comparison.operands[1];
   if (left.valueKind == ValueKind::Null || right.valueKind == ValueKind::Null) return Truth::Unknown;
   if (left.valueKind == ValueKind::Text) {
-    const std::string* const leftText = TextOf(left, m_left);
-    if (leftText == nullptr) return Truth::Unknown;
-    const std::string* const rightText = TextOf(right, m_right);
-    if (rightText == nullptr) return Truth::Unknown;
+    const std::optional<std::string_view> leftText = TextOf(left, m_left);
+    if (!leftText) return Truth::Unknown;
+    const std::optional<std::string_view> rightText = TextOf(right, m_right);
+    if (!rightText) return Truth::Unknown;
     return Decide(comparison.comparison, format::CompareText(*leftText, *rightText));
   }
   const Value leftValue = Evaluate(left);
   if (leftValue.IsNull()) return Truth::Unknown;
-  if (right.kind == Kind::Literal)
+  if (right.kind == Kind::Literal) {
+    const auto* const number = leftValue.As<std::int32_t>();
+    const auto* const literal = right.literal.As<std::int32_t>();
+    if (number != nullptr && literal != nullptr) return Decide(comparison.comparison, *number <=> *literal);
     return Decide(comparison.comparison, CompareValues(leftValue, right.literal));
+  }
   const Value rightValue = Evaluate(right);
   if (rightValue.IsNull()) return Truth::Unknown;
   return Decide(comparison.comparison, CompareValues(leftValue, rightValue));
 }
 
 Truth Evaluator::Like(const BoundExpression& like) {
-  const std::string* const text = TextOf(like.operands[0], m_left);
-  if (text == nullptr) return Truth::Unknown;
+  const std::optional<std::string_view> text = TextOf(like.operands[0], m_left);
+  if (!text) return Truth::Unknown;
   if (like.pattern) return ToTruth(like.pattern->Matches(*text));
-  const std::string* const pattern = TextOf(like.operands[1], m_right);
-  if (pattern == nullptr) return Truth::Unknown;
+  const std::optional<std::string_view> pattern = TextOf(like.operands[1], m_right);
+  if (!pattern) return Truth::Unknown;
   return ToTruth(LikePattern(*pattern).Matches(*text));
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "jet/sql/BoundExpression.h"
 
@@ -11,8 +13,9 @@ class RowSource {
  public:
   virtual ~RowSource() = default;
   virtual Value Read(ColumnPlace place) const = 0;
-  /// A text or memo column without building a Value; false for Null.
-  virtual bool ReadText(ColumnPlace place, std::string& into) const = 0;
+  /// A text or memo column without building a Value, in `buffer` or elsewhere until the next row; none for
+  /// Null.
+  virtual std::optional<std::string_view> ReadText(ColumnPlace place, std::string& buffer) const = 0;
 };
 
 /// Three-valued logic: what is compared with Null is neither true nor false.
@@ -34,7 +37,7 @@ class Evaluator {
   Truth Compare(const BoundExpression& comparison);
   Truth Like(const BoundExpression& like);
   bool IsNull(const BoundExpression& operand);
-  const std::string* TextOf(const BoundExpression& operand, std::string& buffer);
+  std::optional<std::string_view> TextOf(const BoundExpression& operand, std::string& buffer);
 
   const RowSource* m_rows;
   std::string m_left;

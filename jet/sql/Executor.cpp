@@ -1,15 +1,18 @@
 #include "jet/sql/Executor.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "jet/Error.h"
 #include "jet/sql/Aggregation.h"
-#include "jet/sql/KeyFit.h"
 #include "jet/sql/RowOrder.h"
 
 namespace jet::sql {
 namespace {
+
+// A count of rows is taken from the file; it is believed up to here.
+constexpr std::size_t kMostReserved = std::size_t{1} << 20;
 
 RowRef FetchIndexed(const Table& table, std::size_t index, RowId id) {
   std::optional<RowRef> row = table.Fetch(id);
@@ -25,18 +28,18 @@ RowRef FetchIndexed(const Table& table, std::size_t index, RowId id) {
 }  // namespace
 
 Executor::Executor(const Query& query, const Plan& plan)
-    : m_query(&query),
-      m_plan(&plan),
-      m_evaluator(*this),
-      m_rows(query.sources.size()),
-      m_buffers(plan.steps.size()) {}
+    : m_query(&query), m_plan(&plan), m_evaluator(*this), m_rows(query.sources.size()) {}
 
-Value Executor::Read(ColumnPlace place) const {
-  return TableOf(place.source).Read(*m_rows[place.source].row, place.column);
+void Executor::Prepare() {
+  m_buffers.resize(m_plan->steps.size());
 }
 
-bool Executor::ReadText(ColumnPlace place, std::string& into) const {
-  return TableOf(place.source).ReadText(*m_rows[place.source].row, place.column, into);
+Value Executor::Read(ColumnPlace place) const {
+  return TableOf(place.source).Read(m_rows[place.source].row, place.column);
+}
+
+std::optional<std::string_view> Executor::ReadText(ColumnPlace place, std::string& buffer) const {
+  return TableOf(place.source).ReadText(m_rows[place.source].row, place.column, buffer);
 }
 
 template <typename Visit>
@@ -47,7 +50,7 @@ void Executor::Run(const Visit& visit) {
 template <typename Visit>
 void Executor::Take(std::size_t number, RowId id, const RowRef& row, const Visit& visit) {
   const Step& step = m_plan->steps[number];
-  m_rows[step.source] = {id, &row};
+  m_rows[step.source] = {id, TableOf(step.source).View(row)};
   for (const BoundExpression* filter : step.filters) {
     if (!m_evaluator.Holds(*filter)) return;
   }
@@ -61,26 +64,35 @@ void Executor::Take(std::size_t number, RowId id, const RowRef& row, const Visit
 template <typename Visit>
 void Executor::RunStep(std::size_t number, const Visit& visit) {
   const Step& step = m_plan->steps[number];
-  KeyBytes lower;
-  KeyBytes upper;
-  switch (FindRange(step, lower, upper)) {
-    case Lookup::NoRow:
+  if (!step.access) return RunScan(number, visit);
+  switch (FindBounds(TableOf(step.source), *step.access, m_evaluator, m_buffers[number].bounds)) {
+    case BoundsFit::Found:
+      return RunIndex(number, visit);
+    case BoundsFit::NoRow:
       return;
-    case Lookup::Range:
-      RunIndex(number, std::move(lower), std::move(upper), visit);
-      return;
-    case Lookup::Scan:
-      for (TableScan scan(TableOf(step.source)); scan.Next();)
-        Take(number, scan.Id(), scan.Row(), visit);
+    case BoundsFit::Unknown:
+      return RunScan(number, visit);
   }
 }
 
 template <typename Visit>
-void Executor::RunIndex(std::size_t number, KeyBytes lower, KeyBytes upper, const Visit& visit) {
+void Executor::RunScan(std::size_t number, const Visit& visit) {
+  const Step& step = m_plan->steps[number];
+  const Table& table = TableOf(step.source);
+  for (TableScan scan(table); scan.Next();) {
+    const std::span<const std::byte> bytes = step.sieve ? scan.HomeBytes() : std::span<const std::byte>();
+    if (!bytes.empty() && step.sieve->Rejects(table.View(bytes))) continue;
+    Take(number, scan.Id(), scan.Row(), visit);
+  }
+}
+
+template <typename Visit>
+void Executor::RunIndex(std::size_t number, const Visit& visit) {
   const Step& step = m_plan->steps[number];
   const Table& table = TableOf(step.source);
   const std::size_t index = step.access->index;
-  IndexCursor cursor = table.IndexAt(index).Range(std::move(lower), std::move(upper));
+  auto& [bounds, rows] = m_buffers[number];
+  IndexCursor cursor = table.IndexAt(index).Range(bounds.lower, bounds.upper);
   if (step.access->inKeyOrder) {
     while (cursor.Next()) {
       const RowId id = cursor.Row();
@@ -89,8 +101,6 @@ void Executor::RunIndex(std::size_t number, KeyBytes lower, KeyBytes upper, cons
     }
     return;
   }
-  // The step is not entered again before it is left, so that the buffer is free.
-  std::vector<RowId>& rows = m_buffers[number];
   rows.clear();
   while (cursor.Next())
     rows.push_back(cursor.Row());
@@ -101,39 +111,27 @@ void Executor::RunIndex(std::size_t number, KeyBytes lower, KeyBytes upper, cons
   }
 }
 
-// The bounds within which the step's rows stand in its index.
-Executor::Lookup Executor::FindRange(const Step& step, KeyBytes& lower, KeyBytes& upper) {
-  if (!step.access) return Lookup::Scan;
-  const IndexAccess& access = *step.access;
-  if (access.isConstant) {
-    lower = access.lower;
-    upper = access.upper;
-    return Lookup::Range;
-  }
-  const Table& table = TableOf(step.source);
-  const std::vector<std::size_t>& columns = table.IndexColumns(access.index);
-  std::vector<Value> keys(access.equal.size());
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    const Value wanted = m_evaluator.Evaluate(*access.equal[i]);
-    const KeyFit fit = FitKey(wanted, table.Definition().columns[columns[i]], keys[i]);
-    if (fit == KeyFit::NoRow) return Lookup::NoRow;
-    if (fit == KeyFit::Unknown) return Lookup::Scan;
-  }
-  std::optional<KeyBytes> prefix = table.IndexAt(access.index).KeyPrefix(keys);
-  if (!prefix) return Lookup::Scan;
-  upper = KeyAfter(*prefix);
-  lower = *std::move(prefix);
-  return Lookup::Range;
+// Whether the rows are all those of a table, as they lie.
+bool Executor::NeedsNoMoreThanIds() const {
+  const Step& step = m_plan->steps.front();
+  return !m_plan->nothing && m_plan->sorted && !step.access && step.filters.empty();
 }
 
 std::vector<RowId> Executor::FindRows() {
   std::vector<RowId> rows;
+  if (NeedsNoMoreThanIds()) {
+    const Table& table = TableOf(m_plan->steps.front().source);
+    rows.reserve(std::min<std::size_t>(table.RowCount(), kMostReserved));
+    for (TableScan scan(table); scan.Next();)
+      rows.push_back(scan.Id());
+    return rows;
+  }
   RowOrder order(m_query->order);
   Run([&] {
     rows.push_back(m_rows[0].id);
     if (m_plan->sorted) return;
     for (const SortColumn& column : m_query->order)
-      order.AddKey(Read(column.column.place));
+      order.Add(Read(column.column.place));
   });
   if (m_plan->sorted) return rows;
   std::vector<RowId> sorted;
@@ -156,7 +154,7 @@ ValueRows Executor::ReadPlain() {
       rows.values.push_back(Read(column.place));
     if (m_plan->sorted) return;
     for (const SortColumn& column : m_query->order)
-      order.AddKey(Read(column.column.place));
+      order.Add(Read(column.column.place));
   });
   if (m_plan->sorted) return rows;
   ValueRows sorted;
@@ -198,7 +196,8 @@ Value Executor::ReadEnd(const OutputColumn& column, const IndexEnd& end) const {
     const bool ascending = index.Definition().columns.front().ascending;
     id = index.Last(ascending ? KeyBytes{} : KeyBytes{std::byte{0xFF}});
   } else {
-    IndexCursor cursor = index.Range(index.FirstNotNull(), {});
+    const KeyBytes first = index.FirstNotNull();
+    IndexCursor cursor = index.Range(first, {});
     if (cursor.Next()) id = cursor.Row();
   }
   if (!id) return {};

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "jet/sql/Evaluator.h"
+#include "jet/sql/KeyBounds.h"
 #include "jet/sql/Plan.h"
 #include "jet/table/Table.h"
 
@@ -24,6 +25,8 @@ class Executor final : private RowSource {
  public:
   /// Both must outlive it.
   Executor(const Query& query, const Plan& plan);
+  /// Once, when the plan is made.
+  void Prepare();
 
   /// The rows of a plain query, in the order of the result.
   std::vector<RowId> FindRows();
@@ -33,11 +36,16 @@ class Executor final : private RowSource {
  private:
   struct CurrentRow {
     RowId id;
-    const RowRef* row = nullptr;
+    format::RowView row;
+  };
+  /// What a step needs while it runs; it is not entered again before it is left.
+  struct Buffers {
+    KeyBounds bounds;
+    std::vector<RowId> rows;  // to be put into storage order
   };
 
   Value Read(ColumnPlace place) const override;
-  bool ReadText(ColumnPlace place, std::string& into) const override;
+  std::optional<std::string_view> ReadText(ColumnPlace place, std::string& buffer) const override;
 
   template <typename Visit>
   void Run(const Visit& visit);
@@ -46,9 +54,10 @@ class Executor final : private RowSource {
   template <typename Visit>
   void Take(std::size_t number, RowId id, const RowRef& row, const Visit& visit);
   template <typename Visit>
-  void RunIndex(std::size_t number, KeyBytes lower, KeyBytes upper, const Visit& visit);
-  enum class Lookup { Range, NoRow, Scan };
-  Lookup FindRange(const Step& step, KeyBytes& lower, KeyBytes& upper);
+  void RunIndex(std::size_t number, const Visit& visit);
+  template <typename Visit>
+  void RunScan(std::size_t number, const Visit& visit);
+  bool NeedsNoMoreThanIds() const;
 
   ValueRows ReadPlain();
   ValueRows ReadAggregates();
@@ -58,8 +67,8 @@ class Executor final : private RowSource {
   const Query* m_query;
   const Plan* m_plan;
   Evaluator m_evaluator;
-  std::vector<CurrentRow> m_rows;             // by source
-  std::vector<std::vector<RowId>> m_buffers;  // by step: rows to be put into storage order
+  std::vector<CurrentRow> m_rows;  // by source
+  std::vector<Buffers> m_buffers;  // by step
 };
 
 }  // namespace jet::sql

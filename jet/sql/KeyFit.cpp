@@ -9,9 +9,6 @@
 namespace jet::sql {
 namespace {
 
-// Index keys of text hold its first characters only; a text column has no more.
-constexpr std::size_t kMostKeyBytes = 255;
-
 // Zero has two keys, and what is no number has many.
 bool HasOneKey(double value) {
   return value != 0 && !std::isnan(value);
@@ -27,6 +24,10 @@ KeyFit FitKey(const Value& wanted, const format::ColumnDefinition& column, Value
     case ColumnType::Integer:
     case ColumnType::Long:
     case ColumnType::Currency: {
+      if (column.type == ColumnType::Long && wanted.As<std::int32_t>() != nullptr) {
+        key = wanted;
+        return KeyFit::Found;
+      }
       const std::optional<Value> same = SameNumberAs(wanted, column.type);
       if (!same) return KeyFit::NoRow;
       key = *same;

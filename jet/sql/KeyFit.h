@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "jet/Value.h"
 #include "jet/format/TableDefinition.h"
 
@@ -11,6 +13,9 @@ enum class KeyFit {
   NoRow,    ///< no value of the column equals it, so that there are none
   Unknown,  ///< several keys may stand for it, or none is known: only reading all rows tells
 };
+
+/// Index keys of text hold its first characters only; a text column has no more.
+inline constexpr std::size_t kMostKeyBytes = 255;
 
 /// Gives the value as the column of an index holds it. `wanted` is of the column's kind.
 KeyFit FitKey(const Value& wanted, const format::ColumnDefinition& column, Value& key);

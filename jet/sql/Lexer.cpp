@@ -3,26 +3,10 @@
 #include <optional>
 #include <utility>
 
+#include "jet/sql/Characters.h"
 #include "jet/sql/Literals.h"
 
 namespace jet::sql {
-namespace {
-
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-bool BeginsWord(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-         static_cast<unsigned char>(c) >= 0x80;
-}
-bool IsInWord(char c) {
-  return BeginsWord(c) || IsDigit(c);
-}
-
-}  // namespace
 
 Token Lexer::Symbol(Token::Kind kind, std::size_t length) {
   m_at += length;

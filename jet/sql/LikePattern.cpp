@@ -1,7 +1,6 @@
 #include "jet/sql/LikePattern.h"
 
 #include <algorithm>
-#include <string>
 
 #include "jet/Error.h"
 #include "jet/format/CaseFolding.h"
@@ -90,6 +89,15 @@ bool LikePattern::MatchesOne(const Element& element, char32_t folded) {
     default:
       return true;
   }
+}
+
+std::string LikePattern::AsciiPrefix() const {
+  std::string prefix;
+  for (const Element& element : m_elements) {
+    if (element.kind != Element::Kind::Character || element.character >= 0x80) break;
+    prefix += static_cast<char>(element.character);
+  }
+  return prefix;
 }
 
 bool LikePattern::Matches(std::string_view text) const {

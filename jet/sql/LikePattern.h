@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +19,9 @@ class LikePattern {
   explicit LikePattern(std::string_view pattern);
 
   bool Matches(std::string_view text) const;
+
+  /// The ASCII characters, letters small, that every text that matches begins with in any case.
+  std::string AsciiPrefix() const;
 
  private:
   struct Range {

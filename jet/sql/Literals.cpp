@@ -10,6 +10,7 @@
 #include <string>
 #include <system_error>
 
+#include "jet/sql/Characters.h"
 #include "jet/sql/Numbers.h"
 
 namespace jet::sql {
@@ -19,10 +20,6 @@ constexpr int kMostDecimalDigits = 28;
 constexpr int kFirstYear = 100;
 constexpr int kLastYear = 9999;
 constexpr double kSecondsOfDay = 86400;
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 /// Whether the text is  [sign] digits [. digits] [e [sign] digits]  with a digit before the exponent.
 bool HasNumberForm(std::string_view text) {

@@ -361,9 +361,12 @@ Expression Parser::Operand() {
     Advance();
     if (!Is(Token::Kind::Literal) || !IsNumber(m_token.value)) Raise("expected a number behind the sign");
     operand.literal = negative ? Negative(m_token.value) : m_token.value;
+    operand.place = m_token.begin;
+    operand.negated = negative;
     Advance();
   } else if (Is(Token::Kind::Literal)) {
     operand.literal = std::move(m_token.value);
+    operand.place = m_token.begin;
     Advance();
   } else if (IsWord("true") || IsWord("false")) {
     operand.literal = IsWord("true");

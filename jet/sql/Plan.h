@@ -5,20 +5,26 @@
 #include <string>
 #include <vector>
 
+#include "jet/sql/PrefixSieve.h"
 #include "jet/sql/Query.h"
 #include "jet/table/Index.h"
 
 namespace jet::sql {
+
+/// One end of a range of keys: the column is in this relation to a literal.
+struct IndexRange {
+  Comparison comparison = Comparison::Equal;  ///< as the index runs: turned round for a descending column
+  const BoundExpression* operand = nullptr;
+};
 
 /// How rows of one table are found through an index.
 struct IndexAccess {
   std::size_t index = 0;
   /// What the leading columns must be equal to: literals, or columns of tables that come earlier in the plan.
   std::vector<const BoundExpression*> equal;
-  bool isConstant = true;  ///< literals only: the bounds below hold for every row of the earlier tables
-  KeyBytes lower;          ///< empty: none
-  KeyBytes upper;
-  bool inKeyOrder = false;  ///< rows are wanted in the order of the index, else in storage order
+  std::vector<IndexRange> ranges;  ///< of the column behind those
+  bool isConstant = true;          ///< literals only
+  bool inKeyOrder = false;         ///< rows are wanted in the order of the index, else in storage order
 };
 
 /// One table of a plan: for each row of the tables before it, its rows are found and tested.
@@ -26,6 +32,7 @@ struct Step {
   std::size_t source = 0;
   std::optional<IndexAccess> access;            ///< none: all rows are read
   std::vector<const BoundExpression*> filters;  ///< tested for each row; the index's own conditions as well
+  std::optional<PrefixSieve> sieve;             ///< of one of the filters, when all rows are read
 };
 
 /// An aggregate that is read off one end of an index.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "jet/sql/KeyBounds.h"
 #include "jet/sql/KeyFit.h"
 
 namespace jet::sql {
@@ -49,13 +50,6 @@ const char* SignOf(Comparison comparison) {
   }
 }
 
-void RaiseLower(KeyBytes& lower, KeyBytes bound) {
-  if (lower < bound) lower = std::move(bound);
-}
-void CutUpper(KeyBytes& upper, KeyBytes bound) {
-  if (!bound.empty() && (upper.empty() || bound < upper)) upper = std::move(bound);
-}
-
 }  // namespace
 
 Planner::Planner(const Query& query) : m_query(&query) {
@@ -86,59 +80,51 @@ bool Planner::NeverHolds(const BoundExpression& condition) const {
                      });
 }
 
-// What a column must be equal to; with a literal also its value in keys.
-const BoundExpression* Planner::EqualTo(ColumnPlace place, const std::vector<bool>& bound, Value& key) const {
+// What a column must be equal to; rather a literal than a column of another table.
+const BoundExpression* Planner::EqualTo(ColumnPlace place, const std::vector<bool>& bound) const {
   const format::ColumnDefinition& column = TableOf(place.source).Definition().columns[place.column];
   const BoundExpression* joined = nullptr;
   for (const Usable& usable : m_usable) {
     if (usable.place != place || usable.comparison != Comparison::Equal) continue;
     if (usable.operand->kind == Kind::Column) {
       if (bound[usable.operand->column.place.source]) joined = usable.operand;
-    } else if (FitKey(usable.operand->literal, column, key) == KeyFit::Found) {
+    } else if (Value key; FitKey(usable.operand->literal, column, key) != KeyFit::Unknown) {
       return usable.operand;
     }
   }
   return joined;
 }
 
-// Narrows the bounds by comparisons of the first column that is not equal to anything; whether there were
-// any.
-bool Planner::ApplyRanges(std::size_t source, IndexAccess& access, const std::vector<Value>& keys) const {
+// Comparisons of the first column that is not equal to anything.
+void Planner::AddRanges(std::size_t source, IndexAccess& access) const {
   const Table& table = TableOf(source);
-  const Index& index = table.IndexAt(access.index);
   const std::vector<std::size_t>& columns = table.IndexColumns(access.index);
-  if (keys.size() >= columns.size() || keys.size() >= index.Definition().columns.size()) return false;
-  const std::size_t column = columns[keys.size()];
-  const format::ColumnDefinition& definition = table.Definition().columns[column];
-  if (!HasKeyOrder(definition.type)) return false;
-  const bool ascending = index.Definition().columns[keys.size()].ascending;
-  bool any = false;
-  std::vector<Value> parts = keys;
-  parts.emplace_back();
+  const auto& directions = table.IndexAt(access.index).Definition().columns;
+  const std::size_t next = access.equal.size();
+  if (next >= columns.size()) return;
+  const format::ColumnDefinition& column = table.Definition().columns[columns[next]];
+  if (!HasKeyOrder(column.type)) return;
   for (const Usable& usable : m_usable) {
-    if (usable.place != ColumnPlace{source, column} || usable.operand->kind != Kind::Literal) continue;
-    if (FitKey(usable.operand->literal, definition, parts.back()) != KeyFit::Found) continue;
-    std::optional<KeyBytes> key = index.KeyPrefix(parts);
-    if (!key) continue;
-    switch (ascending ? usable.comparison : Mirrored(usable.comparison)) {
-      case Comparison::Less:
-        CutUpper(access.upper, *std::move(key));
-        break;
-      case Comparison::LessOrEqual:
-        CutUpper(access.upper, KeyAfter(*std::move(key)));
-        break;
-      case Comparison::Greater:
-        RaiseLower(access.lower, KeyAfter(*std::move(key)));
-        break;
-      case Comparison::GreaterOrEqual:
-        RaiseLower(access.lower, *std::move(key));
-        break;
-      default:
-        continue;
-    }
-    any = true;
+    if (usable.place != ColumnPlace{source, columns[next]} || usable.comparison == Comparison::Equal)
+      continue;
+    if (!HasBound(*usable.operand, column, directions[next].ascending)) continue;
+    access.ranges.push_back(
+        {directions[next].ascending ? usable.comparison : Mirrored(usable.comparison), usable.operand});
   }
-  return any;
+}
+
+// Whether the literals of an access have a key: not a text with characters whose place in the order is not
+// known.
+bool Planner::HasConstantKey(std::size_t source, const IndexAccess& access) const {
+  const Table& table = TableOf(source);
+  const auto& directions = table.IndexAt(access.index).Definition().columns;
+  for (std::size_t i = 0; i < access.equal.size(); ++i) {
+    const format::ColumnDefinition& column = table.Definition().columns[table.IndexColumns(access.index)[i]];
+    Value key;
+    if (FitKey(access.equal[i]->literal, column, key) == KeyFit::NoRow) continue;
+    if (!HasBound(*access.equal[i], column, directions[i].ascending)) return false;
+  }
+  return true;
 }
 
 // Whether rows in the order of the index, whose first columns are held equal, are in the order wanted.
@@ -169,23 +155,17 @@ std::optional<Planner::Candidate> Planner::Try(std::size_t source, std::size_t i
     return std::nullopt;  // a column that is not there any more
   IndexAccess access;
   access.index = index;
-  std::vector<Value> keys;
   for (const std::size_t column : columns) {
-    Value key;
-    const BoundExpression* const operand = EqualTo({source, column}, bound, key);
+    const BoundExpression* const operand = EqualTo({source, column}, bound);
     if (operand == nullptr) break;
     access.equal.push_back(operand);
     access.isConstant = access.isConstant && operand->kind == Kind::Literal;
-    keys.push_back(std::move(key));
   }
-  bool hasRange = false;
   if (access.isConstant) {
-    const std::optional<KeyBytes> prefix = table.IndexAt(index).KeyPrefix(keys);
-    if (!prefix) return std::nullopt;  // a text with characters whose place in the order is not known
-    access.lower = *prefix;
-    access.upper = KeyAfter(*prefix);
-    hasRange = ApplyRanges(source, access, keys);
+    if (!HasConstantKey(source, access)) return std::nullopt;
+    AddRanges(source, access);
   }
+  const bool hasRange = !access.ranges.empty();
   const std::size_t equal = access.equal.size();
   const bool primary = table.PrimaryIndex() == index;
   const bool serves = access.isConstant && ServesOrder(source, index, equal);
@@ -219,7 +199,7 @@ Planner::Order Planner::StartingWith(std::size_t source) const {
   const std::vector<bool> none = bound;
   Candidate first = Best(source, none);
   order.firstScore = first.score;
-  order.steps.push_back({source, std::move(first.access), {}});
+  order.steps.push_back({source, std::move(first.access), {}, {}});
   bound[source] = true;
   while (order.steps.size() < m_query->sources.size()) {
     std::optional<std::size_t> next;
@@ -232,7 +212,7 @@ Planner::Order Planner::StartingWith(std::size_t source) const {
       best = std::move(candidate);
     }
     if (!best.access) ++order.scans;
-    order.steps.push_back({*next, std::move(best.access), {}});
+    order.steps.push_back({*next, std::move(best.access), {}, {}});
     bound[*next] = true;
   }
   return order;
@@ -247,6 +227,12 @@ void Planner::AddFilters(std::vector<Step>& steps) const {
       }
     });
     steps[last].filters.push_back(&condition);
+  }
+  for (Step& step : steps) {
+    for (const BoundExpression* filter : step.filters) {
+      if (step.access || step.sieve) continue;
+      step.sieve = PrefixSieve::Of(*filter, step.source, TableOf(step.source).Definition());
+    }
   }
 }
 

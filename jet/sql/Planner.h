@@ -38,8 +38,9 @@ class Planner {
   bool NeverHolds(const BoundExpression& condition) const;
   Candidate Best(std::size_t source, const std::vector<bool>& bound) const;
   std::optional<Candidate> Try(std::size_t source, std::size_t index, const std::vector<bool>& bound) const;
-  const BoundExpression* EqualTo(ColumnPlace place, const std::vector<bool>& bound, Value& key) const;
-  bool ApplyRanges(std::size_t source, IndexAccess& access, const std::vector<Value>& keys) const;
+  const BoundExpression* EqualTo(ColumnPlace place, const std::vector<bool>& bound) const;
+  void AddRanges(std::size_t source, IndexAccess& access) const;
+  bool HasConstantKey(std::size_t source, const IndexAccess& access) const;
   bool ServesOrder(std::size_t source, std::size_t index, std::size_t equalColumns) const;
   Order StartingWith(std::size_t source) const;
   void AddFilters(std::vector<Step>& steps) const;

@@ -1,50 +1,102 @@
 #include "jet/sql/RowOrder.h"
 
 #include <algorithm>
+#include <cstring>
 #include <numeric>
 #include <string>
 #include <utility>
 
-#include "jet/format/SortKey.h"
+#include "jet/format/IndexKey.h"
 #include "jet/sql/Comparison.h"
+#include "jet/sql/KeyFit.h"
 
 namespace jet::sql {
 namespace {
 
-// Keys look at no more of a text.
-constexpr std::size_t kMostKeyBytes = 255;
+/// Whether keys of such a column compare as its values do.
+bool HasFaithfulKeys(ColumnType type) {
+  switch (type) {
+    case ColumnType::YesNo:
+    case ColumnType::Byte:
+    case ColumnType::Integer:
+    case ColumnType::Long:
+    case ColumnType::Currency:
+    case ColumnType::Text:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// Up to eight bytes as a number that compares as they do.
+std::uint64_t FirstBytes(const std::byte* bytes, std::size_t size) {
+  std::uint64_t number = 0;
+  for (std::size_t i = 0; i < 8; ++i)
+    number = number << 8 | (i < size ? std::to_integer<std::uint64_t>(bytes[i]) : 0);
+  return number;
+}
 
 }  // namespace
 
-// Keys of texts compare as the texts do, but much faster.
-void RowOrder::MakeTextKeys(std::size_t column) {
-  m_textKeys.resize(m_keys.size());
-  for (std::size_t i = column; i < m_keys.size(); i += m_columns->size()) {
-    const auto* const text = m_keys[i].As<std::string>();
-    if (text != nullptr && text->size() <= kMostKeyBytes) format::AppendTextKey(*text, m_textKeys[i]);
-  }
+RowOrder::RowOrder(const std::vector<SortColumn>& columns)
+    : m_columns(&columns),
+      m_hasKeys(std::all_of(columns.begin(), columns.end(),
+                            [](const SortColumn& column) { return HasFaithfulKeys(column.column.type); })) {}
+
+void RowOrder::Add(Value value) {
+  m_hasKeys = m_hasKeys && AppendKey(value);
+  m_values.push_back(std::move(value));
+  if (m_hasKeys && m_values.size() % m_columns->size() == 0) m_ends.push_back(m_bytes.size());
 }
 
-bool RowOrder::IsBefore(std::size_t a, std::size_t b) const {
-  const std::size_t width = m_columns->size();
-  for (std::size_t i = 0; i < width; ++i) {
-    const std::size_t atA = a * width + i;
-    const std::size_t atB = b * width + i;
-    const bool haveKeys = !m_textKeys.empty() && !m_textKeys[atA].empty() && !m_textKeys[atB].empty();
-    const auto order =
-        haveKeys ? m_textKeys[atA] <=> m_textKeys[atB] : CompareValues(m_keys[atA], m_keys[atB]);
-    if (order != 0) return (order < 0) == (*m_columns)[i].ascending;
-  }
-  return false;
+bool RowOrder::AppendKey(const Value& value) {
+  const auto* const text = value.As<std::string>();
+  if (text != nullptr && text->size() > kMostKeyBytes) return false;
+  const SortColumn& sort = (*m_columns)[m_values.size() % m_columns->size()];
+  format::ColumnDefinition column;
+  column.type = sort.column.type;
+  return format::AppendKeyColumn(m_bytes, value, column, sort.ascending);
 }
 
 std::vector<std::size_t> RowOrder::Sorted() {
-  for (std::size_t column = 0; column < m_columns->size(); ++column) {
-    if (KindOf((*m_columns)[column].column.type) == ValueKind::Text) MakeTextKeys(column);
+  return m_hasKeys ? SortedByKeys() : SortedByValues();
+}
+
+std::vector<std::size_t> RowOrder::SortedByKeys() {
+  m_values = {};
+  std::vector<Key> keys(m_ends.size());
+  std::size_t begin = 0;
+  for (std::size_t row = 0; row < keys.size(); ++row) {
+    const std::size_t end = m_ends[row];
+    keys[row] = {FirstBytes(m_bytes.data() + begin, end - begin), begin, end, row};
+    begin = end;
   }
-  std::vector<std::size_t> rows(m_keys.size() / m_columns->size());
+  std::sort(keys.begin(), keys.end(), [this](const Key& a, const Key& b) {
+    if (a.first != b.first) return a.first < b.first;
+    const std::size_t sizeA = a.end - a.begin;
+    const std::size_t sizeB = b.end - b.begin;
+    const int order = std::memcmp(m_bytes.data() + a.begin, m_bytes.data() + b.begin, std::min(sizeA, sizeB));
+    if (order != 0) return order < 0;
+    return sizeA != sizeB ? sizeA < sizeB : a.row < b.row;
+  });
+  std::vector<std::size_t> rows;
+  rows.reserve(keys.size());
+  for (const Key& key : keys)
+    rows.push_back(key.row);
+  return rows;
+}
+
+std::vector<std::size_t> RowOrder::SortedByValues() const {
+  const std::size_t width = m_columns->size();
+  std::vector<std::size_t> rows(m_values.size() / width);
   std::iota(rows.begin(), rows.end(), std::size_t{0});
-  std::stable_sort(rows.begin(), rows.end(), [this](std::size_t a, std::size_t b) { return IsBefore(a, b); });
+  std::stable_sort(rows.begin(), rows.end(), [&](std::size_t a, std::size_t b) {
+    for (std::size_t i = 0; i < width; ++i) {
+      const auto order = CompareValues(m_values[a * width + i], m_values[b * width + i]);
+      if (order != 0) return (order < 0) == (*m_columns)[i].ascending;
+    }
+    return false;
+  });
   return rows;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <utility>
+#include <cstdint>
 #include <vector>
 
 #include "jet/sql/Query.h"
@@ -12,20 +12,30 @@ namespace jet::sql {
 /// the order in which they were added.
 class RowOrder {
  public:
-  explicit RowOrder(const std::vector<SortColumn>& columns) : m_columns(&columns) {}
+  explicit RowOrder(const std::vector<SortColumn>& columns);
 
-  /// The next row's values, one for each sort column.
-  void AddKey(Value value) { m_keys.push_back(std::move(value)); }
+  /// The next of the row's values, one for each sort column.
+  void Add(Value value);
   /// Numbers of the rows added, in the order wanted.
   std::vector<std::size_t> Sorted();
 
  private:
-  void MakeTextKeys(std::size_t column);
-  bool IsBefore(std::size_t a, std::size_t b) const;
+  struct Key {
+    std::uint64_t first = 0;  ///< its first bytes as a number, which decides mostly
+    std::size_t begin = 0;    ///< in m_bytes
+    std::size_t end = 0;
+    std::size_t row = 0;
+  };
+
+  bool AppendKey(const Value& value);
+  std::vector<std::size_t> SortedByKeys();
+  std::vector<std::size_t> SortedByValues() const;
 
   const std::vector<SortColumn>* m_columns;
-  std::vector<Value> m_keys;
-  std::vector<Bytes> m_textKeys;  // beside each of m_keys; empty for what is no text or has no key
+  std::vector<Value> m_values;      // of all rows, one behind the other
+  std::vector<std::byte> m_bytes;   // keys that compare as the rows do, one behind the other
+  std::vector<std::size_t> m_ends;  // of each row's key
+  bool m_hasKeys;                   // every value so far has one
 };
 
 }  // namespace jet::sql

@@ -1,22 +1,29 @@
 #include "jet/sql/StatementCache.h"
 
-#include "jet/sql/Parser.h"
-
 namespace jet::sql {
 
-std::shared_ptr<const SelectStatement> StatementCache::Get(const std::string& text) {
-  if (const auto found = m_byText.find(text); found != m_byText.end()) {
-    m_entries.splice(m_entries.begin(), m_entries, found->second);
-    return m_entries.front().second;
+std::shared_ptr<PreparedSelect> StatementCache::Get(std::string_view statement, Store& store) {
+  m_shape.Take(statement);
+  if (const auto found = m_byShape.find(m_shape.text); found != m_byShape.end()) {
+    if (found->second != m_entries.begin()) m_entries.splice(m_entries.begin(), m_entries, found->second);
+    const std::shared_ptr<PreparedSelect>& select = m_entries.front().select;
+    // A statement with placeholders of its own has the shape of another, and fewer numbers.
+    if (select->Put(m_shape.numbers)) return select;
   }
-  auto statement = std::make_shared<const SelectStatement>(ParseSelect(text));
-  m_entries.emplace_front(text, statement);
-  m_byText.emplace(m_entries.front().first, m_entries.begin());
+  auto select = std::make_shared<PreparedSelect>(statement, m_shape, store);
+  if (!select->ServesShape()) return select;
+  m_entries.push_front({m_shape.text, select});
+  m_byShape.emplace(m_entries.front().shape, m_entries.begin());
   if (m_entries.size() > m_capacity) {
-    m_byText.erase(m_entries.back().first);
+    m_byShape.erase(m_entries.back().shape);
     m_entries.pop_back();
   }
-  return statement;
+  return select;
+}
+
+void StatementCache::Clear() {
+  m_byShape.clear();
+  m_entries.clear();
 }
 
 }  // namespace jet::sql

@@ -53,13 +53,15 @@ class CatalogColumns {
 
   std::vector<CatalogRow> Rows() const {
     std::vector<CatalogRow> rows;
+    std::string buffer;
     for (TableScan scan(*m_objects); scan.Next();) {
       CatalogRow row;
       row.row = scan.Id();
       row.id = static_cast<std::uint32_t>(Number(scan.Row(), 0));
       row.type = Number(scan.Row(), 1);
       row.flags = static_cast<std::uint32_t>(Number(scan.Row(), 2));
-      m_objects->ReadText(scan.Row(), m_columns[3], row.name);
+      if (const auto name = m_objects->ReadText(m_objects->View(scan.Row()), m_columns[3], buffer))
+        row.name = *name;
       row.properties = m_objects->Read(scan.Row(), m_columns[4]);
       rows.push_back(std::move(row));
     }

@@ -12,10 +12,14 @@ using format::EntryBytes;
 using format::EntryPlace;
 using format::IndexPageView;
 
+void StepKey(KeyBytes& key) {
+  while (!key.empty() && key.back() == std::byte{0xFF})
+    key.pop_back();
+  if (!key.empty()) key.back() = static_cast<std::byte>(std::to_integer<unsigned>(key.back()) + 1);
+}
+
 KeyBytes KeyAfter(KeyBytes prefix) {
-  while (!prefix.empty() && prefix.back() == std::byte{0xFF})
-    prefix.pop_back();
-  if (!prefix.empty()) prefix.back() = static_cast<std::byte>(std::to_integer<unsigned>(prefix.back()) + 1);
+  StepKey(prefix);
   return prefix;
 }
 
@@ -59,22 +63,23 @@ KeyBytes Index::FirstNotNull() const {
   return {};
 }
 
-IndexCursor Index::Range(KeyBytes lower, KeyBytes upper) const {
-  return IndexCursor(*this, std::move(lower), std::move(upper));
+IndexCursor Index::Range(std::span<const std::byte> lower, std::span<const std::byte> upper) const {
+  return IndexCursor(*this, lower, upper);
 }
 
 std::optional<RowId> Index::Find(const KeyBytes& prefix) const {
-  IndexCursor cursor = Range(prefix, KeyAfter(prefix));
+  const KeyBytes upper = KeyAfter(prefix);
+  IndexCursor cursor = Range(prefix, upper);
   if (!cursor.Next()) return std::nullopt;
   return cursor.Row();
 }
 
-PageNumber Index::FindLeaf(std::span<const std::byte> key) const {
+PageHandle Index::FindLeaf(std::span<const std::byte> key) const {
   PageNumber number = Definition().root;
   for (std::size_t depth = 0; depth < kMaxDepth; ++depth) {
-    const PageHandle page = m_pager->Get(number);
+    PageHandle page = m_pager->Get(number);
     const IndexPageView view = View(page);
-    if (view.IsLeaf()) return number;
+    if (view.IsLeaf()) return page;
     EntryPlace place = view.LowerBound(key);
     if (place.IsEnd() && view.Tail() != 0) {
       number = view.Tail();
@@ -87,12 +92,12 @@ PageNumber Index::FindLeaf(std::span<const std::byte> key) const {
   RaiseDamaged("its branches are a ring");
 }
 
-PageNumber Index::LastLeaf() const {
+PageHandle Index::LastLeaf() const {
   PageNumber number = Definition().root;
   for (std::size_t depth = 0; depth < kMaxDepth; ++depth) {
-    const PageHandle page = m_pager->Get(number);
+    PageHandle page = m_pager->Get(number);
     const IndexPageView view = View(page);
-    if (view.IsLeaf()) return number;
+    if (view.IsLeaf()) return page;
     if (view.Tail() == 0 && view.Last().IsEnd()) {
       RaiseDamaged("branch page " + std::to_string(number) + " has no entries");
     }
@@ -102,30 +107,28 @@ PageNumber Index::LastLeaf() const {
 }
 
 std::optional<RowId> Index::Last(const KeyBytes& upper) const {
-  PageNumber number = upper.empty() ? LastLeaf() : FindLeaf(upper);
+  PageHandle page = upper.empty() ? LastLeaf() : FindLeaf(upper);
   for (std::size_t steps = 0; steps <= m_pager->PageCount(); ++steps) {
-    const PageHandle page = m_pager->Get(number);
     const IndexPageView view = View(page);
     const EntryPlace place = upper.empty() || steps > 0 ? view.Last() : view.Previous(view.LowerBound(upper));
     if (!place.IsEnd()) return RowId{view.RowPage(place), view.RowSlot(place)};
-    number = view.Previous();
-    if (number == 0) return std::nullopt;
+    const PageNumber previous = view.Previous();
+    if (previous == 0) return std::nullopt;
+    page = m_pager->Get(previous);
   }
   RaiseDamaged("its leaves are a ring");
 }
 
-IndexCursor::IndexCursor(const Index& index, KeyBytes lower, KeyBytes upper)
-    : m_index(&index),
-      m_lower(std::move(lower)),
-      m_upper(std::move(upper)),
-      m_pagesLeft(index.m_pager->PageCount()) {}
+IndexCursor::IndexCursor(const Index& index, std::span<const std::byte> lower,
+                         std::span<const std::byte> upper)
+    : m_index(&index), m_lower(lower), m_upper(upper), m_pagesLeft(index.m_pager->PageCount()) {}
 
-void IndexCursor::Enter(PageNumber leaf) {
+void IndexCursor::Enter(PageHandle leaf) {
   if (m_pagesLeft-- == 0) m_index->RaiseDamaged("its leaves are a ring");
   m_view.reset();
-  m_page = m_index->m_pager->Get(leaf);
+  m_page = std::move(leaf);
   m_view = m_index->View(m_page);
-  if (!m_view->IsLeaf()) m_index->RaiseDamaged("page " + std::to_string(leaf) + " is no leaf");
+  if (!m_view->IsLeaf()) m_index->RaiseDamaged("page " + std::to_string(m_page.Number()) + " is no leaf");
 }
 
 bool IndexCursor::Next() {
@@ -141,7 +144,7 @@ bool IndexCursor::Next() {
   while (m_place.IsEnd()) {
     const PageNumber next = m_view->Next();
     if (next == 0) return false;
-    Enter(next);
+    Enter(m_index->m_pager->Get(next));
     m_place = m_view->First();
   }
   if (!m_upper.empty() && m_view->Compare(m_place, m_upper) >= 0) {

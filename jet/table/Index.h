@@ -20,6 +20,9 @@ using KeyBytes = std::vector<std::byte>;
 /// The smallest key that is greater than every key beginning with `prefix`; empty when there is none.
 KeyBytes KeyAfter(KeyBytes prefix);
 
+/// Makes a key the smallest that is greater than every key beginning with it; empty when there is none.
+void StepKey(KeyBytes& key);
+
 /// The entry of `row` under `key`: the key, then page and slot.
 format::EntryBytes MakeEntry(const KeyBytes& key, RowId row);
 
@@ -36,12 +39,12 @@ class IndexCursor {
 
  private:
   friend class Index;
-  IndexCursor(const class Index& index, KeyBytes lower, KeyBytes upper);
-  void Enter(PageNumber leaf);
+  IndexCursor(const class Index& index, std::span<const std::byte> lower, std::span<const std::byte> upper);
+  void Enter(PageHandle leaf);
 
   const Index* m_index;
-  KeyBytes m_lower;
-  KeyBytes m_upper;
+  std::span<const std::byte> m_lower;
+  std::span<const std::byte> m_upper;
   PageHandle m_page;
   std::optional<format::IndexPageView> m_view;
   format::EntryPlace m_place;
@@ -65,8 +68,8 @@ class Index {
   std::optional<KeyBytes> KeyPrefix(std::span<const Value> leading) const;
   /// What the key of a row begins with when its first column is not Null.
   KeyBytes FirstNotNull() const;
-  /// Entries from `lower` (included) to `upper` (excluded). An empty bound is none.
-  IndexCursor Range(KeyBytes lower, KeyBytes upper) const;
+  /// Entries from `lower` (included) to `upper` (excluded). An empty bound is none. The cursor borrows both.
+  IndexCursor Range(std::span<const std::byte> lower, std::span<const std::byte> upper) const;
   /// Row of some entry whose key begins with `prefix`.
   std::optional<RowId> Find(const KeyBytes& prefix) const;
   /// Row of the entry with the greatest key below `upper` (empty: the greatest of all); none when there is
@@ -74,9 +77,9 @@ class Index {
   std::optional<RowId> Last(const KeyBytes& upper = {}) const;
 
   /// Leaf where `key` is, or would be.
-  PageNumber FindLeaf(std::span<const std::byte> key) const;
+  PageHandle FindLeaf(std::span<const std::byte> key) const;
   /// The leaf with the greatest entries.
-  PageNumber LastLeaf() const;
+  PageHandle LastLeaf() const;
 
   /// Pages between the root and a leaf never exceed this; more means a ring.
   static constexpr std::size_t kMaxDepth = 32;

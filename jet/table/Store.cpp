@@ -113,10 +113,13 @@ void Store::ReadCatalog() {
   const std::size_t flags = column("Flags");
   std::vector<CatalogEntry> catalog;
   std::unordered_map<std::string, std::size_t> byName;
+  std::string buffer;
   for (TableScan scan(objects); scan.Next();) {
     if (AsInteger(objects.Read(scan.Row(), type)) != kTypeTable) continue;
     CatalogEntry entry;
-    if (!objects.ReadText(scan.Row(), nameColumn, entry.name)) continue;
+    const auto name = objects.ReadText(objects.View(scan.Row()), nameColumn, buffer);
+    if (!name) continue;
+    entry.name = *name;
     entry.definition = static_cast<PageNumber>(AsInteger(objects.Read(scan.Row(), id)));
     entry.flags = static_cast<std::uint32_t>(AsInteger(objects.Read(scan.Row(), flags)));
     entry.row = scan.Id();

@@ -7,7 +7,6 @@
 #include "jet/format/NameOrder.h"
 #include "jet/format/PageLayout.h"
 #include "jet/format/PropertyBlob.h"
-#include "jet/format/RowCodec.h"
 #include "jet/format/TableDefinitionCodec.h"
 #include "jet/format/TableDefinitionLayout.h"
 #include "jet/format/TextCodec.h"
@@ -105,10 +104,9 @@ std::uint32_t Table::RowCount() const {
   return format::LoadU32(page.Data() + format::definition_page::kRowCount);
 }
 
-Value Table::Read(const RowRef& row, std::size_t column) const {
+Value Table::Read(const format::RowView& row, std::size_t column) const {
   const ColumnDefinition& definition = m_definition.columns[column];
-  const format::RowField field =
-      format::FieldOf(row.Bytes(), definition, m_definition.variableColumnsEver != 0);
+  const format::RowField field = row.Field(definition);
   if (definition.type == ColumnType::YesNo) return field.present;
   if (!field.present) return {};
   if (!definition.IsLongValue()) return format::DecodeValue(definition, field.bytes);
@@ -120,18 +118,20 @@ Value Table::Read(const RowRef& row, std::size_t column) const {
   return text;
 }
 
-bool Table::ReadText(const RowRef& row, std::size_t column, std::string& text) const {
+std::optional<std::string_view> Table::ReadText(const format::RowView& row, std::size_t column,
+                                                std::string& buffer) const {
   const ColumnDefinition& definition = m_definition.columns[column];
-  const format::RowField field =
-      format::FieldOf(row.Bytes(), definition, m_definition.variableColumnsEver != 0);
-  if (!field.present) return false;
+  const format::RowField field = row.Field(definition);
+  if (!field.present) return std::nullopt;
   if (definition.type == ColumnType::Text) {
-    format::DecodeText(field.bytes, text);
+    if (const std::optional<std::string_view> ascii = format::AsciiIn(field.bytes)) return ascii;
+    format::DecodeText(field.bytes, buffer);
   } else {
     format::DecodeText(
-        LongValues(m_store->Pages(), m_store->Allocator(), m_definition, definition).Read(field.bytes), text);
+        LongValues(m_store->Pages(), m_store->Allocator(), m_definition, definition).Read(field.bytes),
+        buffer);
   }
-  return true;
+  return buffer;
 }
 
 std::optional<std::size_t> Table::PrimaryIndex() const {
@@ -151,37 +151,37 @@ std::string Table::IndexName(std::size_t number) const {
   return best == nullptr ? "#" + std::to_string(number) : best->name;
 }
 
-bool TableScan::Next() {
+const RowRef& TableScan::Row() {
+  if (!m_hasRow) m_row = m_table->Rows().Resolve(m_page, *m_view, m_slot);
+  m_hasRow = true;
+  return m_row;
+}
+
+bool TableScan::NextPage() {
   using namespace format;
-  for (;;) {
-    if (m_page) {
-      const DataPageView view(m_page.Bytes(), m_page.Number());
-      for (; m_nextSlot < view.SlotCount(); ++m_nextSlot) {
-        const format::RowSlot slot = view.Slot(m_nextSlot);
-        if (slot.flags != data_page::kLive && slot.flags != data_page::kMoved) continue;
-        m_id = {m_page.Number(), static_cast<std::uint8_t>(m_nextSlot)};
-        ++m_nextSlot;
-        m_row = m_table->Rows().Resolve(m_page, view, slot);
-        return true;
-      }
-    }
-    const PageNumber next = m_nextPage == kNoPage ? kNoPage : m_table->Rows().OwnedPages().Next(m_nextPage);
-    if (next == kNoPage) {
-      m_nextPage = kNoPage;
-      m_page = {};
-      m_row = {};
-      return false;
-    }
-    m_page = m_table->Owner().Pages().Get(next);
-    const DataPageView view(m_page.Bytes(), next);
-    if (view.Owner() != m_table->Definition().page || view.SlotCount() > data_page::kMaxSlots + 1) {
-      throw Error(ErrorNumber::DamagedFile, "Page " + std::to_string(next) +
-                                                " is damaged: it does not hold rows of table '" +
-                                                m_table->Name() + "', which claims it.");
-    }
-    m_nextPage = next + 1;
-    m_nextSlot = 0;
+  // Rows may have come since the page was entered.
+  if (m_page) {
+    m_view.emplace(m_page.Bytes(), m_page.Number());
+    if (m_nextSlot < m_view->SlotCount()) return true;
   }
+  const PageNumber next = m_nextPage == kNoPage ? kNoPage : m_table->Rows().OwnedPages().Next(m_nextPage);
+  if (next == kNoPage) {
+    m_nextPage = kNoPage;
+    m_view.reset();
+    m_page = {};
+    m_row = {};
+    return false;
+  }
+  m_page = m_table->Owner().Pages().Get(next);
+  m_view.emplace(m_page.Bytes(), next);
+  if (m_view->Owner() != m_table->Definition().page || m_view->SlotCount() > data_page::kMaxSlots + 1) {
+    throw Error(ErrorNumber::DamagedFile, "Page " + std::to_string(next) +
+                                              " is damaged: it does not hold rows of table '" +
+                                              m_table->Name() + "', which claims it.");
+  }
+  m_nextPage = next + 1;
+  m_nextSlot = 0;
+  return true;
 }
 
 }  // namespace jet

@@ -11,6 +11,7 @@
 
 #include "jet/Value.h"
 #include "jet/file/Pager.h"
+#include "jet/format/RowCodec.h"
 #include "jet/format/TableDefinition.h"
 #include "jet/table/Index.h"
 #include "jet/table/RowId.h"
@@ -59,10 +60,18 @@ class Table {
 
   /// The row at `id`, through the pointer of a moved row; none when there is no live row of this table there.
   std::optional<RowRef> Fetch(RowId id) const { return m_rows->Fetch(id); }
+  /// The places of columns in a row, for as long as the row is there and stays as it is.
+  format::RowView View(const RowRef& row) const { return View(row.Bytes()); }
+  format::RowView View(std::span<const std::byte> row) const {
+    return {row, m_definition.variableColumnsEver != 0};
+  }
   /// A column's value in a row. Reads long values whole.
-  Value Read(const RowRef& row, std::size_t column) const;
-  /// A text or memo column's value into `text`, without building a Value; false for Null.
-  bool ReadText(const RowRef& row, std::size_t column, std::string& text) const;
+  Value Read(const format::RowView& row, std::size_t column) const;
+  Value Read(const RowRef& row, std::size_t column) const { return Read(View(row), column); }
+  /// A text or memo column's value, without building a Value: where it is stored if it can be read there,
+  /// else in `buffer`; none for Null.
+  std::optional<std::string_view> ReadText(const format::RowView& row, std::size_t column,
+                                           std::string& buffer) const;
 
   /// Adds a row. Columns that are not named are Null; yes/no columns false; automatic numbers are given.
   /// Default values are the caller's business. Raises NullInPrimaryKey, NullInRequiredColumn, ZeroLengthText,
@@ -140,18 +149,36 @@ class TableScan {
  public:
   explicit TableScan(const Table& table) : m_table(&table) {}
   /// To the next row; false at the end.
-  bool Next();
-  RowId Id() const { return m_id; }
+  bool Next() {
+    m_hasRow = false;
+    do {
+      while (m_view && m_nextSlot < m_view->SlotCount()) {
+        m_slot = m_view->Slot(m_nextSlot++);
+        if (m_slot.flags == format::data_page::kLive || m_slot.flags == format::data_page::kMoved)
+          return true;
+      }
+    } while (NextPage());
+    return false;
+  }
+  RowId Id() const { return {m_page.Number(), static_cast<std::uint8_t>(m_nextSlot - 1)}; }
   /// The current row.
-  const RowRef& Row() const { return m_row; }
+  const RowRef& Row();
+  /// The current row's bytes, until the scan goes on; none if the row has moved to another page.
+  std::span<const std::byte> HomeBytes() const {
+    return m_slot.flags == format::data_page::kLive ? m_view->Row(m_slot) : std::span<const std::byte>();
+  }
 
  private:
+  bool NextPage();
+
   const Table* m_table;
   PageHandle m_page;
+  std::optional<format::DataPageView> m_view;  // of m_page
+  format::RowSlot m_slot;                      // of the current row
   std::size_t m_nextSlot = 0;
   PageNumber m_nextPage = 0;
-  RowId m_id;
   RowRef m_row;
+  bool m_hasRow = false;  // m_row is the current one
 };
 
 }  // namespace jet

@@ -145,7 +145,8 @@ void Table::CheckParent(const LogicalIndexDefinition& relation, const RowValues&
 std::vector<RowId> Table::RowsWithKey(std::size_t index, const std::vector<Value>& key) const {
   std::vector<RowId> rows;
   if (const std::optional<KeyBytes> prefix = IndexAt(index).KeyPrefix(key)) {
-    for (IndexCursor cursor = IndexAt(index).Range(*prefix, KeyAfter(*prefix)); cursor.Next();)
+    const KeyBytes after = KeyAfter(*prefix);
+    for (IndexCursor cursor = IndexAt(index).Range(*prefix, after); cursor.Next();)
       rows.push_back(cursor.Row());
     return rows;
   }

@@ -45,15 +45,16 @@ TEST(RowWriters, KeepEveryDigitOfANumber) {
                                        0.1F, 0.1 + 0.2, jet::Currency{9223372036854775807}};
   EXPECT_EQ(Written(RowFormat::Tsv, row),
             "a\tb\tc\td\te\tf\n-1\t0\t-2147483647\t0.1\t0.30000000000000004\t922337203685477.5807\n");
-  EXPECT_EQ(Written(RowFormat::Json, row),
+  EXPECT_EQ(Written(RowFormat::JsonArray, row),
             "[\n  {\"a\": true, \"b\": false, \"c\": -2147483647, \"d\": 0.1, \"e\": 0.30000000000000004, "
             "\"f\": 922337203685477.5807}\n]\n");
 }
 
 TEST(JsonWriter, WritesTextThatEveryParserTakes) {
-  const std::string text = Written(
-      RowFormat::Json, {"quote \" slash \\ line\n", "Ж\x01", std::string("bad \xC3"), jet::Null{},
-                        std::numeric_limits<double>::quiet_NaN(), jet::Bytes{std::byte{0}, std::byte{255}}});
+  const std::string text =
+      Written(RowFormat::JsonArray,
+              {"quote \" slash \\ line\n", "Ж\x01", std::string("bad \xC3"), jet::Null{},
+               std::numeric_limits<double>::quiet_NaN(), jet::Bytes{std::byte{0}, std::byte{255}}});
   const auto row = nlohmann::json::parse(text).at(0);
   EXPECT_EQ(row["a"], "quote \" slash \\ line\n");
   EXPECT_EQ(row["b"], "Ж\x01");

@@ -5,7 +5,6 @@
 
 #include "jet/Error.h"
 #include "jet/sql/Parser.h"
-#include "jet/sql/StatementCache.h"
 
 namespace jet::sql {
 namespace {
@@ -190,18 +189,6 @@ TEST(Parser, CutOffAnywhereItAnswersOrRefuses) {
       }
     }
   }
-}
-
-TEST(StatementCache, KeepsTheStatementsUsedLast) {
-  StatementCache cache(2);
-  const auto first = cache.Get("select a from t");
-  cache.Get("select b from t");
-  EXPECT_EQ(cache.Get("select a from t"), first);
-  cache.Get("select c from t");  // b goes
-  EXPECT_EQ(cache.Size(), 2U);
-  EXPECT_EQ(cache.Get("select a from t"), first);
-  EXPECT_THROW(cache.Get("selec"), Error);
-  EXPECT_EQ(cache.Size(), 2U);
 }
 
 }  // namespace

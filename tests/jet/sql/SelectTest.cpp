@@ -163,7 +163,7 @@ TEST_F(SelectTest, StatementsUseTheIndexes) {
             "draft info: index PrimaryKey = 11; sorted");
   EXPECT_EQ(Plan("select id from [player info] where 20 > [id] and id >= 17"),
             "player info: index PrimaryKey < 20 >= 17");
-  EXPECT_EQ(Plan("select id from [player info] where [id] = 3.5"), "scan of player info");
+  EXPECT_EQ(Plan("select id from [player info] where [id] = 3.5"), "player info: index PrimaryKey = 3.5");
   EXPECT_EQ(Plan("select id from [player info] where [id] = 3 or [id] = 4"), "scan of player info");
   EXPECT_EQ(Plan("select id from [player info] where [id] = null"), "nothing: a condition can never hold");
   EXPECT_EQ(

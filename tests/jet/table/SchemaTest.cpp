@@ -104,7 +104,8 @@ TEST(Schema, AnIndexMadeOverManyRows_HasThemAll) {
   int found = 0;
   const Value wanted = 7;
   const KeyBytes key = *byParent.KeyPrefix({&wanted, 1});
-  for (IndexCursor cursor = byParent.Range(key, KeyAfter(key)); cursor.Next();)
+  const KeyBytes after = KeyAfter(key);
+  for (IndexCursor cursor = byParent.Range(key, after); cursor.Next();)
     ++found;
   EXPECT_EQ(found, 100);
   database.Add("people", {6000, 7, "new"});
