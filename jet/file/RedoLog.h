@@ -104,6 +104,7 @@ class RedoLog {
   void CheckBelongs(File& database);
   bool Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored);
   void AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount);
+  void WriteAhead();
   void Void();
   void WritePages(File& database);
   /// Refuses further changes when `work` fails: it is unknown then what the log holds.
@@ -118,6 +119,7 @@ class RedoLog {
   std::uint64_t m_longLog;
   std::unique_ptr<File> m_file;  // none: no log
   std::uint64_t m_end = 0;       // where the next unit goes
+  std::uint64_t m_ahead = 0;     // up to where the file holds units or zeros, so far as is known
   std::uint64_t m_sum = 0;       // of the last unit, or of the header
   std::uint32_t m_sequence = 0;
   PageNumber m_basePageCount = 0;

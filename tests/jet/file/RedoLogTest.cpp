@@ -226,19 +226,24 @@ TEST_F(RedoLogTest, WhatIsNotALogIsRefusedAndAnEmptyOneIsNone) {
 }
 
 TEST_F(RedoLogTest, AnyTornTailIsIgnored) {
-  const Files files = Crashed();
-  const auto& log = files.at("f-log");
+  Files files = Crashed();
+  auto& log = files.at("f-log");
+  while (log.back() == std::byte{0})
+    log.pop_back();  // written ahead
   for (std::size_t size = 512; size < log.size(); size += 97) {
     Files torn = files;
     torn.at("f-log").resize(size);
-    EXPECT_EQ(ReadAll(*Open(std::make_shared<CrashingFileSystem>(torn), Durability::Full)), StartingState());
+    EXPECT_TRUE(ReadAll(*Open(std::make_shared<CrashingFileSystem>(torn), Durability::Full)) ==
+                StartingState())
+        << size;
   }
   std::mt19937 random(3);
   for (int i = 0; i < 200; ++i) {
     Files broken = files;
     broken.at("f-log")[512 + random() % (log.size() - 512)] ^= static_cast<std::byte>(1 + random() % 255);
-    EXPECT_EQ(ReadAll(*Open(std::make_shared<CrashingFileSystem>(broken), Durability::Full)),
-              StartingState());
+    EXPECT_TRUE(ReadAll(*Open(std::make_shared<CrashingFileSystem>(broken), Durability::Full)) ==
+                StartingState())
+        << i;
   }
 }
 
@@ -280,7 +285,7 @@ TEST_F(RedoLogTest, UnitsAfterAFailedSyncAreDurable) {
     const auto files = std::make_shared<CrashingFileSystem>(Files{{"f", Flat(StartingState())}});
     auto pages = Open(files, Durability::Full);
     if (seed % 2 == 0) Fill(*pages, 2, 0x22);
-    files->FailAt(seed % 2 == 0 ? 3 : 5, test::Failure::Torn, false, seed);  // the sync
+    files->FailAt(seed % 2 == 0 ? 3 : 6, test::Failure::Torn, false, seed);  // the sync
     EXPECT_THROW(Fill(*pages, 3, 0x33), Error);
     Fill(*pages, 4, 0x44);
     const auto up =
