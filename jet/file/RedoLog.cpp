@@ -303,8 +303,8 @@ void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCo
   flush();
 }
 
-/// Keeps zeros ahead of the end. To sync what is written over them, the system need not note a new size of the
-/// file, which takes it longer than all the rest. The next sync is theirs too.
+/// Keeps zeros ahead of the end. To sync what is written over them, the system need not note a new size of
+/// the file, which takes it longer than all the rest. The next sync is theirs too.
 void RedoLog::WriteAhead() {
   if (m_end <= m_ahead) return;
   const auto size = std::clamp<std::uint64_t>(m_end, kLeastAhead, kMostAhead);

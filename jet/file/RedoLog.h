@@ -35,7 +35,7 @@ namespace jet {
 /// file; the log has one of its own, so that no two hold it.
 class RedoLog {
  public:
-  static constexpr std::uint64_t kLongLog = std::uint64_t{4} << 20;
+  static constexpr std::uint64_t kLongLog = std::uint64_t{16} << 20;
 
   /// Touches nothing yet. `longLog`: bytes past which a checkpoint is due.
   RedoLog(std::shared_ptr<FileSystem> files, const std::string& databaseName, Durability durability,

@@ -29,62 +29,56 @@ int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
 // The entry mask as numbers, for shifting parts of it.
 class Mask {
  public:
-  explicit Mask(const std::byte* stored) : m_stored(stored) {
-    for (std::size_t i = 0; i < kWords; ++i)
-      m_words[i] = Load(i);
+  explicit Mask(const std::byte* stored) {
+    for (std::size_t i = 0; i < kWholeWords; ++i)
+      m_words[i] = LoadU64(stored + 8 * i);
+    for (std::size_t i = 8 * kWholeWords; i < kMaskBytes; ++i)
+      m_words[i / 8] |= std::uint64_t{LoadU8(stored + i)} << (8 * (i % 8));
   }
-  /// Moves the bits from `from` on up by `by`; the gap is clear.
-  void Open(std::size_t from, std::size_t by) {
-    const std::array<std::uint64_t, kWords> old = m_words;
-    for (std::size_t i = from / 64; i < kWords; ++i) {
+  /// Moves the bits from `from` on up by `by`; the gap is clear. No bit above `last` is set, then or now.
+  void Open(std::size_t from, std::size_t by, std::size_t last) {
+    const std::size_t words = by / 64;
+    const std::size_t bits = by % 64;
+    // From the top down, so that every word is read before it is written.
+    for (std::size_t i = last / 64; i + 1 > from / 64; --i) {
       std::uint64_t moved = 0;
-      if (i >= by / 64) {
-        moved = Above(old, i - by / 64, from) << (by % 64);
-        if (by % 64 != 0 && i > by / 64) moved |= Above(old, i - by / 64 - 1, from) >> (64 - by % 64);
-      }
-      m_words[i] = (old[i] & ~Bits(i, from)) | moved;
+      if (i >= words) moved = Above(i - words, from) << bits;
+      if (bits != 0 && i > words) moved |= Above(i - words - 1, from) >> (64 - bits);
+      m_words[i] = (m_words[i] & ~Bits(i, from)) | moved;
+      if (i == 0) break;
     }
   }
   /// Drops the bits in (from, from + by] and moves those above down by `by`.
   void Close(std::size_t from, std::size_t by) {
-    const std::array<std::uint64_t, kWords> old = m_words;
     const std::size_t first = from + 1;
     const std::size_t cut = first + by;
     for (std::size_t i = first / 64; i < kWords; ++i) {
       std::uint64_t moved = 0;
       const std::size_t at = i + by / 64;
-      if (at < kWords) moved = Above(old, at, cut) >> (by % 64);
-      if (by % 64 != 0 && at + 1 < kWords) moved |= Above(old, at + 1, cut) << (64 - by % 64);
-      m_words[i] = (old[i] & ~Bits(i, first)) | moved;
+      if (at < kWords) moved = Above(at, cut) >> (by % 64);
+      if (by % 64 != 0 && at + 1 < kWords) moved |= Above(at + 1, cut) << (64 - by % 64);
+      m_words[i] = (m_words[i] & ~Bits(i, first)) | moved;
     }
   }
   void Set(std::size_t bit) { m_words[bit / 64] |= std::uint64_t{1} << (bit % 64); }
   void Clear() { m_words.fill(0); }
   void StoreTo(std::byte* stored) const {
-    for (std::size_t i = 0; i < kMaskBytes; ++i)
+    for (std::size_t i = 0; i < kWholeWords; ++i)
+      StoreU64(stored + 8 * i, m_words[i]);
+    for (std::size_t i = 8 * kWholeWords; i < kMaskBytes; ++i)
       StoreU8(stored + i, static_cast<std::uint8_t>(m_words[i / 8] >> (8 * (i % 8))));
   }
 
  private:
   static constexpr std::size_t kWords = (kMaskBytes + 7) / 8;
-  std::uint64_t Load(std::size_t word) const {
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < 8 && 8 * word + i < kMaskBytes; ++i) {
-      value |= std::uint64_t{LoadU8(m_stored + 8 * word + i)} << (8 * i);
-    }
-    return value;
-  }
+  static constexpr std::size_t kWholeWords = kMaskBytes / 8;
   // Bits of word `i` that stand for positions not below `from`.
   static std::uint64_t Bits(std::size_t i, std::size_t from) {
     if (64 * i >= from) return ~std::uint64_t{0};
     if (64 * i + 64 <= from) return 0;
     return ~std::uint64_t{0} << (from - 64 * i);
   }
-  static std::uint64_t Above(const std::array<std::uint64_t, kWords>& words, std::size_t i,
-                             std::size_t from) {
-    return words[i] & Bits(i, from);
-  }
-  const std::byte* m_stored;
+  std::uint64_t Above(std::size_t i, std::size_t from) const { return m_words[i] & Bits(i, from); }
   std::array<std::uint64_t, kWords> m_words{};
 };
 
@@ -288,7 +282,7 @@ bool IndexPage::Insert(EntryPlace place, std::span<const std::byte> entry) {
   std::memmove(from + piece.size(), from, m_used - at);
   std::memcpy(from, piece.data(), piece.size());
   Mask mask(m_bytes.data() + kMask);
-  mask.Open(at + 1, piece.size());
+  mask.Open(at + 1, piece.size(), m_used + piece.size());
   mask.Set(at + piece.size());
   mask.StoreTo(m_bytes.data() + kMask);
   SetUsed(m_used + piece.size());
