@@ -170,6 +170,13 @@ int IndexPageView::Compare(EntryPlace place, std::span<const std::byte> key) con
   return order != 0 ? order : CompareBytes(Stored(place), key.subspan(m_prefix));
 }
 
+bool IndexPageView::BeginsWith(EntryPlace place, std::span<const std::byte> bytes) const {
+  const std::size_t shared = place.begin == 0 ? 0 : std::min(m_prefix, bytes.size());
+  const auto rest = bytes.subspan(shared);
+  return CompareBytes(Prefix().first(shared), bytes.first(shared)) == 0 &&
+         CompareBytes(Stored(place).first(rest.size()), rest) == 0;
+}
+
 int IndexPageView::ComparePrefix(std::span<const std::byte> key) const {
   const int order = CompareBytes(Prefix(), key.first(std::min(m_prefix, key.size())));
   return order == 0 && m_prefix != 0 && key.size() <= m_prefix ? 1 : order;
@@ -264,12 +271,32 @@ void IndexPage::SetUsed(std::size_t used) {
   StoreU16(m_bytes.data() + kFreeSpace, static_cast<std::uint16_t>(kCapacity - used));
 }
 
+std::size_t IndexPage::Count() const {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < kMaskBytes; ++i)
+    count += static_cast<std::size_t>(std::popcount(LoadU8(m_bytes.data() + kMask + i)));
+  return count;
+}
+
+// Whether the entries could fit with another before `place`, whatever their prefix: what the first and the
+// last share is the most that any two share.
+bool IndexPage::CanHold(EntryPlace place, std::span<const std::byte> entry) const {
+  if (m_used == 0) return entry.size() <= kCapacity;
+  const EntryBytes first = place.begin == 0 ? EntryBytes(entry.begin(), entry.end()) : Read(First());
+  const EntryBytes last = place.IsEnd() ? EntryBytes(entry.begin(), entry.end()) : Read(Last());
+  const auto differs = std::mismatch(first.begin(), first.end(), last.begin(), last.end());
+  const auto shared = static_cast<std::size_t>(differs.first - first.begin());
+  const std::size_t count = Count();
+  return m_used + m_prefix * (count - 1) + entry.size() <= kCapacity + shared * count;
+}
+
 bool IndexPage::Insert(EntryPlace place, std::span<const std::byte> entry) {
   const std::size_t at = place.begin;
   const bool plain = m_prefix == 0 || (at != 0 && entry.size() > m_prefix &&
                                        std::memcmp(entry.data(), Prefix().data(), m_prefix) == 0);
   const std::size_t shared = at == 0 ? 0 : m_prefix;
   if (!plain || m_used + entry.size() - shared > kCapacity || m_used == 0) {
+    if (!CanHold(place, entry)) return false;
     std::vector<EntryBytes> entries = AllEntries();
     std::size_t before = 0;
     for (EntryPlace other = First(); other.begin < at; other = Next(other))

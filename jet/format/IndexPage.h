@@ -92,6 +92,8 @@ class IndexPageView {
   /// Less, equal or greater than zero as the entry is to `key`, by bytes; an entry that begins with `key` is
   /// greater.
   int Compare(EntryPlace place, std::span<const std::byte> key) const;
+  /// Whether the entry, which is not shorter, begins with these bytes.
+  bool BeginsWith(EntryPlace place, std::span<const std::byte> bytes) const;
   /// Row pointer of a leaf entry. Raises DamagedFile for an entry too short to have one.
   std::uint32_t RowPage(EntryPlace place) const;
   std::uint8_t RowSlot(EntryPlace place) const;
@@ -138,6 +140,8 @@ class IndexPage : public IndexPageView {
   bool Assign(std::span<const EntryBytes> entries);
 
  private:
+  std::size_t Count() const;
+  bool CanHold(EntryPlace place, std::span<const std::byte> entry) const;
   void SetUsed(std::size_t used);
   std::span<std::byte> m_bytes;
 };

@@ -15,6 +15,7 @@ namespace {
 // would be) ends the run and begins one of the other kind. The first run is one of bytes.
 constexpr std::byte kCompressedMark0{0xFF};
 constexpr std::byte kCompressedMark1{0xFE};
+constexpr std::size_t kMarkSize = 2;
 constexpr char16_t kMarkAsUnit = 0xFEFF;
 constexpr std::byte kSwitch{0x00};
 
@@ -211,6 +212,14 @@ std::optional<std::string_view> AsciiIn(std::span<const std::byte> stored) {
 }
 
 Bytes EncodeText(std::string_view utf8, bool compress) {
+  const auto bytes = std::as_bytes(std::span(utf8));
+  if (compress && utf8.size() > kMarkSize && AllAscii(bytes)) {
+    Bytes stored(kMarkSize + utf8.size());
+    stored[0] = kCompressedMark0;
+    stored[1] = kCompressedMark1;
+    std::copy(bytes.begin(), bytes.end(), stored.begin() + kMarkSize);
+    return stored;
+  }
   const std::u16string units = Utf8ToUtf16(utf8);
   // Plain text that begins with U+FEFF would read as compressed.
   const bool mustCompress = !units.empty() && units.front() == kMarkAsUnit;

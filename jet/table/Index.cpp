@@ -12,6 +12,10 @@ using format::EntryBytes;
 using format::EntryPlace;
 using format::IndexPageView;
 
+namespace {
+constexpr std::size_t kUsualKey = 32;  // most keys are shorter
+}  // namespace
+
 void StepKey(KeyBytes& key) {
   while (!key.empty() && key.back() == std::byte{0xFF})
     key.pop_back();
@@ -46,6 +50,7 @@ IndexPageView Index::View(const PageHandle& page) const {
 
 std::optional<KeyBytes> Index::KeyPrefix(std::span<const Value> leading) const {
   KeyBytes key;
+  key.reserve(kUsualKey);
   const auto& columns = Definition().columns;
   for (std::size_t i = 0; i < leading.size() && i < columns.size(); ++i) {
     for (const format::ColumnDefinition& column : m_table->columns) {

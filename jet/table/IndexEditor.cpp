@@ -37,8 +37,9 @@ std::size_t MiddleOf(const Entries& entries, SizeOf sizeOf) {
   return cut;
 }
 
-bool SameKey(const EntryBytes& a, const EntryBytes& b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end() - kRowBytes, b.begin());
+bool HasKeyOf(const IndexPageView& page, EntryPlace place, const EntryBytes& entry) {
+  return page.Length(place) == entry.size() &&
+         page.BeginsWith(place, std::span(entry).first(entry.size() - kRowBytes));
 }
 
 }  // namespace
@@ -111,12 +112,12 @@ bool IndexEditor::InsertEntry(const EntryBytes& entry) {
       const bool isLast = place.IsEnd();
       bool newKey = true;
       if (!isLast) {
-        const EntryBytes after = page.Read(place);
-        if (after == entry) RaiseDamaged("it already has an entry for a row that is being added");
-        newKey = !SameKey(after, entry);
+        if (page.Compare(place, entry) == 0)
+          RaiseDamaged("it already has an entry for a row that is being added");
+        newKey = !HasKeyOf(page, place, entry);
       }
       if (const EntryPlace before = page.Previous(place); newKey && !before.IsEnd()) {
-        newKey = !SameKey(page.Read(before), entry);
+        newKey = !HasKeyOf(page, before, entry);
       }
       if (page.Insert(place, entry)) {
         if (isLast && !m_path.empty()) RefreshKeys(m_path.size(), leaf);

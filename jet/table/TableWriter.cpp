@@ -291,6 +291,7 @@ RowId Table::Insert(std::span<const ColumnValue> changes) {
     CheckRules(c, values[c]);
 
   std::vector<KeyOfRow> keys;
+  keys.reserve(m_indexes.size());
   for (std::size_t i = 0; i < m_indexes.size(); ++i) {
     CheckKeyNulls(i, values);
     keys.push_back(KeyFor(m_indexes[i], values));
