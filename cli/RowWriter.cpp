@@ -1,6 +1,8 @@
 #include "cli/RowWriter.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <utility>
 
 #include "cli/Json.h"
@@ -9,84 +11,109 @@
 namespace cli {
 namespace {
 
-/// Cells of one line with a separator between them.
-template <typename Items, typename CellText>
-std::string JoinCells(const Items& items, char separator, CellText cellText) {
-  std::string line;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    if (i > 0) line += separator;
-    line += cellText(items[i]);
-  }
-  line += '\n';
-  return line;
-}
+constexpr std::size_t kPieceBytes = std::size_t{64} << 10;  // handed to the sink at a time
 
-std::string TsvEscaped(const std::string& text) {
-  std::string escaped;
-  escaped.reserve(text.size());
-  for (const char c : text) {
-    switch (c) {
-      case '\\':
-        escaped += "\\\\";
-        break;
-      case '\t':
-        escaped += "\\t";
-        break;
-      case '\r':
-        escaped += "\\r";
-        break;
-      case '\n':
-        escaped += "\\n";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-  return escaped;
-}
-
-class TsvWriter : public RowWriter {
+/// Lines of cells with a separator between them.
+class LineWriter : public RowWriter {
  public:
-  explicit TsvWriter(RowSink sink) : m_sink(std::move(sink)) {}
+  LineWriter(RowSink sink, char separator, std::string_view null)
+      : m_sink(std::move(sink)), m_separator(separator), m_null(null) {}
 
   void Begin(const std::vector<std::string>& columns) override {
-    m_sink(JoinCells(columns, '\t', TsvEscaped));
+    for (const std::string& column : columns) {
+      AppendText(column, m_piece);
+      m_piece += m_separator;
+    }
+    EndLine();
   }
   void Row(const std::vector<jet::Value>& values) override {
-    m_sink(JoinCells(values, '\t', [](const jet::Value& value) {
-      return value.IsNull() ? std::string("\\N") : TsvEscaped(ValueText(value));
-    }));
+    for (const jet::Value& value : values) {
+      AppendValue(value);
+      m_piece += m_separator;
+    }
+    EndLine();
   }
-  void End() override {}
+  void End() override { HandOver(); }
 
  private:
+  /// Appends a text so that it stays one cell.
+  virtual void AppendText(std::string_view text, std::string& line) const = 0;
+
+  void AppendValue(const jet::Value& value) {
+    if (value.IsNull()) {
+      m_piece += m_null;
+    } else if (const auto* text = value.As<std::string>()) {
+      AppendText(*text, m_piece);
+    } else if (const auto* number = value.As<std::int32_t>()) {
+      std::array<char, 12> digits{};
+      const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), *number).ptr;
+      m_piece.append(digits.data(), end);
+    } else {
+      AppendText(ValueText(value), m_piece);
+    }
+  }
+  void EndLine() {
+    m_piece.back() = '\n';  // the last separator
+    if (m_piece.size() >= kPieceBytes) HandOver();
+  }
+  void HandOver() {
+    m_sink(m_piece);
+    m_piece.clear();
+  }
+
   RowSink m_sink;
+  char m_separator;
+  std::string_view m_null;
+  std::string m_piece;
 };
 
-std::string CsvQuoted(const std::string& text) {
-  if (!text.empty() && text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"') quoted += '"';
-    quoted += c;
-  }
-  return quoted + '"';
-}
-
-class CsvWriter : public RowWriter {
+class TsvWriter : public LineWriter {
  public:
-  explicit CsvWriter(RowSink sink) : m_sink(std::move(sink)) {}
-
-  void Begin(const std::vector<std::string>& columns) override { m_sink(JoinCells(columns, ',', CsvQuoted)); }
-  void Row(const std::vector<jet::Value>& values) override {
-    m_sink(JoinCells(values, ',', [](const jet::Value& value) {
-      return value.IsNull() ? std::string() : CsvQuoted(ValueText(value));
-    }));
-  }
-  void End() override {}
+  explicit TsvWriter(RowSink sink) : LineWriter(std::move(sink), '\t', "\\N") {}
 
  private:
-  RowSink m_sink;
+  void AppendText(std::string_view text, std::string& line) const override {
+    for (const char c : text) {
+      switch (c) {
+        case '\\':
+          line += "\\\\";
+          break;
+        case '\t':
+          line += "\\t";
+          break;
+        case '\r':
+          line += "\\r";
+          break;
+        case '\n':
+          line += "\\n";
+          break;
+        default:
+          line += c;
+      }
+    }
+  }
+};
+
+class CsvWriter : public LineWriter {
+ public:
+  explicit CsvWriter(RowSink sink) : LineWriter(std::move(sink), ',', "") {}
+
+ private:
+  void AppendText(std::string_view text, std::string& line) const override {
+    const bool isPlain = !text.empty() && std::none_of(text.begin(), text.end(), [](char c) {
+      return c == ',' || c == '"' || c == '\r' || c == '\n';
+    });
+    if (isPlain) {
+      line += text;
+      return;
+    }
+    line += '"';
+    for (const char c : text) {
+      if (c == '"') line += '"';
+      line += c;
+    }
+    line += '"';
+  }
 };
 
 class JsonWriter : public RowWriter {
