@@ -1,0 +1,21 @@
+# halcyra_header_library(name package imported_target folder): an interface library `name` for a library that is headers
+# only. The machine's headers are good for every system: when building for another one, this library's folder alone is
+# taken from the machine's /usr/include.
+function(halcyra_header_library name package imported_target folder)
+  if(TARGET ${name})
+    return()
+  endif()
+  add_library(${name} INTERFACE)
+  if(NOT CMAKE_CROSSCOMPILING)
+    find_package(${package} REQUIRED)
+    target_link_libraries(${name} INTERFACE ${imported_target})
+    return()
+  endif()
+  if(NOT EXISTS /usr/include/${folder})
+    message(FATAL_ERROR "The headers /usr/include/${folder} are missing; scripts/setup windows installs them.")
+  endif()
+  set(include ${PROJECT_BINARY_DIR}/include)
+  file(MAKE_DIRECTORY ${include})
+  file(CREATE_LINK /usr/include/${folder} ${include}/${folder} SYMBOLIC)
+  target_include_directories(${name} SYSTEM INTERFACE ${include})
+endfunction()
