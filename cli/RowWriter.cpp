@@ -26,13 +26,15 @@ class LineWriter : public RowWriter {
     }
     EndLine();
   }
-  void Row(const std::vector<jet::Value>& values) override {
-    for (const jet::Value& value : values) {
-      AppendValue(value);
-      m_piece += m_separator;
-    }
-    EndLine();
+  void Cell(const jet::Value& value) override {
+    AppendValue(value);
+    m_piece += m_separator;
   }
+  void Cell(std::string_view text) override {
+    AppendText(text, m_piece);
+    m_piece += m_separator;
+  }
+  void EndRow() override { EndLine(); }
   void End() override { HandOver(); }
 
  private:
@@ -133,20 +135,26 @@ class JsonWriter : public RowWriter {
     }
     m_sink("[");
   }
-  void Row(const std::vector<jet::Value>& values) override {
-    std::string line = m_first ? "\n  {" : ",\n  {";
+  void Cell(const jet::Value& value) override { Append(JsonText(value)); }
+  void Cell(std::string_view text) override { Append(JsonText(text)); }
+  void EndRow() override {
+    m_sink((m_first ? "\n  {" : ",\n  {") + m_line + "}");
     m_first = false;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      if (i > 0) line += ", ";
-      line += m_members[i] + JsonText(values[i]);
-    }
-    m_sink(line + "}");
+    m_line.clear();
+    m_next = 0;
   }
   void End() override { m_sink(m_first ? "]\n" : "\n]\n"); }
 
  private:
+  void Append(const std::string& json) {
+    if (m_next > 0) m_line += ", ";
+    m_line += m_members[m_next++] + json;
+  }
+
   RowSink m_sink;
   std::vector<std::string> m_members;  ///< for each column its name as JSON, with the colon
+  std::string m_line;                  ///< the row's members so far
+  std::size_t m_next = 0;              ///< member of the row
   bool m_first = true;
 };
 

@@ -13,16 +13,25 @@ namespace cli {
 
 /// Writes the rows of a result, one after the other, in one of the formats of `dump` and `query`.
 ///
-/// Called in the order Begin, Row for each row, End; nothing of the result is kept. Raises Failure when the
-/// output does not take it.
+/// Called in the order Begin, for each row its cells and EndRow, End; nothing of the result is kept. Raises
+/// Failure when the output does not take it.
 class RowWriter {
  public:
   virtual ~RowWriter() = default;
 
   virtual void Begin(const std::vector<std::string>& columns) = 0;
-  /// As many values as there are columns.
-  virtual void Row(const std::vector<jet::Value>& values) = 0;
+  /// The next cell of a row; there are as many as columns.
+  virtual void Cell(const jet::Value& value) = 0;
+  virtual void Cell(std::string_view text) = 0;
+  virtual void EndRow() = 0;
   virtual void End() = 0;
+
+  /// A whole row.
+  void Row(const std::vector<jet::Value>& values) {
+    for (const jet::Value& value : values)
+      Cell(value);
+    EndRow();
+  }
 };
 
 enum class RowFormat {

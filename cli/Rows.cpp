@@ -1,6 +1,9 @@
 #include "cli/Rows.h"
 
 #include <cstddef>
+#include <optional>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "jet/Error.h"
@@ -12,14 +15,23 @@ namespace {
 void Write(jet::Recordset& rows, RowWriter& writer) {
   const std::size_t count = rows.FieldCount();
   std::vector<std::string> columns;
-  for (std::size_t i = 0; i < count; ++i)
-    columns.push_back(rows.Fields(i).Name());
+  std::vector<std::pair<jet::Field*, bool>> fields;  // and whether it is one of text
+  for (std::size_t i = 0; i < count; ++i) {
+    jet::Field& field = rows.Fields(i);
+    columns.push_back(field.Name());
+    fields.emplace_back(&field, field.Type() == jet::ColumnType::Text);
+  }
   writer.Begin(columns);
-  std::vector<jet::Value> values(count);
   for (; !rows.Eof(); rows.MoveNext()) {
-    for (std::size_t i = 0; i < count; ++i)
-      values[i] = rows.Fields(i).Value();
-    writer.Row(values);
+    for (const auto& [field, isText] : fields) {
+      const std::optional<std::string_view> text = isText ? field->Text() : std::nullopt;
+      if (text) {
+        writer.Cell(*text);
+      } else {
+        writer.Cell(isText ? jet::Value() : field->Value());
+      }
+    }
+    writer.EndRow();
   }
   writer.End();
 }
