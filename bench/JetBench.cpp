@@ -80,6 +80,35 @@ void Lookups(benchmark::State& state) {
 }
 BENCHMARK(Lookups)->Name("Lookups/jet")->Arg(2500)->Arg(kManyPlayers);
 
+void Add(jet::Recordset& rows, const Player& player) {
+  rows.AddNew();
+  rows.Fields("id").Value(player.id);
+  rows.Fields("first name").Value(player.firstName);
+  rows.Fields("last name").Value(player.lastName);
+  if (player.positionId) rows.Fields("position id").Value(*player.positionId);
+  if (player.teamId) rows.Fields("team id").Value(*player.teamId);
+  rows.Fields("is retired").Value(player.isRetired);
+  rows.Update();
+}
+
+void AddsAtOnce(benchmark::State& state) {
+  const auto players = MadeUpPlayers(1000000, CountOf(state));
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto database = Open(CopyOf(JetFile(2500)), jet::Durability::Normal);
+    const auto rows = database->OpenRecordset("select * from [player info] where [id] = 0");
+    state.ResumeTiming();
+    database->BeginUpdates();
+    for (const Player& player : players)
+      Add(*rows, player);
+    database->CommitUpdates();
+    state.PauseTiming();
+    database->Close();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(AddsAtOnce)->Name("AddsAtOnce/jet")->Arg(kChanges)->UseRealTime();
+
 void Adds(benchmark::State& state, jet::Durability durability) {
   const auto players = MadeUpPlayers(1000000, CountOf(state));
   for (auto _ : state) {
@@ -87,16 +116,8 @@ void Adds(benchmark::State& state, jet::Durability durability) {
     auto database = Open(CopyOf(JetFile(2500)), durability);
     const auto rows = database->OpenRecordset("select * from [player info] where [id] = 0");
     state.ResumeTiming();
-    for (const Player& player : players) {
-      rows->AddNew();
-      rows->Fields("id").Value(player.id);
-      rows->Fields("first name").Value(player.firstName);
-      rows->Fields("last name").Value(player.lastName);
-      if (player.positionId) rows->Fields("position id").Value(*player.positionId);
-      if (player.teamId) rows->Fields("team id").Value(*player.teamId);
-      rows->Fields("is retired").Value(player.isRetired);
-      rows->Update();
-    }
+    for (const Player& player : players)
+      Add(*rows, player);
     state.PauseTiming();
     database->Close();
     state.ResumeTiming();
@@ -140,6 +161,32 @@ BENCHMARK_CAPTURE(Edits, normal, jet::Durability::Normal)
     ->UseRealTime();
 BENCHMARK_CAPTURE(Edits, full, jet::Durability::Full)
     ->Name("Edits-full/jet")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
+
+void Deletes(benchmark::State& state, jet::Durability durability) {
+  const auto players = MadeUpPlayers(1, kManyPlayers);
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto database = Open(CopyOf(JetFile(kManyPlayers)), durability);
+    state.ResumeTiming();
+    for (std::size_t i = 0; i < CountOf(state); ++i) {
+      // Far apart, and each once.
+      const std::int32_t id = players[i * 7919 % players.size()].id;
+      database->OpenRecordset("select * from [player info] where [id] = " + std::to_string(id))->Delete();
+    }
+    state.PauseTiming();
+    database->Close();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK_CAPTURE(Deletes, off, jet::Durability::Off)->Name("Deletes/jet")->Arg(kChanges)->UseRealTime();
+BENCHMARK_CAPTURE(Deletes, normal, jet::Durability::Normal)
+    ->Name("Deletes-normal/jet")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Deletes, full, jet::Durability::Full)
+    ->Name("Deletes-full/jet")
     ->Arg(kSyncedChanges)
     ->UseRealTime();
 

@@ -73,6 +73,27 @@ void Lookups(benchmark::State& state, bool prepared) {
 BENCHMARK_CAPTURE(Lookups, text, false)->Name("Lookups/sqlite")->Arg(2500)->Arg(kManyPlayers);
 BENCHMARK_CAPTURE(Lookups, prepared, true)->Name("Lookups/sqlite-prepared")->Arg(2500)->Arg(kManyPlayers);
 
+void AddsAtOnce(benchmark::State& state) {
+  const auto players = MadeUpPlayers(1000000, CountOf(state));
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::optional<SqliteDatabase> database;
+    database.emplace(CopyOf(SqliteFile(2500)), SqliteDatabase::Mode::WalNormal);
+    std::optional<SqliteStatement> insert;
+    insert.emplace(*database, kSqliteInsert);
+    state.ResumeTiming();
+    database->Run("begin");
+    for (const Player& player : players)
+      insert->Insert(player);
+    database->Run("commit");
+    state.PauseTiming();
+    insert.reset();
+    database.reset();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(AddsAtOnce)->Name("AddsAtOnce/sqlite-wal")->Arg(kChanges)->UseRealTime();
+
 void Adds(benchmark::State& state, SqliteDatabase::Mode mode) {
   const auto players = MadeUpPlayers(1000000, CountOf(state));
   for (auto _ : state) {
@@ -146,6 +167,39 @@ BENCHMARK_CAPTURE(Edits, wal, SqliteDatabase::Mode::WalFull)
     ->UseRealTime();
 BENCHMARK_CAPTURE(Edits, journal, SqliteDatabase::Mode::DeleteFull)
     ->Name("Edits-full/sqlite-delete")
+    ->Arg(kSyncedChanges)
+    ->UseRealTime();
+
+void Deletes(benchmark::State& state, SqliteDatabase::Mode mode) {
+  const auto players = MadeUpPlayers(1, kManyPlayers);
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::optional<SqliteDatabase> database;
+    database.emplace(CopyOf(SqliteFile(kManyPlayers)), mode);
+    std::optional<SqliteStatement> remove;
+    remove.emplace(*database, "delete from player_info where id = ?");
+    state.ResumeTiming();
+    for (std::size_t i = 0; i < CountOf(state); ++i) {
+      remove->Bind(1, players[i * 7919 % players.size()].id);
+      remove->Step();
+      remove->Reset();
+    }
+    state.PauseTiming();
+    remove.reset();
+    database.reset();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK_CAPTURE(Deletes, memory, SqliteDatabase::Mode::Memory)
+    ->Name("Deletes/sqlite")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Deletes, normal, SqliteDatabase::Mode::WalNormal)
+    ->Name("Deletes-normal/sqlite-wal")
+    ->Arg(kChanges)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(Deletes, wal, SqliteDatabase::Mode::WalFull)
+    ->Name("Deletes-full/sqlite-wal")
     ->Arg(kSyncedChanges)
     ->UseRealTime();
 

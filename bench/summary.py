@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Puts the medians of a benchmark run as a table into a document: summary.py RESULT.json DOCUMENT.md
+"""Puts the medians of a benchmark run as a table into a document: summary.py RESULT.json [RESULT.json ...] DOCUMENT.md
 
-The table takes the place of what stands between the lines `<!-- measured -->` and `<!-- end -->`. Benchmarks are named
+The first result says on what machine it was. The table takes the place of what stands between the lines `<!-- measured -->` and `<!-- end -->`. Benchmarks are named
 WHAT/WHO[/ROWS][/real_time]; of those that wait for the disk the time on the wall counts, of the others the
 processor's."""
 import json
+import os
 import sys
 
 BEGIN, END = "<!-- measured -->\n", "<!-- end -->\n"
@@ -44,26 +45,36 @@ def table(result):
              f"average {context['load_avg'][0]:.1f} at the start. Repetitions of a measurement vary by up to {worst:.0%} "
              "(coefficient of variation); those of more than 10 % are marked `~`.", "",
              "| what | rows | ours | peer | its time | ours / its | |", "|---|---|---|---|---|---|---|"]
-    for (what, rows), by in times.items():
+    for (what, rows), by in sorted(times.items()):
+        if list(by) == ["jet"]:
+            by["none"] = 0
         for peer, theirs in by.items():
             if peer == "jet" or "jet" not in by:
                 continue
             marks = ["~" if spread.get(((what, rows), who), 0) > 0.1 else "" for who in ("jet", peer)]
-            lines.append(f"| {what} | {rows} | {marks[0]}{duration(by['jet'])} | {peer} | {marks[1]}{duration(theirs)} | "
-                         f"{by['jet'] / theirs:.2f} | {', '.join(counters.get((what, rows), []))} |")
+            its, ratio = (duration(theirs), f"{by['jet'] / theirs:.2f}") if theirs else ("", "")
+            lines.append(f"| {what} | {rows} | {marks[0]}{duration(by['jet'])} | {peer} | {marks[1]}{its} | {ratio} | "
+                         f"{', '.join(counters.get((what, rows), []))} |")
     return "\n".join(lines) + "\n"
 
 
 def main():
-    with open(sys.argv[1], encoding="utf-8") as handle:
-        measured = table(json.load(handle))
+    *results, name = sys.argv[1:]
+    result = {"benchmarks": []}
+    for path in results:
+        with open(path, encoding="utf-8") as handle:
+            part = json.load(handle)
+        result.setdefault("context", part.get("context"))
+        result["benchmarks"] += part["benchmarks"]
+    measured = table(result)
     print(measured)
-    with open(sys.argv[2], encoding="utf-8") as handle:
+    with open(name, encoding="utf-8") as handle:
         document = handle.read()
     before, _, rest = document.partition(BEGIN)
     _, _, after = rest.partition(END)
-    with open(sys.argv[2], "w", encoding="utf-8") as handle:
+    with open(name + ".new", "w", encoding="utf-8") as handle:
         handle.write(before + BEGIN + measured + END + after)
+    os.replace(name + ".new", name)
 
 
 if __name__ == "__main__":
