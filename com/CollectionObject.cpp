@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include <oleauto.h>
+#include <ole2.h>
 
 #include "com/Convert.h"
 #include "com/Enumeration.h"

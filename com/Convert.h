@@ -6,7 +6,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include <oleauto.h>
+#include <ole2.h>
 #include <windows.h>
 
 #include "HLIDataCom.h"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include <oleauto.h>
+#include <ole2.h>
 
 #include "com/ComPtr.h"
 #include "com/DispatchArguments.h"

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include <oleauto.h>
+#include <ole2.h>
 
 #include "com/Errors.h"
 

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include <oleauto.h>
+#include <ole2.h>
 
 #include "HLIData/Error.h"
 #include "com/ComPtr.h"

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include <oleauto.h>
+#include <ole2.h>
 
 #include "com/Errors.h"
 #include "platform/windows/ComponentFile.h"

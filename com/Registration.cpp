@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include <oleauto.h>
+#include <ole2.h>
 #include <windows.h>
 
 #include "HLIDataCom.h"

@@ -1,5 +1,7 @@
 #include "com/SettingInfoObject.h"
 
+#include <olectl.h>
+
 #include "com/Enumeration.h"
 
 namespace HLDataSrvc::Com {

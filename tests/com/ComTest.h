@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <ocidl.h>
-#include <oleauto.h>
+#include <ole2.h>
 #include <windows.h>
 
 #include "HLIDataCom.h"
