@@ -8,6 +8,7 @@
 #include "storage/HLServiceUtils.h"
 #include "storage/LeagueCsv.h"
 #include "storage/LeagueFile.h"
+#include "tests/support/Processes.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/Witnesses.h"
 
@@ -61,6 +62,7 @@ TEST_F(LeagueCsvTest, SampleLeagueFillsEveryTable) {
             "prizes.csv prize info 12; players.csv player info 480; managers.csv manager info 12; ");
   m_database->Close();
   EXPECT_EQ(jet::test::IndependentCheck(m_path, /*strict=*/true, HLServiceUtils::kDatabasePassword), "");
+  if (!jet::test::RunsPrograms()) GTEST_SKIP() << "independent readers run on the build machine only";
   ASSERT_TRUE(jet::test::HasMdbExport());
   const std::string teams = jet::test::MdbExport(m_path, "team info");
   EXPECT_NE(teams.find("\x1E"
@@ -146,7 +148,8 @@ TEST_F(LeagueCsvTest, FolderOrFileThatCannotBeReadIsTheSystemsError) {
   };
   EXPECT_EQ(number(m_folder.File("missing")), jet::ErrorNumber::PathNotFound);
   std::filesystem::create_directory(m_folder.File("teams.csv"));
-  EXPECT_EQ(number(m_folder.Path()), jet::ErrorNumber::ReadFailed);
+  const jet::ErrorNumber folder = number(m_folder.Path());  // systems differ in what they say
+  EXPECT_TRUE(folder == jet::ErrorNumber::ReadFailed || folder == jet::ErrorNumber::PermissionDenied);
 }
 
 }  // namespace

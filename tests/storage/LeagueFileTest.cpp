@@ -9,6 +9,7 @@
 #include "jet/dao/Database.h"
 #include "storage/HLServiceUtils.h"
 #include "storage/LeagueFile.h"
+#include "tests/support/Processes.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/Witnesses.h"
 
@@ -67,6 +68,7 @@ TEST_F(LeagueFileTest, IndependentReadersFindItSound) {
   CreateLeagueFile(m_folder.Path() + "\\Halcyra - Live.mdb");
   EXPECT_EQ(FilesInFolder(), std::vector<std::string>{"Halcyra - Live.mdb"});
   EXPECT_EQ(IndependentCheck(m_path, /*strict=*/true, kDatabasePassword), "");
+  if (!jet::test::RunsPrograms()) GTEST_SKIP() << "independent readers run on the build machine only";
   ASSERT_TRUE(jet::test::HasMdbExport());
   const std::string settings = jet::test::MdbExport(m_path, "settings");
   EXPECT_TRUE(
@@ -193,10 +195,11 @@ TEST_F(LeagueFileTest, ReplacesAFileOnlyWhenToldTo) {
 TEST_F(LeagueFileTest, DoesNotReplaceAFileThatIsOpen) {
   CreateLeagueFile(m_path);
   const auto before = jet::test::ReadWholeFile(m_path);
-  const auto open = Open(m_path);
+  auto open = Open(m_path);
   EXPECT_EQ(NumberOfError([&] { CreateLeagueFile(m_path, {.overwrite = true, .fill = {}}); }),
             jet::ErrorNumber::FileHeldExclusively);
-  EXPECT_EQ(jet::test::ReadWholeFile(m_path), before);
+  open.reset();
+  EXPECT_TRUE(jet::test::ReadWholeFile(m_path) == before);
 }
 
 TEST_F(LeagueFileTest, LeavesNothingBehindWhenFillingFails) {

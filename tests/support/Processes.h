@@ -14,6 +14,12 @@ struct ProgramResult {
 /// Runs a program, found on the PATH, with arguments that no shell touches, and waits for it.
 ProgramResult RunProgram(const std::vector<std::string>& command);
 
+/// Whether this system runs the programs of the machine that the tests were built on.
+bool RunsPrograms();
+
+/// Whether this system lets a file take the place of one that is open.
+bool ReplacesOpenFiles();
+
 /// Whether a program of that name is on the PATH.
 bool HasProgram(const std::string& name);
 

@@ -43,6 +43,14 @@ ProgramResult RunProgram(const std::vector<std::string>& command) {
   return result;
 }
 
+bool RunsPrograms() {
+  return true;
+}
+
+bool ReplacesOpenFiles() {
+  return true;
+}
+
 bool HasProgram(const std::string& name) {
   const char* path = std::getenv("PATH");
   std::istringstream folders(path == nullptr ? "" : path);

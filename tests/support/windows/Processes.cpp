@@ -11,6 +11,14 @@ ProgramResult RunProgram(const std::vector<std::string>& command) {
   return {.output = {}, .exitCode = 0};
 }
 
+bool RunsPrograms() {
+  return false;
+}
+
+bool ReplacesOpenFiles() {
+  return false;
+}
+
 bool HasProgram(const std::string&) {
   return false;
 }
