@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace bench {
 
 inline constexpr const char* kLeagueConnect = ";pwd=talwep83rn";
 inline constexpr std::size_t kManyPlayers = 200000;
+inline constexpr std::int64_t kSizes[] = {1000, 10000, 100000, 1000000};  ///< rows of tables that grow
 inline constexpr std::size_t kChanges = 10000;
 inline constexpr std::size_t kSyncedChanges = 200;  ///< each waits for the disk
 

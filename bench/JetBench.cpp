@@ -21,6 +21,11 @@ std::shared_ptr<jet::Database> Open(const std::string& file,
   return jet::DBEngine(options).OpenDatabase(file, true);
 }
 
+void Growing(benchmark::internal::Benchmark* benchmark) {
+  for (const std::int64_t rows : kSizes)
+    benchmark->Arg(rows);
+}
+
 std::size_t CountOf(const benchmark::State& state) {
   return static_cast<std::size_t>(state.range(0));
 }
@@ -63,7 +68,7 @@ void Scan(benchmark::State& state) {
     benchmark::DoNotOptimize(ReadAll(*database->OpenRecordset("select * from [player info]")));
   }
 }
-BENCHMARK(Scan)->Name("Scan/jet")->Arg(2500)->Arg(kManyPlayers);
+BENCHMARK(Scan)->Name("Scan/jet")->Arg(2500)->Arg(kManyPlayers)->Apply(Growing);
 
 void Lookups(benchmark::State& state) {
   const auto database = Open(JetFile(CountOf(state)));
@@ -78,7 +83,7 @@ void Lookups(benchmark::State& state) {
     }
   }
 }
-BENCHMARK(Lookups)->Name("Lookups/jet")->Arg(2500)->Arg(kManyPlayers);
+BENCHMARK(Lookups)->Name("Lookups/jet")->Arg(2500)->Arg(kManyPlayers)->Apply(Growing);
 
 void Add(jet::Recordset& rows, const Player& player) {
   rows.AddNew();
@@ -164,6 +169,23 @@ BENCHMARK_CAPTURE(Edits, full, jet::Durability::Full)
     ->Arg(kSyncedChanges)
     ->UseRealTime();
 
+/// Adds to a table that has rows already.
+void GrowingAdds(benchmark::State& state) {
+  const auto players = MadeUpPlayers(2000000, kChanges);
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto database = Open(CopyOf(JetFile(CountOf(state))), jet::Durability::Off);
+    const auto rows = database->OpenRecordset("select * from [player info] where [id] = 0");
+    state.ResumeTiming();
+    for (const Player& player : players)
+      Add(*rows, player);
+    state.PauseTiming();
+    database->Close();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(GrowingAdds)->Name("GrowingAdds/jet")->Apply(Growing)->UseRealTime();
+
 void Deletes(benchmark::State& state, jet::Durability durability) {
   const auto players = MadeUpPlayers(1, kManyPlayers);
   for (auto _ : state) {
@@ -197,7 +219,7 @@ void PrefixSearch(benchmark::State& state) {
         "select * from [player info] where [last name] like 'ma*' order by [last name], [first name]")));
   }
 }
-BENCHMARK(PrefixSearch)->Name("PrefixSearch/jet")->Arg(2500)->Arg(kManyPlayers);
+BENCHMARK(PrefixSearch)->Name("PrefixSearch/jet")->Arg(2500)->Arg(kManyPlayers)->Apply(Growing);
 
 }  // namespace
 }  // namespace bench

@@ -13,6 +13,11 @@
 namespace bench {
 namespace {
 
+void Growing(benchmark::internal::Benchmark* benchmark) {
+  for (const std::int64_t rows : kSizes)
+    benchmark->Arg(rows);
+}
+
 std::size_t CountOf(const benchmark::State& state) {
   return static_cast<std::size_t>(state.range(0));
 }
@@ -48,7 +53,7 @@ void Scan(benchmark::State& state) {
     benchmark::DoNotOptimize(ReadAll(rows));
   }
 }
-BENCHMARK(Scan)->Name("Scan/sqlite")->Arg(2500)->Arg(kManyPlayers);
+BENCHMARK(Scan)->Name("Scan/sqlite")->Arg(2500)->Arg(kManyPlayers)->Apply(Growing);
 
 /// `prepared`: one statement for all lookups; else each is a text of its own, as for the engine.
 void Lookups(benchmark::State& state, bool prepared) {
@@ -71,7 +76,11 @@ void Lookups(benchmark::State& state, bool prepared) {
   }
 }
 BENCHMARK_CAPTURE(Lookups, text, false)->Name("Lookups/sqlite")->Arg(2500)->Arg(kManyPlayers);
-BENCHMARK_CAPTURE(Lookups, prepared, true)->Name("Lookups/sqlite-prepared")->Arg(2500)->Arg(kManyPlayers);
+BENCHMARK_CAPTURE(Lookups, prepared, true)
+    ->Name("Lookups/sqlite-prepared")
+    ->Arg(2500)
+    ->Arg(kManyPlayers)
+    ->Apply(Growing);
 
 void AddsAtOnce(benchmark::State& state) {
   const auto players = MadeUpPlayers(1000000, CountOf(state));
@@ -170,6 +179,25 @@ BENCHMARK_CAPTURE(Edits, journal, SqliteDatabase::Mode::DeleteFull)
     ->Arg(kSyncedChanges)
     ->UseRealTime();
 
+void GrowingAdds(benchmark::State& state) {
+  const auto players = MadeUpPlayers(2000000, kChanges);
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::optional<SqliteDatabase> database;
+    database.emplace(CopyOf(SqliteFile(CountOf(state))), SqliteDatabase::Mode::Memory);
+    std::optional<SqliteStatement> insert;
+    insert.emplace(*database, kSqliteInsert);
+    state.ResumeTiming();
+    for (const Player& player : players)
+      insert->Insert(player);
+    state.PauseTiming();
+    insert.reset();
+    database.reset();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(GrowingAdds)->Name("GrowingAdds/sqlite")->Apply(Growing)->UseRealTime();
+
 void Deletes(benchmark::State& state, SqliteDatabase::Mode mode) {
   const auto players = MadeUpPlayers(1, kManyPlayers);
   for (auto _ : state) {
@@ -213,7 +241,7 @@ void PrefixSearch(benchmark::State& state) {
     benchmark::DoNotOptimize(ReadAll(rows));
   }
 }
-BENCHMARK(PrefixSearch)->Name("PrefixSearch/sqlite")->Arg(2500)->Arg(kManyPlayers);
+BENCHMARK(PrefixSearch)->Name("PrefixSearch/sqlite")->Arg(2500)->Arg(kManyPlayers)->Apply(Growing);
 
 }  // namespace
 }  // namespace bench

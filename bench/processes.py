@@ -9,7 +9,6 @@ import argparse
 import json
 import os
 import random
-import resource
 import shutil
 import statistics
 import subprocess
@@ -48,21 +47,24 @@ def write_players(folder, count):
                       f"{'true' if source.random() < 0.2 else 'false'}\n")
 
 
-def processor_time(command, environment):
-    """Seconds of processor time of a process that succeeds; what it prints is dropped, all of it read."""
-    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+def run(command, environment):
+    """Seconds of processor time, and the most memory in MiB, of a process that succeeds; what it prints is dropped."""
     with open(os.devnull, "wb") as sink:
-        subprocess.run(command, check=True, stdout=sink, stderr=sink, env=environment)
-    after = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+        process = subprocess.Popen(command, stdout=sink, stderr=sink, env=environment)
+        _, status, usage = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        raise RuntimeError(f"{command[0]} ended with {process.returncode}")
+    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
 
 
-def entries(what, who, rows, times):
+def entries(what, who, rows, runs):
+    times = [seconds for seconds, _ in runs]
     median = statistics.median(times)
     spread = statistics.pstdev(times) / median if median else 0
     for kind, value in (("median", median), ("cv", spread)):
         yield {"run_name": f"{what}/{who}/{rows}", "aggregate_name": kind, "cpu_time": value, "real_time": value,
-               "time_unit": "s"}
+               "time_unit": "s", "peak_MiB": max(memory for _, memory in runs)}
 
 
 def main():
@@ -81,7 +83,7 @@ def main():
             folder = temporary / str(count)
             write_players(folder, count)
             create = [halcyra, "--folder", str(folder), "create", "--csv", str(folder), "--force"]
-            times = [processor_time(create, environment) for _ in range(arguments.repetitions if count <= 10000 else 1)]
+            times = [run(create, environment) for _ in range(arguments.repetitions if count <= 10000 else 1)]
             return next(folder.glob("*.mdb")), times
 
         _, times = league(10000)
@@ -89,7 +91,7 @@ def main():
 
         reader = temporary / "read.mjs"
         reader.write_text(READER % json.dumps(str(ROOT / "tests/tools/node/read-tables.mjs")), encoding="utf-8")
-        for rows in (2500, 200000):
+        for rows in (2500, 200000, 1000000):
             file, _ = league(rows)
             commands = {"jet": [halcyra, "dump", "--file", str(file), "--password", PASSWORD, "player info", "--format", "csv"],
                         "mdb-export": ["mdb-export", str(file), "player info"],
@@ -97,13 +99,13 @@ def main():
             times = {who: [] for who in commands}
             for _ in range(arguments.repetitions):
                 for who, command in commands.items():
-                    times[who].append(processor_time(command, environment))
+                    times[who].append(run(command, environment))
             for who in commands:
                 results += entries("Dump", who, rows, times[who])
 
         file, _ = league(550000)
         check = [halcyra, "check", str(file), "--password", PASSWORD]
-        times = [processor_time(check, environment) for _ in range(arguments.repetitions)]
+        times = [run(check, environment) for _ in range(arguments.repetitions)]
         results += entries("Check", "jet", f"{file.stat().st_size / 2**20:.0f} MiB", times)
     Path(arguments.result).write_text(json.dumps({"benchmarks": results}, indent=1), encoding="utf-8")
 

@@ -10,7 +10,8 @@ import sys
 
 BEGIN, END = "<!-- measured -->\n", "<!-- end -->\n"
 COUNTERS = {"season_KiB": "the season takes {:.0f} KiB", "service_KiB": "the open service {:.0f} KiB",
-            "cache_KiB": "{:.0f} KiB in the caches", "found": "{:.0f} found"}
+            "cache_KiB": "{:.0f} KiB in the caches", "found": "{:.0f} found",
+            "peak_MiB": "{:.0f} MiB at most"}
 
 
 def duration(nanoseconds):
