@@ -12,6 +12,7 @@
 namespace jet {
 class Database;
 class Recordset;
+class Value;
 }  // namespace jet
 
 namespace HLDataSrvc {
@@ -134,7 +135,7 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   /// The identifier for a new row of a table.
   std::int32_t NextID(const std::string& table);
   /// A new row of a table, its identifier set, or the stored one of an identifier, ready to be filled in.
-  std::shared_ptr<jet::Recordset> StartWriting(const std::string& table, std::int32_t id, bool isNew);
+  std::shared_ptr<jet::Recordset> StartWriting(const std::string& table, const jet::Value& id, bool isNew);
   void RemoveFromCache(HLIData::DeleteType deleteType, std::int32_t id);
 
   std::shared_ptr<Host> m_host;

@@ -55,16 +55,16 @@ bool DataService::Delete(DeleteType deleteType, std::int32_t id, std::string& er
   });
   if (!isOpen) return false;
 
-  bool isDeleted = false;
-  if (isFound) {
-    try {
-      rows->Delete();
-      isDeleted = true;
-    } catch (const std::exception&) {
-      errorMessage = kIsReferred;  // whatever it was
-    }
-  } else {
+  if (!isFound) {
     errorMessage = "Record not found.";
+    return false;
+  }
+  bool isDeleted = false;
+  try {
+    rows->Delete();
+    isDeleted = true;
+  } catch (const std::exception&) {
+    errorMessage = kIsReferred;  // whatever it was
   }
 
   // From here on errors go to the caller, deliberately: that of a record which is not cached too, though its

@@ -68,7 +68,7 @@ std::int32_t DataService::NextID(const std::string& table) {
   return Rows::NextID(*Database().OpenRecordset(Rows::SelectHighestID(table)));
 }
 
-std::shared_ptr<jet::Recordset> DataService::StartWriting(const std::string& table, std::int32_t id,
+std::shared_ptr<jet::Recordset> DataService::StartWriting(const std::string& table, const jet::Value& id,
                                                           bool isNew) {
   const std::string select = "select * from [" + table + "]";
   if (isNew) {
@@ -77,7 +77,7 @@ std::shared_ptr<jet::Recordset> DataService::StartWriting(const std::string& tab
     rows->Fields("id").Value(id);
     return rows;
   }
-  auto rows = Database().OpenRecordset(select + " where [id] = " + std::to_string(id));
+  auto rows = Database().OpenRecordset(select + " where [id] = " + id.ToText());
   rows->Edit();
   return rows;
 }
@@ -135,7 +135,8 @@ bool DataService::UpdatePosition(const std::string& desc, const std::string& abb
     position->Abbr(abbr);
     if (isNew) Keep(m_caches.positions, position);
 
-    const auto row = StartWriting(Schema::Position::kTable, id, isNew);
+    // Positions take their identifier as a text, which the engine converts.
+    const auto row = StartWriting(Schema::Position::kTable, std::to_string(id), isNew);
     row->Fields(Schema::Position::kDesc).Value(desc);
     row->Fields(Schema::Position::kAbbr).Value(abbr);
     row->Update();
