@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <system_error>
 
@@ -76,9 +77,13 @@ void ImportPlayers(Context& context, const ImportOptions& options) {
     throw Failure(ExitCode::CannotOpen, "The file " + options.file + " cannot be read: " +
                                             std::generic_category().message(errno) + ".");
   }
+  // As a whole: the reader goes back behind a byte order mark, which a pipe cannot.
+  std::stringstream text;
   file.clear();
+  text << file.rdbuf();
+  text.clear();  // nothing to copy counts as a failure
   PlayerImport lines(league);
-  lines.Read(file, options.file);
+  lines.Read(text, options.file);
   if (!options.isDryRun) {
     ProgressBar progress(context.messages, "Importing", lines.Lines().size());
     lines.Apply([&progress] { progress.Advance(); });

@@ -234,6 +234,11 @@ class Importing(LeagueTest):
         text = support.run(*self.at, "import", "players", self.file)
         self.assertIn("line 7 refused: There is no position 'XX'.", text.stdout)
         self.assertIn("0 players added, 0 changed, 2 as they are; 12 lines refused.", text.stdout)
+        if os.name == "posix":
+            piped = subprocess.run([support.PROGRAM, *map(str, self.at), "import", "players", "/dev/stdin"],
+                                   input=b"\xef\xbb\xbffirst name,last name,position,team\nDee,Lee,RB,AMB\n",
+                                   capture_output=True, env=support.environment(), check=False)
+            self.assertIn(b"1 player added", piped.stdout, piped.stderr)
         self.assertNotIn("\x1b", text.stderr, "a progress bar is for terminals")
         self.assert_sound()
 
