@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <thread>
 
 #include "HLDataSrvc/CreateDataService.h"
 #include "cli/DraftSession.h"
@@ -16,16 +17,36 @@ namespace {
 
 namespace HLServiceUtils = HLDataSrvc::HLServiceUtils;
 
-/// Why the engine does not open a file that is there. The service's message has no number, so the engine is
-/// asked again.
-ExitCode ReasonNotOpened(const std::string& path) {
+using namespace std::chrono_literals;
+
+constexpr auto kBetweenTries = 50ms;
+
+/// Why the service did not open a file that is there. Its message has no number, so the engine is asked; when
+/// it opens the file by now, somebody else has just let go of it.
+jet::ErrorNumber ReasonNotOpened(const std::string& path) {
   try {
     HLServiceUtils::Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false,
                                           HLServiceUtils::GetConnectString());
   } catch (const jet::Error& error) {
-    return ExitCodeOf(error.Number());
+    return error.Number();
   }
-  return ExitCode::Refused;
+  return jet::ErrorNumber::FileInUse;
+}
+
+/// What `work()` answers; it is called again while it raises that the file is in use, for as long as
+/// `patience` says. A watcher has the file for a moment whenever it has changed.
+template <typename Work>
+auto WhileInUse(std::chrono::milliseconds patience, Work&& work) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  for (;; std::this_thread::sleep_for(kBetweenTries)) {
+    try {
+      return work();
+    } catch (const jet::Error& error) {
+      const bool isInUse = error.Number() == jet::ErrorNumber::FileInUse ||
+                           error.Number() == jet::ErrorNumber::FileHeldExclusively;
+      if (!isInUse || std::chrono::steady_clock::now() >= end) throw;
+    }
+  }
 }
 
 /// The lengths of the columns of text in a file, under table and column.
@@ -50,13 +71,20 @@ void LeagueHost::ShowMessage(const std::string& text, const std::string& title) 
   m_shown.push_back(std::move(line));
 }
 
-League::League(const Context& context)
+League::League(const Context& context, std::chrono::milliseconds patience)
     : m_host(std::make_shared<LeagueHost>(context.folder)),
       m_service(HLDataSrvc::CreateDataService(m_host)),
       m_draft(std::make_unique<DraftSession>(*this)) {
-  std::string message;
-  if (!m_service->Initialize(context.Kind(), message)) RaiseNotOpened(context, message);
-  m_path = HLServiceUtils::GetDatabasePath(*m_host, context.Kind(), "", "");
+  try {
+    WhileInUse(patience, [&] {
+      std::string message;
+      const bool isOpen = m_service->Initialize(context.Kind(), message);
+      m_path = HLServiceUtils::GetDatabasePath(*m_host, context.Kind(), "", "");
+      if (!isOpen) throw jet::Error(ReasonNotOpened(m_path), message);
+    });
+  } catch (const jet::Error& error) {
+    RaiseNotOpened(context, error);
+  }
   RaiseShownMessages();
 }
 
@@ -72,9 +100,14 @@ void League::RaiseShownMessages() {
 }
 
 void League::Reopen(bool forget) {
-  std::string message;
-  if (m_service->OpenDatabase(forget, message)) return;
-  throw Failure(ReasonNotOpened(m_path), message);
+  try {
+    WhileInUse(kPatience, [&] {
+      std::string message;
+      if (!m_service->OpenDatabase(forget, message)) throw jet::Error(ReasonNotOpened(m_path), message);
+    });
+  } catch (const jet::Error& error) {
+    throw Failure(ExitCodeOf(error.Number()), error.what());
+  }
 }
 
 std::size_t League::TextLength(const std::string& table, const std::string& column) {
@@ -82,7 +115,7 @@ std::size_t League::TextLength(const std::string& table, const std::string& colu
     // The service has the file to itself, and does not tell about columns.
     m_service->CloseDatabase();
     try {
-      m_textLengths = TextLengthsIn(m_path);
+      m_textLengths = WhileInUse(kPatience, [this] { return TextLengthsIn(m_path); });
     } catch (const jet::Error&) {
       Reopen(/*forget=*/false);
       throw;
@@ -102,19 +135,18 @@ void League::RefuseUnsavedPicks(const std::string& command) {
       "'draft save' saves them, 'draft revert' drops them.");
 }
 
-void League::RaiseNotOpened(const Context& context, const std::string& message) const {
+void League::RaiseNotOpened(const Context& context, const jet::Error& error) const {
   const std::string live = HLServiceUtils::GetDatabaseFileName(HLIData::DBType::Live, "", "");
   if (HLServiceUtils::GetDatabaseFolder(*m_host).empty()) {
-    throw Failure(ExitCode::CannotOpen, message,
+    throw Failure(ExitCode::CannotOpen, error.what(),
                   "The folder " + context.folder + " has no '" + live +
                       "', by which a league's folder is known; 'halcyra create' makes one.");
   }
-  const std::string path = HLServiceUtils::GetDatabasePath(*m_host, context.Kind(), "", "");
-  if (m_host->FindFile(path).empty()) {
-    throw Failure(ExitCode::CannotOpen, message,
+  if (m_host->FindFile(m_path).empty()) {
+    throw Failure(ExitCode::CannotOpen, error.what(),
                   "'halcyra --kind " + context.kindName + " create' makes one.");
   }
-  throw Failure(ReasonNotOpened(path), message);
+  throw Failure(ExitCodeOf(error.Number()), error.what());
 }
 
 }  // namespace cli

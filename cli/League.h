@@ -11,6 +11,7 @@
 #include "HLDataSrvc/Host.h"
 #include "HLIData/IDataService.h"
 #include "cli/Context.h"
+#include "jet/Error.h"
 
 namespace cli {
 
@@ -39,8 +40,12 @@ class LeagueHost : public HLDataSrvc::Host {
 /// The league of the chosen folder and kind, open through the data service for as long as this lives.
 class League {
  public:
-  /// Raises Failure with the service's message when the league does not open.
-  explicit League(const Context& context);
+  /// How long to try when others have the file.
+  static constexpr std::chrono::milliseconds kPatience{1000};
+
+  /// Raises Failure with the service's message when the league does not open, or others have its file for
+  /// longer than `patience`.
+  explicit League(const Context& context, std::chrono::milliseconds patience = kPatience);
   ~League();
   League(const League&) = delete;
   League& operator=(const League&) = delete;
@@ -68,7 +73,7 @@ class League {
 
  private:
   void Reopen(bool forget);
-  [[noreturn]] void RaiseNotOpened(const Context& context, const std::string& message) const;
+  [[noreturn]] void RaiseNotOpened(const Context& context, const jet::Error& error) const;
 
   std::shared_ptr<LeagueHost> m_host;
   std::shared_ptr<HLIData::IDataService> m_service;

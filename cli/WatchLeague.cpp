@@ -44,7 +44,7 @@ void WatchLeague(Context& context, const std::function<std::string(League&)>& te
     const Stamp now = StampOf(context.LeaguePath());
     if (seen == now) continue;
     try {
-      std::optional<League> league(std::in_place, context);
+      std::optional<League> league(std::in_place, context, /*patience=*/0ms);
       std::string told = text(*league);
       league.reset();
       seen = now;
