@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "cli/BoardPage.h"
 #include "cli/Commands.h"
@@ -35,17 +37,17 @@ bool IsNumber(const jet::Value& value) {
   return value.As<std::int32_t>() != nullptr || value.As<double>() != nullptr;
 }
 
-std::string CellHtml(const jet::Value& value, const std::string& column, bool isPosition,
+std::string CellHtml(const jet::Value& value, const std::string& column, bool isNumber,
                      const PositionBadges& badges) {
-  std::string html = std::string("<td") + (IsNumber(value) ? " class=\"n\"" : "") + " data-name=\"" +
-                     HtmlText(column) + "\">";
+  std::string html =
+      std::string("<td") + (isNumber ? " class=\"n\"" : "") + " data-name=\"" + HtmlText(column) + "\">";
   if (value.IsNull()) {
     html += "<span class=\"none\">&ndash;</span>";
   } else if (const bool* flag = value.As<bool>()) {
     html += *flag ? "yes" : "<span class=\"none\">no</span>";
   } else {
     const std::string text = ValueText(value);
-    html += isPosition ? badges.Html(text) : HtmlText(text);
+    html += column == "position" ? badges.Html(text) : HtmlText(text);
   }
   return html + "</td>";
 }
@@ -57,16 +59,18 @@ std::string ListHtml(League& league, const ExportList& list) {
   page.note = CountOf(static_cast<std::int64_t>(list.rows.size()), "row");
   page.body = std::string("<div class=\"box") + (list.columns.size() < kWideFrom ? "" : " cards") +
               "\"><table>\n<thead><tr>";
+  std::vector<bool> areNumbers;  // the columns: one without any value is none
   for (std::size_t i = 0; i < list.columns.size(); ++i) {
-    const bool isNumber = !list.rows.empty() && IsNumber(list.rows.front()[i]);
-    page.body += std::string("<th scope=\"col\"") + (isNumber ? " class=\"n\">" : ">") +
+    areNumbers.push_back(
+        std::any_of(list.rows.begin(), list.rows.end(), [i](const auto& row) { return IsNumber(row[i]); }));
+    page.body += std::string("<th scope=\"col\"") + (areNumbers[i] ? " class=\"n\">" : ">") +
                  HtmlText(list.columns[i]) + "</th>";
   }
   page.body += "</tr></thead>\n<tbody>\n";
   for (const auto& row : list.rows) {
     page.body += "<tr>";
     for (std::size_t i = 0; i < row.size(); ++i)
-      page.body += CellHtml(row[i], list.columns[i], list.columns[i] == "position", badges);
+      page.body += CellHtml(row[i], list.columns[i], areNumbers[i], badges);
     page.body += "</tr>\n";
   }
   page.body += "</tbody>\n</table></div>\n";

@@ -51,7 +51,7 @@ td b{display:block;font-weight:650}
 --head:#232b36;--due:#453500;--due-line:#f0b429;--c0:#ff8591;--c1:#79b8ff;--c2:#6fd39b;--c3:#f5a961;--c4:#c9a0f5;--c5:#b6c0cd;
 --c6:#62d0da;--c7:#f48fd1}}
 @media screen and (max-width:700px){main,.board main{padding:.75rem}.board{font-size:16px}h1{font-size:1.3rem}
-.lists th,.lists td{padding:.35rem .4rem;font-size:.88rem;overflow-wrap:anywhere}
+.lists th,.lists td{padding:.35rem .25rem;font-size:.82rem}.lists thead th{font-size:.72rem}
 .board table,.board tbody,.board td,.board tbody th,.cards table,.cards tbody,.cards tr,.cards td{display:block;width:auto}
 .board thead,.cards thead{display:none}
 .board tbody tr{display:flex;flex-direction:column}
@@ -64,7 +64,8 @@ td b{display:block;font-weight:650}
 .lists .cards td{display:flex;justify-content:space-between;gap:1rem;border:0;padding:.1rem .6rem;text-align:right}
 .cards td::before{content:attr(data-name);color:var(--soft)}}
 @page{size:landscape;margin:10mm}
-@media print{body{background:#fff;font-size:10pt}main,.board main{max-width:none;padding:0}.board{font-size:7.5pt}
+@media print{body{background:#fff;font-size:10pt}main,.board main{max-width:none;padding:0}.board{font-size:6.5pt}
+.board th,.board td{padding:.1rem .18rem}
 .box{border-color:#888;border-radius:0;overflow:visible}thead{display:table-header-group}tr,.top{break-inside:avoid}
 th,td{padding:.15rem .35rem;border-color:#888}.clock{font-size:1.2em}.due{outline:2px solid #000}}
 )";
