@@ -40,8 +40,11 @@ DispatchArguments::~DispatchArguments() {
 
 void DispatchArguments::CheckCount(const DISPPARAMS& given, const FUNCDESC& member, UINT parameterCount) {
   UINT needed = 0;
+  UINT most = 0;
   for (UINT i = 0; i < parameterCount; ++i) {
-    constexpr USHORT kNotAsked = PARAMFLAG_FRETVAL | PARAMFLAG_FOPT | PARAMFLAG_FLCID;
+    constexpr USHORT kNotGiven = PARAMFLAG_FRETVAL | PARAMFLAG_FLCID;
+    constexpr USHORT kNotAsked = kNotGiven | PARAMFLAG_FOPT;
+    if (!(member.lprgelemdescParam[i].paramdesc.wParamFlags & kNotGiven)) ++most;
     if (member.lprgelemdescParam[i].paramdesc.wParamFlags & kNotAsked) continue;
     needed = i + 1;
     if (i >= given.cArgs) continue;
@@ -50,6 +53,7 @@ void DispatchArguments::CheckCount(const DISPPARAMS& given, const FUNCDESC& memb
       throw ComError(DISP_E_PARAMNOTOPTIONAL, "An argument of the call is left out that the member needs.");
   }
   if (given.cArgs < needed) throw ComError(DISP_E_BADPARAMCOUNT, "The call has too few arguments.");
+  if (given.cArgs > most) throw ComError(DISP_E_BADPARAMCOUNT, "The call has too many arguments.");
 }
 
 VARTYPE DispatchArguments::ReferredType(const TYPEDESC& type) {

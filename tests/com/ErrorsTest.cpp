@@ -149,12 +149,12 @@ TEST_F(Errors, OfTheServiceAreShownInABoxWithOneButton) {
     }
     PostMessageW(box, WM_COMMAND, IDOK, 0);
   });
-  ComPtr<::IKeyedCollection> teams;
-  EXPECT_EQ(service->GetTeams(teams.Put()), S_OK);
+  ComPtr<::IKeyedCollection> positions;
+  EXPECT_EQ(service->GetPlayerPositions(positions.Put()), S_OK);
   user.join();
-  EXPECT_FALSE(teams);
+  EXPECT_FALSE(positions);
   EXPECT_EQ(buttons, 1);
-  EXPECT_EQ(text.find(L"Error in loading teams.\r\n"), 0U) << ToNarrow(text);
+  EXPECT_EQ(text.find(L"Error in loading positions.\r\n"), 0U) << ToNarrow(text);
 }
 
 }  // namespace
