@@ -1,5 +1,6 @@
 #include "cli/Command.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -7,10 +8,23 @@
 namespace cli {
 namespace {
 
+/// Behind a word in brackets, which would else be split at commas, without its brackets.
+constexpr char kGuard = '\x1f';
+
+void TakesGuardedWords(CLI::Option& option) {
+  option.transform(
+      [](std::string word) {
+        if (word.starts_with('[') && word.back() == kGuard) word.pop_back();
+        return word;
+      },
+      "");
+}
+
 template <typename Target>
 Option Argument(CLI::App& app, const std::string& name, Target& target, const std::string& help) {
   CLI::Option* option = app.add_option(name, target, help);
   option->type_name("");
+  TakesGuardedWords(*option);
   return Option(option);
 }
 
@@ -19,6 +33,7 @@ Option NamedOption(CLI::App& app, const std::string& name, const std::string& va
                    const std::string& help) {
   CLI::Option* option = app.add_option(name, target, help);
   option->type_name(value);
+  TakesGuardedWords(*option);
   return Option(option);
 }
 
@@ -58,6 +73,16 @@ CommandDescription DescriptionOf(const CLI::App& app) {
 }
 
 }  // namespace
+
+std::string GuardedWord(std::string word) {
+  if (word.starts_with('[') && word.ends_with(']')) word += kGuard;
+  return word;
+}
+
+std::string WithoutGuards(std::string text) {
+  text.erase(std::remove(text.begin(), text.end(), kGuard), text.end());
+  return text;
+}
 
 Option& Option::Required() {
   m_option->required();

@@ -18,6 +18,12 @@ class Option;
 
 namespace cli {
 
+/// A word of a command line as the parser has to be given it: one in brackets would be taken for a list, and
+/// its brackets be lost. Options and arguments get the word as it was.
+std::string GuardedWord(std::string word);
+/// A text of the parser with the words as they were, for messages.
+std::string WithoutGuards(std::string text);
+
 /// An option or argument of a command, to say more about it. Valid as long as its command line.
 class Option {
  public:

@@ -147,6 +147,7 @@ bool CommandLine::HasSubcommand(const std::string& command, const std::string& w
 
 bool CommandLine::Parse(std::vector<std::string> words) {
   try {
+    std::transform(words.begin(), words.end(), words.begin(), GuardedWord);
     std::reverse(words.begin(), words.end());  // CLI11 takes them from the back
     m_app->parse(std::move(words));
     return true;
@@ -155,7 +156,7 @@ bool CommandLine::Parse(std::vector<std::string> words) {
   } catch (const CLI::CallForVersion& version) {
     m_context.output.Line(version.what());
   } catch (const CLI::ParseError& error) {
-    throw Diagnose(error.what());
+    throw Diagnose(WithoutGuards(error.what()));
   }
   return false;
 }
@@ -181,7 +182,7 @@ Failure CommandLine::Diagnose(const std::string& whatIsWrong) const {
             "'" + help + "' tells how it is used."};
   }
 
-  const std::string word = left.front();
+  const std::string word = WithoutGuards(left.front());
   const bool isOption = word.size() > 1 && word.front() == '-';
   std::string what = "There is no command '" + word + "'.";
   std::string nearest;

@@ -37,6 +37,12 @@ class Finding(LeagueTest):
         out, _ = self.shell(*[f'search "{text}" {options} --json' for text, options in asked])
         return documents(out)
 
+    def test_brackets_reach_the_search(self):
+        positions = {row["desc"] for row in self.rows("position info")}
+        for text, fits in (("[qw]", lambda c: c in "qw"), ("[!a-z]", lambda c: not c.isalpha())):
+            wanted = sorted(name for name in positions if any(fits(c) for c in name.lower()))
+            self.assertEqual(sorted(one["desc"] for one in self.told("search", text, "--type", "positions")), wanted)
+
     def test_players_and_teams_are_those_of_a_scan(self):
         plain = [row for row in self.rows("player info")
                  if ((row["first name"] or "") + (row["last name"] or "")).isascii()]
