@@ -53,7 +53,9 @@ void DispatchArguments::CheckCount(const DISPPARAMS& given, const FUNCDESC& memb
       throw ComError(DISP_E_PARAMNOTOPTIONAL, "An argument of the call is left out that the member needs.");
   }
   if (given.cArgs < needed) throw ComError(DISP_E_BADPARAMCOUNT, "The call has too few arguments.");
-  if (given.cArgs > most) throw ComError(DISP_E_BADPARAMCOUNT, "The call has too many arguments.");
+  // Those behind a property's own are for the default member of the object that it gives.
+  if (given.cArgs > most && member.invkind == INVOKE_FUNC)
+    throw ComError(DISP_E_BADPARAMCOUNT, "The call has too many arguments.");
 }
 
 VARTYPE DispatchArguments::ReferredType(const TYPEDESC& type) {
