@@ -83,11 +83,14 @@ class Conversion {
   }
 
   template <typename Narrow>
-  Value Whole(const std::string& wanted) const {
+  Value Whole(const char* wanted) const {
+    const auto fits = [](std::int64_t number) {
+      return number >= std::numeric_limits<Narrow>::min() && number <= std::numeric_limits<Narrow>::max();
+    };
+    if (const auto* number = m_value->As<std::int32_t>(); number != nullptr && fits(*number)) return *number;
     const std::optional<Decimal> decimal = sql::ToDecimal(Number(wanted));
     const std::optional<std::int64_t> whole = decimal ? sql::ToInteger(*decimal) : std::nullopt;
-    if (!whole || *whole < std::numeric_limits<Narrow>::min() || *whole > std::numeric_limits<Narrow>::max())
-      Raise(wanted);
+    if (!whole || !fits(*whole)) Raise(wanted);
     return static_cast<std::int32_t>(*whole);
   }
 

@@ -44,6 +44,7 @@ void RowEdit::Assign(std::size_t column, const Value& value) {
 
 std::vector<ColumnValue> RowEdit::Changes() const {
   std::vector<ColumnValue> changes;
+  changes.reserve(m_values.size());
   for (std::size_t column = 0; column < m_values.size(); ++column) {
     if (m_values[column]) {
       changes.push_back({column, *m_values[column]});

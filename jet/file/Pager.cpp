@@ -115,7 +115,7 @@ void Pager::NoteFreed(PageNumber number) {
 
 void Pager::Begin() {
   DropDiscarded();
-  m_levels.push_back({{}, {}, m_pageCount});
+  m_levels.push_back({std::move(m_undos), {}, m_pageCount});
 }
 
 void Pager::Commit() {
@@ -132,7 +132,7 @@ void Pager::Commit() {
       }
     }
     outer.freed.insert(outer.freed.end(), level.freed.begin(), level.freed.end());
-    m_levels.pop_back();
+    EndLevel();
     return;
   }
   std::sort(level.undos.begin(), level.undos.end(),
@@ -154,7 +154,7 @@ void Pager::Commit() {
     undo.frame->recentlyUsed = true;
     GiveBuffer(std::move(undo.before));
   }
-  m_levels.pop_back();
+  EndLevel();
   if (m_cached > m_capacity) MakeRoom();
 }
 
@@ -177,6 +177,13 @@ void Pager::Rollback() noexcept {
     }
   }
   m_pageCount = level.pageCount;
+  EndLevel();
+}
+
+void Pager::EndLevel() noexcept {
+  std::vector<Undo>& undos = m_levels.back().undos;
+  undos.clear();
+  if (undos.capacity() <= kKeptBuffers) m_undos = std::move(undos);
   m_levels.pop_back();
 }
 

@@ -143,6 +143,7 @@ class Pager {
   void Begin();
   void Commit();
   void Rollback() noexcept;
+  void EndLevel() noexcept;
   void Discard(detail::Frame& frame) noexcept;
   void DropDiscarded() noexcept;
 
@@ -156,6 +157,7 @@ class Pager {
   PageNumber m_pageCount;
   std::vector<Level> m_levels;
   std::vector<std::unique_ptr<PageBytes>> m_buffers;  // kept for the next unit
+  std::vector<Undo> m_undos;                          // empty; its room is kept for the next unit
   std::unordered_map<PageNumber, std::uint64_t> m_freed;
   std::uint64_t m_moment = 1;
 };

@@ -20,33 +20,44 @@ namespace {
 // Keys are short: comparing them in place is faster than the C library.
 int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
   const std::size_t shared = std::min(a.size(), b.size());
-  for (std::size_t i = 0; i < shared; ++i) {
+  std::size_t i = 0;
+  for (; i + 8 <= shared; i += 8) {
+    const std::uint64_t wordA = LoadU64(a.data() + i);
+    const std::uint64_t wordB = LoadU64(b.data() + i);
+    if (wordA == wordB) continue;
+    const int first = std::countr_zero(wordA ^ wordB) & ~7;  // of the bits of the first byte that differs
+    return (wordA >> first & 0xFF) < (wordB >> first & 0xFF) ? -1 : 1;
+  }
+  for (; i < shared; ++i) {
     if (a[i] != b[i]) return a[i] < b[i] ? -1 : 1;
   }
   return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
 
-// The entry mask as numbers, for shifting parts of it.
+// The part of an entry mask from a bit on, as numbers, for shifting.
 class Mask {
  public:
-  explicit Mask(const std::byte* stored) {
-    for (std::size_t i = 0; i < kWholeWords; ++i)
+  explicit Mask(std::byte* stored, std::size_t from = 0) : m_stored(stored), m_first(from / 64) {
+    for (std::size_t i = m_first; i < kWholeWords; ++i)
       m_words[i] = LoadU64(stored + 8 * i);
     for (std::size_t i = 8 * kWholeWords; i < kMaskBytes; ++i)
       m_words[i / 8] |= std::uint64_t{LoadU8(stored + i)} << (8 * (i % 8));
   }
   /// Moves the bits from `from` on up by `by`; the gap is clear. No bit above `last` is set, then or now.
   void Open(std::size_t from, std::size_t by, std::size_t last) {
+    const std::size_t first = from / 64;
     const std::size_t words = by / 64;
     const std::size_t bits = by % 64;
+    const std::uint64_t stays = m_words[first] & ~Bits(first, from);
+    m_words[first] &= Bits(first, from);
     // From the top down, so that every word is read before it is written.
-    for (std::size_t i = last / 64; i + 1 > from / 64; --i) {
-      std::uint64_t moved = 0;
-      if (i >= words) moved = Above(i - words, from) << bits;
-      if (bits != 0 && i > words) moved |= Above(i - words - 1, from) >> (64 - bits);
-      m_words[i] = (m_words[i] & ~Bits(i, from)) | moved;
-      if (i == 0) break;
+    for (std::size_t i = last / 64; i > first + words; --i) {
+      const std::uint64_t carried = bits == 0 ? 0 : m_words[i - words - 1] >> (64 - bits);
+      m_words[i] = m_words[i - words] << bits | carried;
     }
+    m_words[first + words] = m_words[first] << bits;
+    std::fill_n(m_words.begin() + static_cast<std::ptrdiff_t>(first), words, std::uint64_t{0});
+    m_words[first] |= stays;
   }
   /// Drops the bits in (from, from + by] and moves those above down by `by`.
   void Close(std::size_t from, std::size_t by) {
@@ -62,11 +73,11 @@ class Mask {
   }
   void Set(std::size_t bit) { m_words[bit / 64] |= std::uint64_t{1} << (bit % 64); }
   void Clear() { m_words.fill(0); }
-  void StoreTo(std::byte* stored) const {
-    for (std::size_t i = 0; i < kWholeWords; ++i)
-      StoreU64(stored + 8 * i, m_words[i]);
+  void Store() const {
+    for (std::size_t i = m_first; i < kWholeWords; ++i)
+      StoreU64(m_stored + 8 * i, m_words[i]);
     for (std::size_t i = 8 * kWholeWords; i < kMaskBytes; ++i)
-      StoreU8(stored + i, static_cast<std::uint8_t>(m_words[i / 8] >> (8 * (i % 8))));
+      StoreU8(m_stored + i, static_cast<std::uint8_t>(m_words[i / 8] >> (8 * (i % 8))));
   }
 
  private:
@@ -79,6 +90,8 @@ class Mask {
     return ~std::uint64_t{0} << (from - 64 * i);
   }
   std::uint64_t Above(std::size_t i, std::size_t from) const { return m_words[i] & Bits(i, from); }
+  std::byte* m_stored;
+  std::size_t m_first;  // words before it are left alone
   std::array<std::uint64_t, kWords> m_words{};
 };
 
@@ -140,14 +153,17 @@ std::size_t IndexPageView::BoundaryAfter(std::size_t position) const {
 }
 
 std::size_t IndexPageView::BoundaryUpTo(std::size_t position) const {
+  // More than eight bytes of the page lie before the mask, so that eight bytes can be loaded that end with
+  // any of its bytes.
   std::size_t byte = position / 8;
-  std::uint8_t bits =
-      LoadU8(m_page.data() + kMask + byte) & static_cast<std::uint8_t>(0xFF >> (7 - position % 8));
-  while (bits == 0) {
-    if (byte == 0) return 0;
-    bits = LoadU8(m_page.data() + kMask + --byte);
+  std::uint64_t keep = ~std::uint64_t{0} >> (7 - position % 8);
+  for (;; byte -= 8) {
+    std::uint64_t word = LoadU64(m_page.data() + kMask + byte - 7) & keep;
+    if (byte < 7) word &= ~std::uint64_t{0} << (8 * (7 - byte));
+    if (word != 0) return 8 * byte + 7 - static_cast<std::size_t>(std::countl_zero(word));
+    if (byte < 8) return 0;
+    keep = ~std::uint64_t{0};
   }
-  return 8 * byte + static_cast<std::size_t>(std::bit_width(bits)) - 1;
 }
 
 EntryPlace IndexPageView::After(std::size_t begin) const {
@@ -207,10 +223,11 @@ EntryPlace IndexPageView::LowerBound(std::span<const std::byte> key) const {
 }
 
 void IndexPageView::Read(EntryPlace place, EntryBytes& into) const {
-  into.clear();
-  if (place.begin != 0) into.assign(Prefix().begin(), Prefix().end());
+  const std::size_t shared = place.begin == 0 ? 0 : m_prefix;
   const auto stored = Stored(place);
-  into.insert(into.end(), stored.begin(), stored.end());
+  into.resize(shared + stored.size());
+  std::ranges::copy(Prefix().first(shared), into.begin());
+  std::ranges::copy(stored, into.begin() + static_cast<std::ptrdiff_t>(shared));
 }
 
 EntryBytes IndexPageView::Read(EntryPlace place) const {
@@ -237,10 +254,32 @@ std::uint32_t IndexPageView::Child(EntryPlace place) const {
   return LastFour(place);
 }
 
+std::size_t IndexPageView::Count() const {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < kMaskBytes; ++i)
+    count += static_cast<std::size_t>(std::popcount(LoadU8(m_page.data() + kMask + i)));
+  return count;
+}
+
 std::vector<EntryBytes> IndexPageView::AllEntries() const {
   std::vector<EntryBytes> entries;
   for (EntryPlace place = First(); !place.IsEnd(); place = Next(place))
     entries.push_back(Read(place));
+  return entries;
+}
+
+EntrySpans IndexPageView::AllEntries(EntryBytes& pool) const {
+  const std::size_t count = Count();
+  pool.resize(m_used + count * m_prefix);
+  EntrySpans entries;
+  entries.reserve(count + 1);  // one is often added
+  auto end = pool.begin();
+  for (EntryPlace place = First(); !place.IsEnd(); place = Next(place)) {
+    const auto begin = end;
+    if (place.begin != 0) end = std::ranges::copy(Prefix(), end).out;
+    end = std::ranges::copy(Stored(place), end).out;
+    entries.emplace_back(begin, end);
+  }
   return entries;
 }
 
@@ -271,13 +310,6 @@ void IndexPage::SetUsed(std::size_t used) {
   StoreU16(m_bytes.data() + kFreeSpace, static_cast<std::uint16_t>(kCapacity - used));
 }
 
-std::size_t IndexPage::Count() const {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < kMaskBytes; ++i)
-    count += static_cast<std::size_t>(std::popcount(LoadU8(m_bytes.data() + kMask + i)));
-  return count;
-}
-
 // Whether the entries could fit with another before `place`, whatever their prefix: what the first and the
 // last share is the most that any two share.
 bool IndexPage::CanHold(EntryPlace place, std::span<const std::byte> entry) const {
@@ -297,21 +329,22 @@ bool IndexPage::Insert(EntryPlace place, std::span<const std::byte> entry) {
   const std::size_t shared = at == 0 ? 0 : m_prefix;
   if (!plain || m_used + entry.size() - shared > kCapacity || m_used == 0) {
     if (!CanHold(place, entry)) return false;
-    std::vector<EntryBytes> entries = AllEntries();
-    std::size_t before = 0;
+    EntryBytes pool;
+    EntrySpans entries = AllEntries(pool);
+    std::ptrdiff_t before = 0;
     for (EntryPlace other = First(); other.begin < at; other = Next(other))
       ++before;
-    entries.emplace(entries.begin() + static_cast<std::ptrdiff_t>(before), entry.begin(), entry.end());
+    entries.insert(entries.begin() + before, entry);
     return Assign(entries);
   }
   const auto piece = entry.subspan(shared);
   std::byte* const from = m_bytes.data() + kEntries + at;
   std::memmove(from + piece.size(), from, m_used - at);
   std::memcpy(from, piece.data(), piece.size());
-  Mask mask(m_bytes.data() + kMask);
+  Mask mask(m_bytes.data() + kMask, at + 1);
   mask.Open(at + 1, piece.size(), m_used + piece.size());
   mask.Set(at + piece.size());
-  mask.StoreTo(m_bytes.data() + kMask);
+  mask.Store();
   SetUsed(m_used + piece.size());
   return true;
 }
@@ -319,9 +352,9 @@ bool IndexPage::Insert(EntryPlace place, std::span<const std::byte> entry) {
 void IndexPage::Remove(EntryPlace place) {
   assert(!place.IsEnd());
   if (place.begin == 0 && m_prefix != 0) {
-    std::vector<EntryBytes> entries = AllEntries();
-    entries.erase(entries.begin());
-    [[maybe_unused]] const bool fits = Assign(entries);
+    EntryBytes pool;
+    const EntrySpans entries = AllEntries(pool);
+    [[maybe_unused]] const bool fits = Assign(std::span(entries).subspan(1));
     assert(fits);
     return;
   }
@@ -329,23 +362,23 @@ void IndexPage::Remove(EntryPlace place) {
   std::byte* const to = m_bytes.data() + kEntries + place.begin;
   std::memmove(to, to + size, m_used - place.end);
   std::memset(m_bytes.data() + kEntries + m_used - size, 0, size);
-  Mask mask(m_bytes.data() + kMask);
+  Mask mask(m_bytes.data() + kMask, place.begin);
   mask.Close(place.begin, size);
-  mask.StoreTo(m_bytes.data() + kMask);
+  mask.Store();
   SetUsed(m_used - size);
 }
 
-std::optional<std::size_t> IndexPage::PrefixToFit(std::span<const EntryBytes> entries) {
+std::optional<std::size_t> IndexPage::PrefixToFit(std::span<const std::span<const std::byte>> entries) {
   std::size_t total = 0;
-  for (const EntryBytes& entry : entries)
+  for (const auto entry : entries)
     total += entry.size();
   if (total <= kCapacity) return 0;
   // Entries ascend, so that what the first and the last share, all share. It may reach into the row that ends
   // them.
-  const EntryBytes& first = entries.front();
-  const EntryBytes& last = entries.back();
+  const auto first = entries.front();
+  const auto last = entries.back();
   std::size_t most = first.size();
-  for (const EntryBytes& entry : entries)
+  for (const auto entry : entries)
     most = std::min(most, entry.size());
   std::size_t prefix = 0;
   while (prefix + 1 < most && first[prefix] == last[prefix])
@@ -354,7 +387,7 @@ std::optional<std::size_t> IndexPage::PrefixToFit(std::span<const EntryBytes> en
   return prefix;
 }
 
-bool IndexPage::Assign(std::span<const EntryBytes> entries) {
+bool IndexPage::Assign(std::span<const std::span<const std::byte>> entries) {
   const std::optional<std::size_t> fitting = PrefixToFit(entries);
   if (!fitting) return false;
   const std::size_t prefix = *fitting;
@@ -368,7 +401,7 @@ bool IndexPage::Assign(std::span<const EntryBytes> entries) {
     mask.Set(at);
   }
   std::memset(m_bytes.data() + kEntries + at, 0, kCapacity - at);
-  mask.StoreTo(m_bytes.data() + kMask);
+  mask.Store();
   m_prefix = prefix;
   StoreU16(m_bytes.data() + kPrefix, static_cast<std::uint16_t>(prefix));
   SetUsed(at);

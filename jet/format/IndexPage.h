@@ -44,6 +44,8 @@ inline constexpr std::size_t kChildBytes = 4;  // child page at the end of a bra
 
 /// Bytes of one index entry, prefix restored.
 using EntryBytes = std::vector<std::byte>;
+/// Entries, prefix restored, that lie elsewhere.
+using EntrySpans = std::vector<std::span<const std::byte>>;
 
 /// Where an entry lies in its page, counted from the first entry byte. `begin` == `end`: past the last entry.
 struct EntryPlace {
@@ -100,6 +102,9 @@ class IndexPageView {
   /// Child page of a branch entry.
   std::uint32_t Child(EntryPlace place) const;
   std::vector<EntryBytes> AllEntries() const;
+  /// The same, all of them put into `pool`.
+  EntrySpans AllEntries(EntryBytes& pool) const;
+  std::size_t Count() const;
 
  protected:
   EntryPlace After(std::size_t begin) const;
@@ -129,7 +134,7 @@ class IndexPage : public IndexPageView {
 
   /// The prefix with which these entries, which ascend, fit a page: 0 if they do without one, else the
   /// longest; none when they do not fit.
-  static std::optional<std::size_t> PrefixToFit(std::span<const EntryBytes> entries);
+  static std::optional<std::size_t> PrefixToFit(std::span<const std::span<const std::byte>> entries);
 
   /// Puts an entry before `place`. False, and nothing changed, when it does not fit even with the longest
   /// prefix.
@@ -137,10 +142,12 @@ class IndexPage : public IndexPageView {
   void Remove(EntryPlace place);
   /// Replaces all entries, which ascend. False, and nothing changed, when they do not fit. The prefix is
   /// computed only when they do not fit without one.
-  bool Assign(std::span<const EntryBytes> entries);
+  bool Assign(std::span<const std::span<const std::byte>> entries);
+  bool Assign(const std::vector<EntryBytes>& entries) {
+    return Assign(EntrySpans(entries.begin(), entries.end()));
+  }
 
  private:
-  std::size_t Count() const;
   bool CanHold(EntryPlace place, std::span<const std::byte> entry) const;
   void SetUsed(std::size_t used);
   std::span<std::byte> m_bytes;

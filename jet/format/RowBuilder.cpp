@@ -11,6 +11,8 @@
 namespace jet::format {
 namespace {
 
+constexpr std::size_t kUsualPool = 128;  // bytes of variable columns; most rows have fewer
+
 /// Bytes of the fixed part that a definition's columns need.
 std::size_t FixedSize(const TableDefinition& table) {
   std::size_t size = 0;
@@ -32,7 +34,9 @@ RowBuilder::RowBuilder(const TableDefinition& table)
     : m_table(table),
       m_fixed(FixedSize(table)),
       m_mask(row_layout::MaskSize(table.columnsEver)),
-      m_variable(table.variableColumnsEver) {}
+      m_variable(table.variableColumnsEver) {
+  m_pool.reserve(kUsualPool);
+}
 
 RowBuilder::RowBuilder(const TableDefinition& table, std::span<const std::byte> oldRow) : RowBuilder(table) {
   using namespace row_layout;

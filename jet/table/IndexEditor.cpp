@@ -13,6 +13,7 @@ namespace jet {
 
 using format::EntryBytes;
 using format::EntryPlace;
+using format::EntrySpans;
 using format::IndexPage;
 using format::IndexPageView;
 using namespace format::index_page;
@@ -179,19 +180,23 @@ bool IndexEditor::EraseEntry(const EntryBytes& entry) {
 // Splits a leaf in the middle; or, with `appended`, puts that entry on a page of its own: keys that grow fill
 // every page, and an entry that nearly fills a page has it for itself.
 void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes* appended) {
-  std::vector<EntryBytes> entries;
+  EntryBytes pool;
+  EntrySpans entries;
   {
     const PageHandle page = m_pager->Get(leaf);
-    entries = IndexPageView(page.Bytes(), leaf).AllEntries();
+    entries = IndexPageView(page.Bytes(), leaf).AllEntries(pool);
   }
   std::size_t cut = 0;
   if (appended == nullptr) {
-    cut = MiddleOf(entries, [](const EntryBytes& entry) { return entry.size(); });
+    cut = MiddleOf(entries, [](std::span<const std::byte> entry) { return entry.size(); });
   } else {
-    const auto place = entries.insert(std::lower_bound(entries.begin(), entries.end(), *appended), *appended);
+    const auto place = std::ranges::lower_bound(entries, *appended, [](const auto& a, const auto& b) {
+      return std::ranges::lexicographical_compare(a, b);
+    });
     cut = std::max<std::size_t>(1, static_cast<std::size_t>(place - entries.begin()));
+    entries.insert(place, *appended);
   }
-  const std::span<const EntryBytes> all = entries;
+  const std::span<const std::span<const std::byte>> all = entries;
   const PageNumber left = m_path.empty() ? NewPage(0).Number() : leaf;
   const PageNumber right = NewPage(0).Number();
   for (const auto& [number, part] : {std::pair{left, all.first(cut)}, std::pair{right, all.subspan(cut)}}) {
@@ -200,7 +205,7 @@ void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes* appended) {
     assert(fits);
   }
   LinkAfter(left, right);
-  const Child first{entries[cut - 1], left};
+  const Child first{EntryBytes(entries[cut - 1].begin(), entries[cut - 1].end()), left};
   if (m_path.empty()) {
     {
       const MutablePage root = m_pager->Change(leaf);
@@ -283,7 +288,8 @@ void IndexEditor::AddParts(std::span<const Child> children, std::size_t cut,
                            std::vector<std::vector<Child>>& parts) {
   for (const std::span<const Child> part : {children.first(cut), children.subspan(cut)}) {
     std::vector<Child> copy(part.begin(), part.end());
-    if (part.size() <= 1 || IndexPage::PrefixToFit(EntriesOf(copy))) {
+    const std::vector<EntryBytes> entries = EntriesOf(copy);
+    if (part.size() <= 1 || IndexPage::PrefixToFit(EntrySpans(entries.begin(), entries.end()))) {
       parts.push_back(std::move(copy));
     } else {
       AddParts(part, MiddleOf(part, [](const Child& child) { return child.key.size(); }), parts);

@@ -127,7 +127,8 @@ class Table {
   void DeleteRow(RowId id, int depth);
   void AddEntry(std::size_t index, const KeyOfRow& key, RowId id);
   void RemoveEntry(std::size_t index, const KeyOfRow& key, RowId id);
-  Bytes StoredValue(const format::ColumnDefinition& column, const Value& value);
+  std::span<const std::byte> StoredValue(const format::ColumnDefinition& column, const Value& value,
+                                         Bytes& buffer);
   std::string DescribeKey(std::size_t index, const RowValues& values) const;
   void GiveAutomaticValues(RowValues& values, std::vector<bool>& given);
   void AddToRowCount(std::int32_t difference);

@@ -6,6 +6,7 @@
 
 #include "jet/Error.h"
 #include "jet/format/Bytes.h"
+#include "jet/format/IndexKey.h"
 #include "jet/format/RowBuilder.h"
 #include "jet/format/RowCodec.h"
 #include "jet/format/SortKey.h"
@@ -27,6 +28,8 @@ namespace {
 
 // Cascades that go deeper than this go round in circles.
 constexpr int kMaxCascadeDepth = 64;
+
+constexpr std::size_t kUsualKey = 32;  // most keys are shorter
 
 Guid RandomGuid() {
   static thread_local std::random_device device;
@@ -50,15 +53,22 @@ Table::RowValues Table::IndexedValues(const RowRef& row) const {
 
 Table::KeyOfRow Table::KeyFor(const TableIndex& index, const RowValues& values) const {
   KeyOfRow key;
-  std::vector<Value> parts;
-  parts.reserve(index.columns.size());
   bool allNull = true;
-  for (const std::size_t column : index.columns) {
-    parts.push_back(values[column]);
+  for (const std::size_t column : index.columns)
     (values[column].IsNull() ? key.anyNull : allNull) = values[column].IsNull();
+  const format::IndexDefinition& definition = index.index.Definition();
+  key.hasEntry = !(allNull && definition.IgnoresNulls());
+  if (!key.hasEntry) return key;
+  KeyBytes& bytes = key.bytes.emplace();
+  bytes.reserve(kUsualKey);
+  for (std::size_t i = 0; i < index.columns.size() && i < definition.columns.size(); ++i) {
+    const std::size_t column = index.columns[i];
+    if (format::AppendKeyColumn(bytes, values[column], m_definition.columns[column],
+                                definition.columns[i].ascending))
+      continue;
+    key.bytes.reset();
+    break;
   }
-  key.hasEntry = !(allNull && index.index.Definition().IgnoresNulls());
-  if (key.hasEntry) key.bytes = index.index.KeyPrefix(parts);
   return key;
 }
 
@@ -207,16 +217,18 @@ void Table::CheckChildren(const LogicalIndexDefinition& relation, const RowValue
   }
 }
 
-Bytes Table::StoredValue(const ColumnDefinition& column, const Value& value) {
-  Bytes stored;
+// The bytes of a value in a row, in `buffer`.
+std::span<const std::byte> Table::StoredValue(const ColumnDefinition& column, const Value& value,
+                                              Bytes& buffer) {
+  buffer.clear();
   if (!column.IsLongValue()) {
-    format::AppendValue(column, value, stored);
-    return stored;
+    format::AppendValue(column, value, buffer);
+    return buffer;
   }
   LongValues values(m_store->Pages(), m_store->Allocator(), m_definition, column);
   if (const std::string* text = value.As<std::string>())
-    return values.Write(format::EncodeText(*text, column.compressed));
-  if (const Bytes* bytes = value.As<Bytes>()) return values.Write(*bytes);
+    return buffer = values.Write(format::EncodeText(*text, column.compressed));
+  if (const Bytes* bytes = value.As<Bytes>()) return buffer = values.Write(*bytes);
   throw Error(ErrorNumber::CannotConvert,
               "The value does not fit column '" + column.name + "' of table '" + m_name + "'.");
 }
@@ -304,11 +316,12 @@ RowId Table::Insert(std::span<const ColumnValue> changes) {
   }
 
   format::RowBuilder builder(m_definition);
+  Bytes stored;
   for (std::size_t c = 0; c < values.size(); ++c) {
     if (const bool* flag = values[c].As<bool>()) {
       builder.SetYesNo(c, *flag);
     } else if (given[c] && !values[c].IsNull()) {
-      builder.Set(c, StoredValue(m_definition.columns[c], values[c]));
+      builder.Set(c, StoredValue(m_definition.columns[c], values[c], stored));
     }
   }
   const RowId id = m_rows->Insert(builder.Build());
@@ -368,6 +381,7 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
     keyChanges.push_back(std::move(key));
   }
   format::RowBuilder builder(m_definition, oldBytes);
+  Bytes stored;
   for (const ColumnValue& change : changes) {
     const ColumnDefinition& column = m_definition.columns[change.column];
     if (column.IsLongValue()) {
@@ -380,7 +394,7 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
     } else if (change.value.IsNull()) {
       builder.SetNull(change.column);
     } else {
-      builder.Set(change.column, StoredValue(column, change.value));
+      builder.Set(change.column, StoredValue(column, change.value, stored));
     }
   }
   m_rows->Replace(id, builder.Build());

@@ -67,7 +67,7 @@ TEST_F(IndexPageTest, RandomChanges_AgreeWithASetOfEntries) {
         // It did not fit: what is there must nearly fill the page even with the longest prefix.
         std::vector<EntryBytes> all(model.begin(), model.end());
         all.insert(std::lower_bound(all.begin(), all.end(), entry), entry);
-        ASSERT_EQ(IndexPage::PrefixToFit(all), std::nullopt);
+        ASSERT_EQ(IndexPage::PrefixToFit(EntrySpans(all.begin(), all.end())), std::nullopt);
       }
       if (step % 50 == 0) {
         ASSERT_NO_FATAL_FAILURE(ExpectEntries(model)) << "step " << step;
