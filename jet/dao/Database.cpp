@@ -13,6 +13,18 @@
 #include "jet/table/SchemaWriter.h"
 
 namespace jet {
+namespace {
+
+/// A recordset and its state in one piece.
+struct RecordsetInOne {
+  RecordsetInOne(std::shared_ptr<DatabaseCore> database, const std::string& sql)
+      : core(std::move(database), sql), recordset(core) {}
+
+  RecordsetCore core;
+  Recordset recordset;
+};
+
+}  // namespace
 
 Database::Database(std::shared_ptr<DatabaseCore> core) : m_core(std::move(core)) {}
 
@@ -40,7 +52,8 @@ bool Database::IsReadOnly() const {
 
 std::shared_ptr<Recordset> Database::OpenRecordset(const std::string& sql) {
   m_core->Observe("Database.OpenRecordset", sql);
-  return std::make_shared<Recordset>(RecordsetCore::Open(m_core, sql));
+  const auto opened = std::make_shared<RecordsetInOne>(m_core, sql);
+  return {opened, &opened->recordset};
 }
 
 void Database::Close() {

@@ -23,9 +23,6 @@ RecordsetCore& Enter(RecordsetCore& core, const char* call, const Text& detail) 
 
 }  // namespace
 
-Recordset::Recordset(std::unique_ptr<RecordsetCore> core) : m_core(std::move(core)) {}
-Recordset::~Recordset() = default;
-
 bool Recordset::Eof() const {
   return Enter(*m_core, "Recordset.Eof").IsAtEnd();
 }

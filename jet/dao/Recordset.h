@@ -47,8 +47,7 @@ class Field {
 /// until `Update`; moving drops it.
 class Recordset {
  public:
-  explicit Recordset(std::unique_ptr<RecordsetCore> core);
-  ~Recordset();
+  explicit Recordset(RecordsetCore& core) : m_core(&core) {}
   Recordset(const Recordset&) = delete;
   Recordset& operator=(const Recordset&) = delete;
 
@@ -92,7 +91,7 @@ class Recordset {
   const std::string& Plan() const;
 
  private:
-  std::unique_ptr<RecordsetCore> m_core;
+  RecordsetCore* m_core;  // which lives as long
 };
 
 }  // namespace jet

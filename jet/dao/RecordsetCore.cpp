@@ -56,33 +56,22 @@ class SearchedRow final : public sql::RowSource {
 
 }  // namespace
 
-std::unique_ptr<RecordsetCore> RecordsetCore::Open(std::shared_ptr<DatabaseCore> database,
-                                                   const std::string& sql) {
-  auto select = database->Statements().Get(sql, database->OpenStore());
-  std::unique_ptr<RecordsetCore> core(new RecordsetCore(std::move(database), std::move(select)));
-  core->MoveTo(0);
-  return core;
-}
-
-RecordsetCore::RecordsetCore(std::shared_ptr<DatabaseCore> database,
-                             std::shared_ptr<sql::PreparedSelect> select)
+RecordsetCore::RecordsetCore(std::shared_ptr<DatabaseCore> database, const std::string& sql)
     : m_database(std::move(database)),
-      m_select(std::move(select)),
+      m_select(m_database->Statements().Get(sql, m_database->OpenStore())),
       m_numbers(m_database->Statements().Numbers()) {
   const sql::Query& query = m_select->Bound();
   if (query.IsPlain()) {
     Table& table = *query.sources.front().table;
-    auto found = std::make_unique<DynasetRows>(m_database->OpenStore(), table, m_select->Run().FindRows(),
-                                               query.columns);
-    m_dynaset = found.get();
+    m_rows = &m_dynaset.emplace(m_database->OpenStore(), table, m_select->Run().FindRows(), query.columns);
     m_tableName = table.Name();
-    m_rows = std::move(found);
   } else {
-    m_rows = std::make_unique<SnapshotRows>(m_select->Run().ReadRows());
+    m_rows = &m_snapshot.emplace(m_select->Run().ReadRows());
   }
   m_fields.reserve(query.columns.size());
   for (std::size_t i = 0; i < query.columns.size(); ++i)
     m_fields.emplace_back(*this, i);
+  MoveTo(0);
   m_database->Add(*this);
 }
 
@@ -100,8 +89,9 @@ void RecordsetCore::Close() {
   m_isOpen = false;
   m_ready = nullptr;
   m_edit.reset();
-  m_rows.reset();
-  m_dynaset = nullptr;
+  m_rows = nullptr;
+  m_dynaset.reset();
+  m_snapshot.reset();
   m_database->Remove(*this);
 }
 
@@ -110,19 +100,19 @@ void RecordsetCore::CheckOpen() const {
 }
 
 bool RecordsetCore::HasItsTable(Store& store) const {
-  return m_dynaset == nullptr || store.FindTable(m_tableName) == &m_dynaset->Table();
+  return !m_dynaset || store.FindTable(m_tableName) == &m_dynaset->Table();
 }
 
 bool RecordsetCore::IsUpdatable() const {
-  return m_dynaset != nullptr && !m_database->IsReadOnly() && !m_dynaset->Table().IsSystem();
+  return m_dynaset.has_value() && !m_database->IsReadOnly() && !m_dynaset->Table().IsSystem();
 }
 
-DynasetRows& RecordsetCore::UpdatableRows() const {
+DynasetRows& RecordsetCore::UpdatableRows() {
   if (IsUpdatable()) return *m_dynaset;
   std::string why = "its rows are the result of a join or of aggregates";
   if (m_database->IsReadOnly()) {
     why = "the database '" + m_database->Name() + "' is open for reading only";
-  } else if (m_dynaset != nullptr) {
+  } else if (m_dynaset) {
     why = "'" + m_tableName + "' is a system table";
   }
   throw Error(ErrorNumber::CannotUpdate, "The recordset cannot be changed: " + why + ".");
@@ -240,7 +230,7 @@ Value RecordsetCore::ReadField(std::size_t field) {
     if (m_edit->IsNew()) return m_edit->Missing(column);
   }
   CheckCurrentRow();
-  if (m_dynaset != nullptr && !m_edit) {
+  if (m_dynaset && !m_edit) {
     const format::RowView& row = m_dynaset->Fetch(m_row);
     if (!m_database->IsObserved()) m_ready = &row;
   }

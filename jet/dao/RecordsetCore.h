@@ -19,7 +19,7 @@ namespace jet {
 class RecordsetCore {
  public:
   /// Runs a statement. Raises as Database::OpenRecordset does.
-  static std::unique_ptr<RecordsetCore> Open(std::shared_ptr<DatabaseCore> database, const std::string& sql);
+  RecordsetCore(std::shared_ptr<DatabaseCore> database, const std::string& sql);
   ~RecordsetCore();
   RecordsetCore(const RecordsetCore&) = delete;
   RecordsetCore& operator=(const RecordsetCore&) = delete;
@@ -85,21 +85,20 @@ class RecordsetCore {
     Deleted,  ///< the row under the cursor was deleted through this recordset
   };
 
-  RecordsetCore(std::shared_ptr<DatabaseCore> database, std::shared_ptr<sql::PreparedSelect> select);
-
   void MoveTo(std::size_t row);
   void CheckCurrentRow() const;
-  DynasetRows& UpdatableRows() const;
+  DynasetRows& UpdatableRows();
 
   std::shared_ptr<DatabaseCore> m_database;
   bool m_isOpen = true;
   std::shared_ptr<sql::PreparedSelect> m_select;  // its columns are the fields
   sql::StatementNumbers m_numbers;                // of the statement that was run
   std::vector<Field> m_fields;
-  std::unique_ptr<RecordsetRows> m_rows;
-  DynasetRows* m_dynaset = nullptr;  // m_rows, if they can be changed
-  std::string m_tableName;           // of the dynaset
-  std::string m_plan;                // once it was asked for
+  std::optional<DynasetRows> m_dynaset;
+  std::optional<SnapshotRows> m_snapshot;
+  RecordsetRows* m_rows = nullptr;  // the one or the other
+  std::string m_tableName;          // of the dynaset
+  std::string m_plan;               // once it was asked for
   State m_state = State::AtEnd;
   std::size_t m_row = 0;
   bool m_noMatch = false;

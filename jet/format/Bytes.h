@@ -35,6 +35,9 @@ inline std::uint32_t LoadBigU24(const std::byte* p) {
 inline std::uint32_t LoadBigU32(const std::byte* p) {
   return (static_cast<std::uint32_t>(LoadU8(p)) << 24) | LoadBigU24(p + 1);
 }
+inline std::uint64_t LoadBigU64(const std::byte* p) {
+  return (std::uint64_t{LoadBigU32(p)} << 32) | LoadBigU32(p + 4);
+}
 
 inline void StoreU8(std::byte* p, std::uint8_t v) {
   *p = std::byte{v};

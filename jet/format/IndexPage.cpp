@@ -34,6 +34,31 @@ int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
   return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
 
+// A key that many entries are compared with: by its first eight bytes, as one number, so far as that decides.
+class SearchedKey {
+ public:
+  explicit SearchedKey(std::span<const std::byte> key)
+      : m_key(key), m_headSize(std::min(key.size(), sizeof m_head)) {
+    for (std::size_t i = 0; i < m_headSize; ++i)
+      m_head |= std::to_integer<std::uint64_t>(key[i]) << (56 - 8 * i);
+    m_headBits = m_headSize == 0 ? 0 : ~std::uint64_t{0} << (64 - 8 * m_headSize);
+  }
+  /// Whether the first `size` of these bytes are less.
+  bool IsAbove(std::span<const std::byte> entry, std::size_t size) const {
+    if (size >= m_headSize && entry.size() >= sizeof m_head) {
+      const std::uint64_t head = LoadBigU64(entry.data()) & m_headBits;
+      if (head != m_head || m_key.size() == m_headSize) return head < m_head;
+    }
+    return CompareBytes(entry.first(size), m_key) < 0;
+  }
+
+ private:
+  std::span<const std::byte> m_key;
+  std::size_t m_headSize;
+  std::uint64_t m_head = 0;
+  std::uint64_t m_headBits = 0;
+};
+
 // The part of an entry mask from a bit on, as numbers, for shifting.
 class Mask {
  public:
@@ -166,6 +191,23 @@ std::size_t IndexPageView::BoundaryUpTo(std::size_t position) const {
   }
 }
 
+EntryPlace IndexPageView::Around(std::size_t position) const {
+  // Most entries are short: both of their ends are in eight bytes of the mask.
+  constexpr std::size_t kBytesBefore = 3;
+  const std::size_t byte = position / 8;
+  if (byte >= kBytesBefore && byte - kBytesBefore + 8 <= kMaskBytes) {
+    const std::uint64_t word = LoadU64(m_page.data() + kMask + byte - kBytesBefore);
+    const std::size_t bit = 8 * kBytesBefore + position % 8;
+    const std::uint64_t upTo = word << (63 - bit);
+    const std::uint64_t after = word >> bit >> 1;
+    if (upTo != 0 && after != 0) {
+      return {position - static_cast<std::size_t>(std::countl_zero(upTo)),
+              position + 1 + static_cast<std::size_t>(std::countr_zero(after))};
+    }
+  }
+  return {BoundaryUpTo(position), BoundaryAfter(position)};
+}
+
 EntryPlace IndexPageView::After(std::size_t begin) const {
   if (begin >= m_used) return {m_used, m_used};
   return {begin, BoundaryAfter(begin)};
@@ -206,14 +248,13 @@ EntryPlace IndexPageView::LowerBound(std::span<const std::byte> key) const {
   if (CompareBytes(Stored(place), key) >= 0) return place;
   const int order = ComparePrefix(key);
   if (order != 0) return order < 0 ? After(m_used) : Next(place);
-  const auto rest = key.subspan(m_prefix);
+  const SearchedKey rest(key.subspan(m_prefix));
   std::size_t low = place.end;  // every entry that begins below `low` is less
   std::size_t high = m_used;    // every entry that begins at or above `high` is not
   while (low < high) {
     const std::size_t middle = low + (high - low) / 2;
-    const std::size_t begin = BoundaryUpTo(middle);
-    place = {begin, BoundaryAfter(middle)};
-    if (CompareBytes(Stored(place), rest) < 0) {
+    place = Around(middle);
+    if (rest.IsAbove(m_page.subspan(kEntries + place.begin), place.end - place.begin)) {
       low = place.end;
     } else {
       high = place.begin;

@@ -110,6 +110,7 @@ class IndexPageView {
   EntryPlace After(std::size_t begin) const;
   std::size_t BoundaryAfter(std::size_t position) const;  // first entry end > position; 0 when there is none
   std::size_t BoundaryUpTo(std::size_t position) const;   // last entry end <= position; 0 when there is none
+  EntryPlace Around(std::size_t position) const;          // both: the entry with that byte
   std::uint32_t LastFour(EntryPlace place) const;
   /// As Compare, of the prefix of all entries but the first, so far as that decides; else 0.
   int ComparePrefix(std::span<const std::byte> key) const;

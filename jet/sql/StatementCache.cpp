@@ -3,6 +3,10 @@
 namespace jet::sql {
 
 std::shared_ptr<PreparedSelect> StatementCache::Get(std::string_view statement, Store& store) {
+  // Most callers run statements of one shape one after the other.
+  if (!m_entries.empty() && m_shape.TakeIfLike(m_entries.front().shape, statement) &&
+      m_entries.front().select->Put(m_shape.numbers))
+    return m_entries.front().select;
   m_shape.Take(statement);
   if (const auto found = m_byShape.find(m_shape.text); found != m_byShape.end()) {
     if (found->second != m_entries.begin()) m_entries.splice(m_entries.begin(), m_entries, found->second);

@@ -49,4 +49,23 @@ void StatementShape::Take(std::string_view statement) {
   text.append(statement, copied);
 }
 
+// Pieces end where they end whatever number follows, so that text that is equal is equal in pieces.
+bool StatementShape::TakeIfLike(std::string_view shape, std::string_view statement) {
+  numbers.count = 0;
+  for (std::size_t at = 0;;) {
+    const std::size_t length = std::min(shape.find(kPlaceholder), shape.size());
+    if (statement.compare(at, length, shape, 0, length) != 0) return false;
+    at += length;
+    if (length == shape.size()) return at == statement.size();
+    shape.remove_prefix(length + 1);
+    const std::size_t begin = at;
+    std::int32_t number = 0;
+    for (; at < statement.size() && at - begin < kMostDigits && IsDigit(statement[at]); ++at)
+      number = number * 10 + (statement[at] - '0');
+    const bool goesOn = at < statement.size() && (IsInWord(statement[at]) || statement[at] == '.');
+    if (at == begin || goesOn) return false;
+    numbers.values[numbers.count++] = number;
+  }
+}
+
 }  // namespace jet::sql

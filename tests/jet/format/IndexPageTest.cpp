@@ -57,6 +57,10 @@ TEST_F(IndexPageTest, RandomChanges_AgreeWithASetOfEntries) {
       if (!place.IsEnd()) {
         ASSERT_EQ(page.Read(place), *bound);
       }
+      const EntryBytes prefix(entry.begin(), entry.begin() + static_cast<int>(random() % 6));
+      const EntryPlace first = page.LowerBound(prefix);
+      const auto firstBound = model.lower_bound(prefix);
+      ASSERT_TRUE(first.IsEnd() ? firstBound == model.end() : page.Read(first) == *firstBound);
       const bool present = bound != model.end() && *bound == entry;
       if (present || (random() % 3 == 0 && !place.IsEnd())) {
         page.Remove(place);

@@ -29,6 +29,39 @@ TEST(StatementShape, TakesOutWholeNumbersOnly) {
   EXPECT_EQ(ShapeOf("1 2 3 4 5 6 7 8 9").numbers.count, StatementNumbers::kMost);
 }
 
+TEST(StatementShape, IsToldFromThatOfAnotherStatement) {
+  const std::vector<std::string> statements = {"",
+                                               "n = 1",
+                                               "n = 22",
+                                               "n = 333333333",
+                                               "n = 4444444444",
+                                               "n = ",
+                                               "n = 1 ",
+                                               "n = 1.5",
+                                               "n = 1a",
+                                               "n1 = 1",
+                                               "n = 1 or n = 2",
+                                               "n = 3 or n = 4",
+                                               "n = \x01",
+                                               "1 2 3 4 5",
+                                               "1 2 3 4 5 6 7 8 9",
+                                               "9 8 7 6 5 4 3 2 9",
+                                               "9 8 7 6 5 4 3 2 1"};
+  for (const std::string& statement : statements) {
+    const StatementShape of = ShapeOf(statement);
+    if (statement.find(StatementShape::kPlaceholder) != std::string::npos) continue;
+    for (const std::string& other : statements) {
+      const StatementShape expected = ShapeOf(other);
+      const bool alike = expected.text == of.text && expected.numbers.count == of.numbers.count;
+      StatementShape shape;
+      ASSERT_EQ(shape.TakeIfLike(of.text, other), alike) << statement << " and " << other;
+      if (!alike) continue;
+      for (std::size_t i = 0; i < expected.numbers.count; ++i)
+        EXPECT_EQ(shape.numbers.values[i], expected.numbers.values[i]) << other;
+    }
+  }
+}
+
 ColumnSpec Column(const char* name, ColumnType type) {
   ColumnSpec column;
   column.name = name;
