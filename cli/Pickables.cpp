@@ -245,6 +245,8 @@ std::string Suggestion(League& league, const PickableWords& words) {
   std::string hint;
   if (!others.empty()) {
     hint = "There is\n" + ListOf(others, note);
+  } else if (WholeNumber(words.who)) {
+    hint = "An id has a letter: P" + words.who + " is a player, T" + words.who + " a team.";
   } else if (!words.retired && !BestOf(Found(league, words, /*skipRetired=*/false), words.who).empty()) {
     what += " who plays";
     hint = "'--retired' looks among retired players too.";

@@ -38,16 +38,30 @@ void DropShownMessages(League& league) {
   throw Failure(code, what + " could not be saved. " + reason, hint);
 }
 
+/// The service's list of all seasons, of which one that cannot be loaded keeps the others away.
+std::shared_ptr<HLIData::KeyedCollection<ISeasonInfo>> LoadAllSeasons(League& league) {
+  try {
+    // The service lists all seasons once; a current one that was forgotten since has to be loaded again
+    // first.
+    if (league.Service().CurrentSeasonID() != 0) {
+      league.Service().GetCurrentSeasonInfo();
+      league.RaiseShownMessages();
+    }
+    const auto loaded = league.Service().GetAllSeasons();
+    league.RaiseShownMessages();
+    return loaded;
+  } catch (const Failure& failure) {
+    throw Failure(failure.Code(), failure.what(),
+                  (failure.Hint().empty() ? "" : failure.Hint() + "\n") +
+                      "'settings --current-season ID' chooses another season; 'dump \"season info\"' shows "
+                      "their ids.");
+  }
+}
+
 }  // namespace
 
 Seasons AllSeasons(League& league) {
-  // The service lists all seasons once; a current one that was forgotten since has to be loaded again first.
-  if (league.Service().CurrentSeasonID() != 0) {
-    league.Service().GetCurrentSeasonInfo();
-    league.RaiseShownMessages();
-  }
-  const auto loaded = league.Service().GetAllSeasons();
-  league.RaiseShownMessages();
+  const auto loaded = LoadAllSeasons(league);
   Seasons seasons = loaded ? loaded->Items() : Seasons();
   std::sort(seasons.begin(), seasons.end(), [](const auto& a, const auto& b) {
     return std::tuple(a->Year(), a->ID()) < std::tuple(b->Year(), b->ID());

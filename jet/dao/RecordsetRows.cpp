@@ -6,14 +6,17 @@
 
 namespace jet {
 
-DynasetRows::DynasetRows(Store& store, jet::Table& table, std::vector<RowId> rows,
+DynasetRows::DynasetRows(Store& store, jet::Table& table, sql::FoundRows rows,
                          const std::vector<sql::OutputColumn>& columns)
     : m_store(&store),
       m_table(&table),
-      m_rows(std::move(rows)),
+      m_rows(std::move(rows.ids)),
       m_columns(&columns),
       m_foundAtOpening(m_rows.size()),
-      m_openedAt(store.Pages().Moment()) {}
+      m_openedAt(store.Pages().Moment()),
+      m_fetched(std::move(rows.first)) {
+  if (m_fetched) m_view = m_table->View(*m_fetched);
+}
 
 const format::RowView& DynasetRows::FetchAnew(std::size_t row) {
   const RowId id = m_rows[row];

@@ -50,7 +50,7 @@ class SnapshotRows final : public RecordsetRows {
 class DynasetRows final : public RecordsetRows {
  public:
   /// `columns` are the fields; they must outlive it.
-  DynasetRows(Store& store, jet::Table& table, std::vector<RowId> rows,
+  DynasetRows(Store& store, jet::Table& table, sql::FoundRows rows,
               const std::vector<sql::OutputColumn>& columns);
 
   std::size_t Count() const override { return m_rows.size(); }

@@ -191,23 +191,6 @@ std::size_t IndexPageView::BoundaryUpTo(std::size_t position) const {
   }
 }
 
-EntryPlace IndexPageView::Around(std::size_t position) const {
-  // Most entries are short: both of their ends are in eight bytes of the mask.
-  constexpr std::size_t kBytesBefore = 3;
-  const std::size_t byte = position / 8;
-  if (byte >= kBytesBefore && byte - kBytesBefore + 8 <= kMaskBytes) {
-    const std::uint64_t word = LoadU64(m_page.data() + kMask + byte - kBytesBefore);
-    const std::size_t bit = 8 * kBytesBefore + position % 8;
-    const std::uint64_t upTo = word << (63 - bit);
-    const std::uint64_t after = word >> bit >> 1;
-    if (upTo != 0 && after != 0) {
-      return {position - static_cast<std::size_t>(std::countl_zero(upTo)),
-              position + 1 + static_cast<std::size_t>(std::countr_zero(after))};
-    }
-  }
-  return {BoundaryUpTo(position), BoundaryAfter(position)};
-}
-
 EntryPlace IndexPageView::After(std::size_t begin) const {
   if (begin >= m_used) return {m_used, m_used};
   return {begin, BoundaryAfter(begin)};
@@ -238,6 +221,23 @@ bool IndexPageView::BeginsWith(EntryPlace place, std::span<const std::byte> byte
 int IndexPageView::ComparePrefix(std::span<const std::byte> key) const {
   const int order = CompareBytes(Prefix(), key.first(std::min(m_prefix, key.size())));
   return order == 0 && m_prefix != 0 && key.size() <= m_prefix ? 1 : order;
+}
+
+inline EntryPlace IndexPageView::Around(std::size_t position) const {
+  // Most entries are short: both of their ends are in eight bytes of the mask.
+  constexpr std::size_t kBytesBefore = 3;
+  const std::size_t byte = position / 8;
+  if (byte >= kBytesBefore && byte - kBytesBefore + 8 <= kMaskBytes) {
+    const std::uint64_t word = LoadU64(m_page.data() + kMask + byte - kBytesBefore);
+    const std::size_t bit = 8 * kBytesBefore + position % 8;
+    const std::uint64_t upTo = word << (63 - bit);
+    const std::uint64_t after = word >> bit >> 1;
+    if (upTo != 0 && after != 0) {
+      return {position - static_cast<std::size_t>(std::countl_zero(upTo)),
+              position + 1 + static_cast<std::size_t>(std::countr_zero(after))};
+    }
+  }
+  return {BoundaryUpTo(position), BoundaryAfter(position)};
 }
 
 EntryPlace IndexPageView::LowerBound(std::span<const std::byte> key) const {

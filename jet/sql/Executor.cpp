@@ -55,7 +55,7 @@ void Executor::Take(std::size_t number, RowId id, const RowRef& row, const Visit
     if (!m_evaluator.Holds(*filter)) return;
   }
   if (number + 1 == m_plan->steps.size()) {
-    visit();
+    visit(row);
   } else {
     RunStep(number + 1, visit);
   }
@@ -117,28 +117,35 @@ bool Executor::NeedsNoMoreThanIds() const {
   return !m_plan->nothing && m_plan->sorted && !step.access && step.filters.empty();
 }
 
-std::vector<RowId> Executor::FindRows() {
-  std::vector<RowId> rows;
+FoundRows Executor::FindRows() {
+  FoundRows found;
+  std::vector<RowId>& rows = found.ids;
   if (NeedsNoMoreThanIds()) {
     const Table& table = TableOf(m_plan->steps.front().source);
     rows.reserve(std::min<std::size_t>(table.RowCount(), kMostReserved));
     for (TableScan scan(table); scan.Next();)
       rows.push_back(scan.Id());
-    return rows;
+    return found;
+  }
+  if (m_plan->sorted) {
+    Run([&](const RowRef& row) {
+      if (rows.empty()) found.first = row;
+      rows.push_back(m_rows[0].id);
+    });
+    return found;
   }
   RowOrder order(m_query->order);
-  Run([&] {
+  Run([&](const RowRef&) {
     rows.push_back(m_rows[0].id);
-    if (m_plan->sorted) return;
     for (const SortColumn& column : m_query->order)
       order.Add(Read(column.column.place));
   });
-  if (m_plan->sorted) return rows;
   std::vector<RowId> sorted;
   sorted.reserve(rows.size());
   for (const std::size_t row : order.Sorted())
     sorted.push_back(rows[row]);
-  return sorted;
+  rows = std::move(sorted);
+  return found;
 }
 
 ValueRows Executor::ReadRows() {
@@ -149,7 +156,7 @@ ValueRows Executor::ReadPlain() {
   ValueRows rows;
   rows.width = m_query->columns.size();
   RowOrder order(m_query->order);
-  Run([&] {
+  Run([&](const RowRef&) {
     for (const OutputColumn& column : m_query->columns)
       rows.values.push_back(Read(column.place));
     if (m_plan->sorted) return;
@@ -176,7 +183,7 @@ ValueRows Executor::ReadAggregates() {
     return result;
   }
   std::vector<Aggregation> aggregations(m_query->columns.begin(), m_query->columns.end());
-  Run([&] {
+  Run([&](const RowRef&) {
     for (std::size_t i = 0; i < aggregations.size(); ++i) {
       const OutputColumn& column = m_query->columns[i];
       aggregations[i].Add(column.star ? Value(true) : Read(column.place));

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "jet/sql/Evaluator.h"
 #include "jet/sql/KeyBounds.h"
 #include "jet/sql/Plan.h"
+#include "jet/table/RowStore.h"
 #include "jet/table/Table.h"
 
 namespace jet::sql {
@@ -20,6 +22,12 @@ struct ValueRows {
   const Value& At(std::size_t row, std::size_t column) const { return values[row * width + column]; }
 };
 
+/// Rows of one table by where they live.
+struct FoundRows {
+  std::vector<RowId> ids;
+  std::optional<RowRef> first;  ///< the first one, if it was looked at
+};
+
 /// Runs a plan. Raises what the reading of rows raises; a result is whole or an error.
 class Executor final : private RowSource {
  public:
@@ -29,7 +37,7 @@ class Executor final : private RowSource {
   void Prepare();
 
   /// The rows of a plain query, in the order of the result.
-  std::vector<RowId> FindRows();
+  FoundRows FindRows();
   /// The values of the result's columns, in the order of the result.
   ValueRows ReadRows();
 

@@ -46,6 +46,7 @@ class Drafting(DraftTest):
         self.refused("draft", "pick", "", says="whom", code=support.USAGE)
         self.refused("draft", "pick", "Olfa", "Dimblewodo", says="Did you mean Olaf Dimblewood (P3, AMB, RB)?")
         self.assertNotIn("Did you mean", self.refused("draft", "pick", "Xyzzy", says="There is no"))
+        self.refused("draft", "pick", "3", says="P3 is a player, T3 a team")
 
     def test_namesakes_are_told_apart(self):
         listed = self.refused("draft", "pick", "Ann", "Twin", says="More than one")

@@ -53,6 +53,8 @@ class Looking(LeagueTest):
             for words in (["season", "list"], ["season", "show"], ["manager", "list"], ["money"], ["history"],
                           ["prize", "set", "1", "5"], ["winning", "add", "7", "1"], ["manager", "fee", "7", "paid"]):
                 self.assertIn("Error in loading season info.", self.refused(*words, says=says))
+            for words in (["season", "list"], ["season", "use", "2020"]):
+                self.refused(*words, says="'settings --current-season ID' chooses another season")
             self.assertIn("2020", self.done("settings", "--current-season", 10) and self.done("season", "show"))
 
 
