@@ -128,6 +128,31 @@ bool AppendAscending(const Value& value, const ColumnDefinition& column, Key& ke
   }
 }
 
+/// Appends the flag and, by `append`, the ascending bytes of a value that is not Null.
+template <typename Append>
+bool AppendFlagged(Key& key, bool isNull, const ColumnDefinition& column, bool ascending,
+                   const Append& append) {
+  if (!HasKnownKeyForm(column, ascending)) return false;
+  const std::size_t before = key.size();
+  if (!isNull) {
+    key.push_back(kValueFlag);
+    if (!append()) {
+      key.resize(before);
+      return false;
+    }
+  } else if (column.type == ColumnType::YesNo) {
+    key.push_back(kValueFlag);
+    key.push_back(kFalseKey);
+  } else {
+    key.push_back(kNullFlag);
+  }
+  if (ascending) return true;
+  for (std::size_t i = before; i < key.size(); ++i)
+    key[i] = ~key[i];
+  if (column.type == ColumnType::Text && !isNull) key.push_back(kDescendingTextEnd);
+  return true;
+}
+
 }  // namespace
 
 bool HasKnownKeyForm(const ColumnDefinition& column, bool ascending) {
@@ -153,25 +178,13 @@ bool HasKnownKeyForm(const ColumnDefinition& column, bool ascending) {
 
 bool AppendKeyColumn(std::vector<std::byte>& key, const Value& value, const ColumnDefinition& column,
                      bool ascending) {
-  if (!HasKnownKeyForm(column, ascending)) return false;
-  const std::size_t before = key.size();
-  if (!value.IsNull()) {
-    key.push_back(kValueFlag);
-    if (!AppendAscending(value, column, key)) {
-      key.resize(before);
-      return false;
-    }
-  } else if (column.type == ColumnType::YesNo) {
-    key.push_back(kValueFlag);
-    key.push_back(kFalseKey);
-  } else {
-    key.push_back(kNullFlag);
-  }
-  if (ascending) return true;
-  for (std::size_t i = before; i < key.size(); ++i)
-    key[i] = ~key[i];
-  if (column.type == ColumnType::Text && !value.IsNull()) key.push_back(kDescendingTextEnd);
-  return true;
+  return AppendFlagged(key, value.IsNull(), column, ascending,
+                       [&] { return AppendAscending(value, column, key); });
+}
+
+bool AppendTextKeyColumn(std::vector<std::byte>& key, std::optional<std::string_view> text,
+                         const ColumnDefinition& column, bool ascending) {
+  return AppendFlagged(key, !text, column, ascending, [&] { return AppendTextKey(*text, key); });
 }
 
 }  // namespace jet::format

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "jet/Value.h"
@@ -17,6 +19,10 @@ namespace jet::format {
 /// another kind than the column's or outside its range.
 bool AppendKeyColumn(std::vector<std::byte>& key, const Value& value, const ColumnDefinition& column,
                      bool ascending);
+
+/// The same of the text of a text column, without a Value of it; none for Null.
+bool AppendTextKeyColumn(std::vector<std::byte>& key, std::optional<std::string_view> text,
+                         const ColumnDefinition& column, bool ascending);
 
 /// Whether every key of an index on this column can be formed (but for text outside the sort table).
 bool HasKnownKeyForm(const ColumnDefinition& column, bool ascending);

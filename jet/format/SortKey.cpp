@@ -178,16 +178,21 @@ class PrimaryBytes {
 /// `key` as it was, for any other.
 bool AppendPlainKey(std::string_view text, std::vector<std::byte>& key) {
   const std::size_t before = key.size();
+  key.resize(before + 2 * text.size() + 2);  // each has two bytes at most
+  std::byte* to = key.data() + before;
   for (const char c : text) {
     const auto point = static_cast<unsigned char>(c);
-    if (point >= 0x80 || kDenseTable[point].kind != SortKind::Plain) {
+    const SortEntry& entry = kDenseTable[point];
+    if (point >= 0x80 || entry.kind != SortKind::Plain) {
       key.resize(before);
       return false;
     }
-    AppendPrimary(kDenseTable[point].primary, key);
+    if (entry.primary > 0xFF) *to++ = static_cast<std::byte>(entry.primary >> 8);
+    *to++ = static_cast<std::byte>(entry.primary & 0xFF);
   }
-  key.push_back(kSectionEnd);
-  key.push_back(kKeyEnd);
+  *to++ = kSectionEnd;
+  *to++ = kKeyEnd;
+  key.resize(static_cast<std::size_t>(to - key.data()));
   return true;
 }
 

@@ -6,7 +6,6 @@
 
 #include "jet/Error.h"
 #include "jet/sql/Aggregation.h"
-#include "jet/sql/RowOrder.h"
 
 namespace jet::sql {
 namespace {
@@ -47,12 +46,14 @@ void Executor::Run(const Visit& visit) {
   if (!m_plan->nothing) RunStep(0, visit);
 }
 
+// `holds`: a filter that is known to hold.
 template <typename Visit>
-void Executor::Take(std::size_t number, RowId id, const RowRef& row, const Visit& visit) {
+void Executor::Take(std::size_t number, RowId id, const RowRef& row, const BoundExpression* holds,
+                    const Visit& visit) {
   const Step& step = m_plan->steps[number];
   m_rows[step.source] = {id, TableOf(step.source).View(row)};
   for (const BoundExpression* filter : step.filters) {
-    if (!m_evaluator.Holds(*filter)) return;
+    if (filter != holds && !m_evaluator.Holds(*filter)) return;
   }
   if (number + 1 == m_plan->steps.size()) {
     visit(row);
@@ -81,8 +82,10 @@ void Executor::RunScan(std::size_t number, const Visit& visit) {
   const Table& table = TableOf(step.source);
   for (TableScan scan(table); scan.Next();) {
     const std::span<const std::byte> bytes = step.sieve ? scan.HomeBytes() : std::span<const std::byte>();
-    if (!bytes.empty() && step.sieve->Rejects(table.View(bytes))) continue;
-    Take(number, scan.Id(), scan.Row(), visit);
+    auto verdict = PrefixSieve::Verdict::Unknown;
+    if (!bytes.empty()) verdict = step.sieve->Look(table.View(bytes));
+    if (verdict == PrefixSieve::Verdict::No) continue;
+    Take(number, scan.Id(), scan.Row(), verdict == PrefixSieve::Verdict::Yes ? step.sieved : nullptr, visit);
   }
 }
 
@@ -97,7 +100,7 @@ void Executor::RunIndex(std::size_t number, const Visit& visit) {
     while (cursor.Next()) {
       const RowId id = cursor.Row();
       const RowRef row = FetchIndexed(table, index, id);
-      Take(number, id, row, visit);
+      Take(number, id, row, nullptr, visit);
     }
     return;
   }
@@ -107,7 +110,7 @@ void Executor::RunIndex(std::size_t number, const Visit& visit) {
   std::sort(rows.begin(), rows.end());
   for (const RowId id : rows) {
     const RowRef row = FetchIndexed(table, index, id);
-    Take(number, id, row, visit);
+    Take(number, id, row, nullptr, visit);
   }
 }
 
@@ -115,6 +118,30 @@ void Executor::RunIndex(std::size_t number, const Visit& visit) {
 bool Executor::NeedsNoMoreThanIds() const {
   const Step& step = m_plan->steps.front();
   return !m_plan->nothing && m_plan->sorted && !step.access && step.filters.empty();
+}
+
+void Executor::AddTo(RowOrder& order) {
+  for (const SortColumn& sort : m_query->order) {
+    if (sort.column.type == ColumnType::Text) {
+      order.AddText(ReadText(sort.column.place, m_text));
+    } else {
+      order.Add(Read(sort.column.place));
+    }
+  }
+}
+
+// Runs the plan, and tells the order that its rows should have.
+template <typename Visit>
+std::vector<std::size_t> Executor::RunToSort(const Visit& visit) {
+  RowOrder order(m_query->order);
+  Run([&](const RowRef&) {
+    visit();
+    AddTo(order);
+  });
+  if (order.IsComplete()) return order.Sorted();
+  RowOrder byValues(m_query->order, RowOrder::By::Values);
+  Run([&](const RowRef&) { AddTo(byValues); });
+  return byValues.Sorted();
 }
 
 FoundRows Executor::FindRows() {
@@ -134,15 +161,10 @@ FoundRows Executor::FindRows() {
     });
     return found;
   }
-  RowOrder order(m_query->order);
-  Run([&](const RowRef&) {
-    rows.push_back(m_rows[0].id);
-    for (const SortColumn& column : m_query->order)
-      order.Add(Read(column.column.place));
-  });
+  const auto order = RunToSort([&] { rows.push_back(m_rows[0].id); });
   std::vector<RowId> sorted;
   sorted.reserve(rows.size());
-  for (const std::size_t row : order.Sorted())
+  for (const std::size_t row : order)
     sorted.push_back(rows[row]);
   rows = std::move(sorted);
   return found;
@@ -155,19 +177,19 @@ ValueRows Executor::ReadRows() {
 ValueRows Executor::ReadPlain() {
   ValueRows rows;
   rows.width = m_query->columns.size();
-  RowOrder order(m_query->order);
-  Run([&](const RowRef&) {
+  const auto take = [&] {
     for (const OutputColumn& column : m_query->columns)
       rows.values.push_back(Read(column.place));
-    if (m_plan->sorted) return;
-    for (const SortColumn& column : m_query->order)
-      order.Add(Read(column.column.place));
-  });
-  if (m_plan->sorted) return rows;
+  };
+  if (m_plan->sorted) {
+    Run([&](const RowRef&) { take(); });
+    return rows;
+  }
+  const auto order = RunToSort(take);
   ValueRows sorted;
   sorted.width = rows.width;
   sorted.values.reserve(rows.values.size());
-  for (const std::size_t row : order.Sorted()) {
+  for (const std::size_t row : order) {
     for (std::size_t column = 0; column < rows.width; ++column)
       sorted.values.push_back(std::move(rows.values[row * rows.width + column]));
   }

@@ -8,6 +8,7 @@
 #include "jet/sql/Evaluator.h"
 #include "jet/sql/KeyBounds.h"
 #include "jet/sql/Plan.h"
+#include "jet/sql/RowOrder.h"
 #include "jet/table/RowStore.h"
 #include "jet/table/Table.h"
 
@@ -60,12 +61,16 @@ class Executor final : private RowSource {
   template <typename Visit>
   void RunStep(std::size_t number, const Visit& visit);
   template <typename Visit>
-  void Take(std::size_t number, RowId id, const RowRef& row, const Visit& visit);
+  void Take(std::size_t number, RowId id, const RowRef& row, const BoundExpression* holds,
+            const Visit& visit);
   template <typename Visit>
   void RunIndex(std::size_t number, const Visit& visit);
   template <typename Visit>
   void RunScan(std::size_t number, const Visit& visit);
   bool NeedsNoMoreThanIds() const;
+  template <typename Visit>
+  std::vector<std::size_t> RunToSort(const Visit& visit);
+  void AddTo(RowOrder& order);
 
   ValueRows ReadPlain();
   ValueRows ReadAggregates();
@@ -77,6 +82,7 @@ class Executor final : private RowSource {
   Evaluator m_evaluator;
   std::vector<CurrentRow> m_rows;  // by source
   std::vector<Buffers> m_buffers;  // by step
+  std::string m_text;              // of a sort column
 };
 
 }  // namespace jet::sql

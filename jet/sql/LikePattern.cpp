@@ -100,6 +100,11 @@ std::string LikePattern::AsciiPrefix() const {
   return prefix;
 }
 
+bool LikePattern::IsAsciiPrefix() const {
+  return !m_elements.empty() && m_elements.back().kind == Element::Kind::AnyRun &&
+         AsciiPrefix().size() + 1 == m_elements.size();
+}
+
 bool LikePattern::Matches(std::string_view text) const {
   // Only the last `*` met is ever tried again: a longer run for an earlier one finds nothing that this
   // misses.

@@ -22,6 +22,8 @@ class LikePattern {
 
   /// The ASCII characters, letters small, that every text that matches begins with in any case.
   std::string AsciiPrefix() const;
+  /// Whether every text that begins so matches.
+  bool IsAsciiPrefix() const;
 
  private:
   struct Range {

@@ -33,6 +33,7 @@ struct Step {
   std::optional<IndexAccess> access;            ///< none: all rows are read
   std::vector<const BoundExpression*> filters;  ///< tested for each row; the index's own conditions as well
   std::optional<PrefixSieve> sieve;             ///< of one of the filters, when all rows are read
+  const BoundExpression* sieved = nullptr;      ///< that filter
 };
 
 /// An aggregate that is read off one end of an index.

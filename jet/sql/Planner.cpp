@@ -232,6 +232,7 @@ void Planner::AddFilters(std::vector<Step>& steps) const {
     for (const BoundExpression* filter : step.filters) {
       if (step.access || step.sieve) continue;
       step.sieve = PrefixSieve::Of(*filter, step.source, TableOf(step.source).Definition());
+      step.sieved = filter;
     }
   }
 }

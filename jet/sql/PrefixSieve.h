@@ -12,33 +12,46 @@
 
 namespace jet::sql {
 
-/// Sees from the stored bytes of most rows that a like with a known beginning does not hold for them, long
-/// before their texts are read.
+/// Sees from the stored bytes of most rows whether a like with a known beginning holds for them, long before
+/// their texts are read.
 class PrefixSieve {
  public:
+  enum class Verdict { No, Unknown, Yes };
+
   /// That of a condition on a text column of the table that is `source` of the statement; none for other
   /// conditions.
   static std::optional<PrefixSieve> Of(const BoundExpression& condition, std::size_t source,
                                        const format::TableDefinition& table);
 
-  /// Whether the condition does surely not hold. Raises DamagedFile.
-  bool Rejects(const format::RowView& row) const {
-    const std::span<const std::byte> text = format::CompressedBytes(row.Field(m_column).bytes);
-    for (std::size_t i = 0; i < m_prefix.size() && i < text.size(); ++i) {
+  /// Whether the condition holds. Raises DamagedFile.
+  Verdict Look(const format::RowView& row) const {
+    const format::RowField field = row.Field(m_column);
+    if (!field.present) return Verdict::No;
+    const std::span<const std::byte> text = format::CompressedBytes(field.bytes);
+    if (text.empty()) return LookAtPlain(field.bytes);
+    for (std::size_t i = 0; i < m_prefix.size(); ++i) {
+      if (i == text.size()) return Verdict::No;
       const auto stored = std::to_integer<unsigned char>(text[i]);
-      if (stored == 0 || stored >= 0x80) return false;  // not a character of ASCII: let others look
-      const bool isCapital = stored >= 'A' && stored <= 'Z';
-      if (static_cast<unsigned char>(m_prefix[i]) != (isCapital ? stored + 32 : stored)) return true;
+      if (stored == 0) return Verdict::Unknown;  // characters of two bytes follow
+      if (!IsLike(m_prefix[i], stored)) return Verdict::No;
     }
-    return false;
+    return m_isAll ? Verdict::Yes : Verdict::Unknown;
   }
 
  private:
-  PrefixSieve(format::ColumnDefinition column, std::string prefix)
-      : m_column(std::move(column)), m_prefix(std::move(prefix)) {}
+  PrefixSieve(format::ColumnDefinition column, std::string prefix, bool isAll)
+      : m_column(std::move(column)), m_prefix(std::move(prefix)), m_isAll(isAll) {}
+
+  // No character of U+0080 to U+00FF is a capital or small form of one of ASCII.
+  static bool IsLike(char small, unsigned char character) {
+    const bool isCapital = character >= 'A' && character <= 'Z';
+    return static_cast<unsigned char>(small) == (isCapital ? character + 32 : character);
+  }
+  Verdict LookAtPlain(std::span<const std::byte> text) const;
 
   format::ColumnDefinition m_column;
   std::string m_prefix;  // ASCII, letters small
+  bool m_isAll;          // anything may follow
 };
 
 }  // namespace jet::sql

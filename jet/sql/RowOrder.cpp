@@ -39,31 +39,48 @@ std::uint64_t FirstBytes(const std::byte* bytes, std::size_t size) {
 }  // namespace
 
 RowOrder::RowOrder(const std::vector<SortColumn>& columns)
-    : m_columns(&columns),
-      m_hasKeys(std::all_of(columns.begin(), columns.end(),
-                            [](const SortColumn& column) { return HasFaithfulKeys(column.column.type); })) {}
+    : RowOrder(columns, std::all_of(columns.begin(), columns.end(),
+                                    [](const SortColumn& sort) { return HasFaithfulKeys(sort.column.type); })
+                            ? By::Keys
+                            : By::Values) {}
 
-void RowOrder::Add(Value value) {
-  m_hasKeys = m_hasKeys && AppendKey(value);
-  m_values.push_back(std::move(value));
-  if (m_hasKeys && m_values.size() % m_columns->size() == 0) m_ends.push_back(m_bytes.size());
-}
-
-bool RowOrder::AppendKey(const Value& value) {
-  const auto* const text = value.As<std::string>();
-  if (text != nullptr && text->size() > kMostKeyBytes) return false;
-  const SortColumn& sort = (*m_columns)[m_values.size() % m_columns->size()];
+template <typename Append>
+void RowOrder::AddKey(const Append& append) {
+  if (!m_isComplete) return;
+  const SortColumn& sort = (*m_columns)[m_next];
   format::ColumnDefinition column;
   column.type = sort.column.type;
-  return format::AppendKeyColumn(m_bytes, value, column, sort.ascending);
+  m_isComplete = append(column, sort.ascending);
+  m_next = m_next + 1 < m_columns->size() ? m_next + 1 : 0;
+  if (m_next == 0) m_ends.push_back(m_bytes.size());
 }
 
-std::vector<std::size_t> RowOrder::Sorted() {
-  return m_hasKeys ? SortedByKeys() : SortedByValues();
+void RowOrder::Add(Value value) {
+  if (m_by == By::Keys) {
+    AddKey([&](const format::ColumnDefinition& column, bool ascending) {
+      return format::AppendKeyColumn(m_bytes, value, column, ascending);
+    });
+  } else {
+    m_values.push_back(std::move(value));
+  }
 }
 
-std::vector<std::size_t> RowOrder::SortedByKeys() {
-  m_values = {};
+void RowOrder::AddText(std::optional<std::string_view> text) {
+  if (m_by == By::Keys) {
+    AddKey([&](const format::ColumnDefinition& column, bool ascending) {
+      return (!text || text->size() <= kMostKeyBytes) &&
+             format::AppendTextKeyColumn(m_bytes, text, column, ascending);
+    });
+  } else {
+    m_values.push_back(text ? Value(std::string(*text)) : Value());
+  }
+}
+
+std::vector<std::size_t> RowOrder::Sorted() const {
+  return m_by == By::Keys ? SortedByKeys() : SortedByValues();
+}
+
+std::vector<std::size_t> RowOrder::SortedByKeys() const {
   std::vector<Key> keys(m_ends.size());
   std::size_t begin = 0;
   for (std::size_t row = 0; row < keys.size(); ++row) {

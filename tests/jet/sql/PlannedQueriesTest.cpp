@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "jet/dao/DBEngine.h"
+#include "jet/format/SortKey.h"
 #include "tests/support/MemoryFileSystem.h"
 
 // An index decides how rows are found, never which: the same rows stand in two tables, one with indexes of
@@ -227,6 +228,42 @@ TEST_F(PlannedQueriesTest, EqualRowsKeepTheOrderInWhichTheyWereRead) {
       lastValue = value;
     }
   }
+}
+
+// Texts of every stored form: compressed, plain, mixed, and with characters that have no key.
+TEST_F(PlannedQueriesTest, Texts) {
+  const std::vector<const char*> texts = {"Maier",  "mañana", "ma",   "m",    "Mä",     "",     "日本",
+                                          "ma日",   "m日a",   "MAX",  "máx",  "maĀ本x", "ſma",  "ab",
+                                          "\u212A", "ka",     "mA b", "Ma-b", "am",     "日ma", "ÿma"};
+  const auto rows = database->OpenRecordset("select * from [plain]");
+  for (const char* text : texts) {
+    rows->AddNew();
+    rows->Fields("n").Value(1000);
+    rows->Fields("h").Value(text);
+    rows->Update();
+  }
+  for (const char* pattern :
+       {"ma*", "MA*", "m*", "ma", "ma?*", "ma*x", "m?x", "*", "ab*", "k*", "má*", "maß*", "*ma"}) {
+    const std::string like = std::string("(h like '") + pattern + "')";
+    std::vector<std::string> expected;
+    const auto all = database->OpenRecordset("select h from [plain] where not (not " + like + ")");
+    for (; !all->Eof(); all->MoveNext())
+      expected.push_back(all->Fields(0).Value().ToText());
+    std::vector<std::string> found;
+    const auto sieved = database->OpenRecordset("select h from [plain] where " + like);
+    for (; !sieved->Eof(); sieved->MoveNext())
+      found.push_back(sieved->Fields(0).Value().ToText());
+    EXPECT_EQ(found, expected) << pattern;
+  }
+  const auto sorted = database->OpenRecordset("select h from [plain] where n >= 1000 order by h desc, n");
+  std::size_t count = 1;
+  std::string last = sorted->Fields(0).Value().ToText();
+  for (sorted->MoveNext(); !sorted->Eof(); sorted->MoveNext(), ++count) {
+    const std::string text = sorted->Fields(0).Value().ToText();
+    EXPECT_TRUE(format::CompareText(last, text) >= 0) << last << " before " << text;
+    last = text;
+  }
+  EXPECT_EQ(count, texts.size());
 }
 
 TEST_F(PlannedQueriesTest, Joins) {
