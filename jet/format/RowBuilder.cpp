@@ -30,26 +30,27 @@ std::size_t FixedSize(const TableDefinition& table) {
 
 }  // namespace
 
-RowBuilder::RowBuilder(const TableDefinition& table)
-    : m_table(table),
-      m_fixed(FixedSize(table)),
-      m_mask(row_layout::MaskSize(table.columnsEver)),
-      m_variable(table.variableColumnsEver) {
+void RowBuilder::Begin() {
+  m_fixed.assign(FixedSize(m_table), std::byte{0});
+  m_mask.assign(row_layout::MaskSize(m_table.columnsEver), std::byte{0});
+  m_variable.assign(m_table.variableColumnsEver, {});
+  m_pool.clear();
   m_pool.reserve(kUsualPool);
 }
 
-RowBuilder::RowBuilder(const TableDefinition& table, std::span<const std::byte> oldRow) : RowBuilder(table) {
+void RowBuilder::Begin(std::span<const std::byte> oldRow) {
+  Begin();
   using namespace row_layout;
   if (oldRow.size() < kFixedStart) RaiseDamaged();
   const std::byte* const bytes = oldRow.data();
   const std::size_t columns = LoadU16(bytes);
   const std::size_t maskSize = MaskSize(columns);
-  if (columns > table.columnsEver || oldRow.size() < kFixedStart + maskSize) RaiseDamaged();
+  if (columns > m_table.columnsEver || oldRow.size() < kFixedStart + maskSize) RaiseDamaged();
   const std::size_t mask = oldRow.size() - maskSize;
   KeepMask(oldRow.subspan(mask), columns);
 
   std::size_t fixedEnd = mask;
-  if (table.variableColumnsEver != 0) {
+  if (m_table.variableColumnsEver != 0) {
     if (mask < kFixedStart + kVariableCountBack) RaiseDamaged();
     const std::size_t variables = LoadU16(bytes + mask - kVariableCountBack);
     const std::size_t tableSize = VariableTableSize(variables);
@@ -117,7 +118,7 @@ void RowBuilder::SetNull(std::size_t columnIndex) {
   }
 }
 
-Bytes RowBuilder::Build() const {
+const Bytes& RowBuilder::Build() {
   using namespace row_layout;
   std::size_t size = kFixedStart + m_fixed.size() + m_mask.size();
   for (const Piece& piece : m_variable)
@@ -128,7 +129,8 @@ Bytes RowBuilder::Build() const {
                                                  " bytes, and a page holds " + std::to_string(kMaxRowSize) +
                                                  ".");
   }
-  Bytes row(size);
+  m_row.assign(size, std::byte{0});
+  Bytes& row = m_row;
   StoreU16(row.data(), m_table.columnsEver);
   std::copy(m_fixed.begin(), m_fixed.end(), row.begin() + kFixedStart);
   std::copy(m_mask.begin(), m_mask.end(), row.end() - static_cast<std::ptrdiff_t>(m_mask.size()));

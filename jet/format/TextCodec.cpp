@@ -212,36 +212,43 @@ std::optional<std::string_view> AsciiIn(std::span<const std::byte> stored) {
 }
 
 Bytes EncodeText(std::string_view utf8, bool compress) {
+  Bytes stored;
+  AppendText(utf8, compress, stored);
+  return stored;
+}
+
+void AppendText(std::string_view utf8, bool compress, Bytes& into) {
   const auto bytes = std::as_bytes(std::span(utf8));
+  const std::size_t begin = into.size();
   if (compress && utf8.size() > kMarkSize && AllAscii(bytes)) {
-    Bytes stored(kMarkSize + utf8.size());
-    stored[0] = kCompressedMark0;
-    stored[1] = kCompressedMark1;
-    std::copy(bytes.begin(), bytes.end(), stored.begin() + kMarkSize);
-    return stored;
+    into.resize(begin + kMarkSize + utf8.size());
+    into[begin] = kCompressedMark0;
+    into[begin + 1] = kCompressedMark1;
+    std::memcpy(into.data() + begin + kMarkSize, bytes.data(), bytes.size());
+    return;
   }
   const std::u16string units = Utf8ToUtf16(utf8);
   // Plain text that begins with U+FEFF would read as compressed.
   const bool mustCompress = !units.empty() && units.front() == kMarkAsUnit;
   if (compress || mustCompress) {
-    Bytes compressed = Compress(units);
-    if (!compressed.empty() && (mustCompress || compressed.size() < 2 * units.size())) return compressed;
+    const Bytes compressed = Compress(units);
+    if (!compressed.empty() && (mustCompress || compressed.size() < 2 * units.size())) {
+      into.insert(into.end(), compressed.begin(), compressed.end());
+      return;
+    }
   }
   if (mustCompress) {
     throw Error(ErrorNumber::CannotConvert,
                 "A text that begins with a byte-order mark and has a character whose low byte is zero cannot "
                 "be stored.");
   }
-  Bytes plain(2 * units.size());
+  into.resize(begin + 2 * units.size());
   for (std::size_t i = 0; i < units.size(); ++i)
-    StoreU16(plain.data() + 2 * i, units[i]);
-  return plain;
+    StoreU16(into.data() + begin + 2 * i, units[i]);
 }
 
 std::size_t Utf16Length(std::string_view utf8) {
-  const bool ascii =
-      std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  return ascii ? utf8.size() : Utf8ToUtf16(utf8).size();
+  return AllAscii(std::as_bytes(std::span(utf8))) ? utf8.size() : Utf8ToUtf16(utf8).size();
 }
 
 std::string Utf16ToUtf8(std::u16string_view units) {

@@ -33,6 +33,8 @@ inline std::span<const std::byte> CompressedBytes(std::span<const std::byte> sto
 /// CannotConvert when the text is not UTF-8. A text that begins with U+FEFF is compressed in any case, since
 /// plain it would be taken for compressed; one that cannot be raises CannotConvert.
 Bytes EncodeText(std::string_view utf8, bool compress);
+/// Appends it.
+void AppendText(std::string_view utf8, bool compress, Bytes& into);
 
 /// Number of UTF-16 units of a text, the length that limits of columns and names count. Raises CannotConvert
 /// when the text is not UTF-8.

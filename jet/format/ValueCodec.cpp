@@ -69,10 +69,10 @@ void AppendTextValue(const ColumnDefinition& column, const std::string& text, By
     throw Error(ErrorNumber::TextTooLong, "The text for the column '" + column.name + "' is longer than " +
                                               std::to_string(column.size / 2) + " characters.");
   }
-  const Bytes stored = EncodeText(text, column.compressed && !column.IsFixed());
-  into.insert(into.end(), stored.begin(), stored.end());
+  const std::size_t begin = into.size();
+  AppendText(text, column.compressed && !column.IsFixed(), into);
   if (!column.IsFixed()) return;
-  for (std::size_t size = stored.size(); size + 1 < column.size; size += 2)
+  for (std::size_t size = into.size() - begin; size + 1 < column.size; size += 2)
     StoreU16(Grow(into, 2), u' ');
 }
 

@@ -27,11 +27,11 @@ KeyBytes KeyAfter(KeyBytes prefix) {
   return prefix;
 }
 
-EntryBytes MakeEntry(const KeyBytes& key, RowId row) {
-  EntryBytes entry(key.size() + 4);
-  std::copy(key.begin(), key.end(), entry.begin());
-  format::StoreBigU32(entry.data() + key.size(), row.page << 8 | row.slot);
-  return entry;
+EntryBytes MakeEntry(KeyBytes key, RowId row) {
+  const std::size_t size = key.size();
+  key.resize(size + format::index_page::kRowBytes);
+  format::StoreBigU32(key.data() + size, row.page << 8 | row.slot);
+  return key;
 }
 
 Index::Index(Pager& pager, const format::TableDefinition& table, std::size_t number, std::string where)

@@ -24,7 +24,7 @@ KeyBytes KeyAfter(KeyBytes prefix);
 void StepKey(KeyBytes& key);
 
 /// The entry of `row` under `key`: the key, then page and slot.
-format::EntryBytes MakeEntry(const KeyBytes& key, RowId row);
+format::EntryBytes MakeEntry(KeyBytes key, RowId row);
 
 /// Walks entries of an index in key order between two bounds. Ends, rather than going wrong, only if the
 /// index is left as it is meanwhile. Raises DamagedFile.

@@ -66,9 +66,9 @@ bool IndexEditor::IsKeylessChild(PageNumber tail, PageNumber lastKeyed) const {
 }
 
 PageNumber IndexEditor::Descend(const EntryBytes& entry) {
-  m_path.clear();
+  m_path.Clear();
   PageNumber number = Root();
-  while (m_path.size() < Index::kMaxDepth) {
+  while (m_path.Length() < Index::kMaxDepth) {
     const PageHandle page = m_pager->Get(number);
     const IndexPageView view(page.Bytes(), number);
     if (view.Table() != m_tablePage) RaiseDamaged("a page of it belongs to another table");
@@ -87,14 +87,14 @@ PageNumber IndexEditor::Descend(const EntryBytes& entry) {
     } else {
       child = view.Child(place);
     }
-    m_path.push_back({number, keyed});
+    m_path.Add({number, keyed});
     number = child;
   }
   RaiseDamaged("its branches are a ring");
 }
 
-bool IndexEditor::Insert(const KeyBytes& key, RowId row) {
-  const EntryBytes entry = MakeEntry(key, row);
+bool IndexEditor::Insert(KeyBytes key, RowId row) {
+  const EntryBytes entry = MakeEntry(std::move(key), row);
   if (entry.size() > kMaxEntry) {
     throw Error(ErrorNumber::RecordTooLarge,
                 "The values of the row are too long for the " + m_index->Where() + ".");
@@ -121,7 +121,7 @@ bool IndexEditor::InsertEntry(const EntryBytes& entry) {
         newKey = !HasKeyOf(page, before, entry);
       }
       if (page.Insert(place, entry)) {
-        if (isLast && !m_path.empty()) RefreshKeys(m_path.size(), leaf);
+        if (isLast && m_path.Length() != 0) RefreshKeys(m_path.Length(), leaf);
         return newKey;
       }
       isEndOfIndex = isLast && page.IndexPageView::Next() == 0;
@@ -166,13 +166,13 @@ bool IndexEditor::EraseEntry(const EntryBytes& entry) {
     page.Remove(place);
     isEmpty = page.Used() == 0;
   }
-  if (m_path.empty()) return true;
+  if (m_path.Length() == 0) return true;
   if (isEmpty) {
     Unlink(leaf);
     FreePage(leaf);
-    RemoveChild(m_path.size() - 1, leaf);
+    RemoveChild(m_path.Length() - 1, leaf);
   } else if (wasLast) {
-    RefreshKeys(m_path.size(), leaf);
+    RefreshKeys(m_path.Length(), leaf);
   }
   return true;
 }
@@ -197,7 +197,7 @@ void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes* appended) {
     entries.insert(place, *appended);
   }
   const std::span<const std::span<const std::byte>> all = entries;
-  const PageNumber left = m_path.empty() ? NewPage(0).Number() : leaf;
+  const PageNumber left = m_path.Length() == 0 ? NewPage(0).Number() : leaf;
   const PageNumber right = NewPage(0).Number();
   for (const auto& [number, part] : {std::pair{left, all.first(cut)}, std::pair{right, all.subspan(cut)}}) {
     const MutablePage page = m_pager->Change(number);
@@ -206,14 +206,14 @@ void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes* appended) {
   }
   LinkAfter(left, right);
   const Child first{EntryBytes(entries[cut - 1].begin(), entries[cut - 1].end()), left};
-  if (m_path.empty()) {
+  if (m_path.Length() == 0) {
     {
       const MutablePage root = m_pager->Change(leaf);
       IndexPage::Initialize(root.Bytes(), m_tablePage, 1);
     }
     WriteBranch(leaf, {{first}, right});
   } else {
-    ReplaceChild(m_path.size() - 1, leaf, {&first, 1}, right);
+    ReplaceChild(m_path.Length() - 1, leaf, {&first, 1}, right);
   }
 }
 

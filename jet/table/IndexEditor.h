@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <span>
@@ -26,7 +27,7 @@ class IndexEditor {
 
   /// Adds an entry. True when no neighbour has the same key. Raises RecordTooLarge for a key that is too
   /// long, DamagedFile when the entry is there already.
-  bool Insert(const KeyBytes& key, RowId row);
+  bool Insert(KeyBytes key, RowId row);
   /// Removes the entry of `row` under `key`; false when there is none.
   bool Erase(const KeyBytes& key, RowId row);
   /// Removes the entry of `row` whatever its key, by reading all leaves; false when there is none.
@@ -36,6 +37,18 @@ class IndexEditor {
   struct Step {
     PageNumber page;  ///< a branch
     bool keyed;       ///< whether an entry names the child that was taken
+  };
+  /// The branches from the root to the leaf found last.
+  class Path {
+   public:
+    void Clear() { m_length = 0; }
+    void Add(Step step) { m_steps[m_length++] = step; }
+    std::size_t Length() const { return m_length; }
+    const Step& operator[](std::size_t level) const { return m_steps[level]; }
+
+   private:
+    std::array<Step, Index::kMaxDepth> m_steps;
+    std::size_t m_length = 0;
   };
   struct Child {
     format::EntryBytes key;  ///< the child's last leaf entry
@@ -75,7 +88,7 @@ class IndexEditor {
   const Index* m_index;
   PageNumber m_tablePage;
   UsageMap m_map;
-  std::vector<Step> m_path;  // branches from the root to the leaf found last
+  Path m_path;
 };
 
 }  // namespace jet

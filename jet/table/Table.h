@@ -11,6 +11,7 @@
 
 #include "jet/Value.h"
 #include "jet/file/Pager.h"
+#include "jet/format/RowBuilder.h"
 #include "jet/format/RowCodec.h"
 #include "jet/format/TableDefinition.h"
 #include "jet/table/Index.h"
@@ -125,7 +126,7 @@ class Table {
                      const RowValues* newValues, int depth);
   void UpdateRow(RowId id, std::span<const ColumnValue> values, int depth);
   void DeleteRow(RowId id, int depth);
-  void AddEntry(std::size_t index, const KeyOfRow& key, RowId id);
+  void AddEntry(std::size_t index, KeyOfRow&& key, RowId id);
   void RemoveEntry(std::size_t index, const KeyOfRow& key, RowId id);
   std::span<const std::byte> StoredValue(const format::ColumnDefinition& column, const Value& value,
                                          Bytes& buffer);
@@ -141,6 +142,7 @@ class Table {
   format::TableDefinition m_definition;
   std::vector<TableIndex> m_indexes;
   std::unique_ptr<RowStore> m_rows;
+  format::RowBuilder m_builder{m_definition};
   mutable std::optional<std::vector<ColumnRules>> m_rules;  // read from the properties when first asked for
 };
 

@@ -7,7 +7,6 @@
 #include "jet/Error.h"
 #include "jet/format/Bytes.h"
 #include "jet/format/IndexKey.h"
-#include "jet/format/RowBuilder.h"
 #include "jet/format/RowCodec.h"
 #include "jet/format/SortKey.h"
 #include "jet/format/TableDefinitionLayout.h"
@@ -233,10 +232,10 @@ std::span<const std::byte> Table::StoredValue(const ColumnDefinition& column, co
               "The value does not fit column '" + column.name + "' of table '" + m_name + "'.");
 }
 
-void Table::AddEntry(std::size_t index, const KeyOfRow& key, RowId id) {
+void Table::AddEntry(std::size_t index, KeyOfRow&& key, RowId id) {
   if (!key.hasEntry) return;
   IndexEditor editor(m_store->Pages(), m_store->Allocator(), m_indexes[index].index, m_definition.page);
-  if (!editor.Insert(*key.bytes, id)) return;
+  if (!editor.Insert(*std::move(key.bytes), id)) return;
   const MutablePage page = m_store->Pages().Change(m_definition.page);
   std::byte* const count = page.Data() + definition_page::DistinctKeysAt(index);
   format::StoreU32(count, format::LoadU32(count) + 1);
@@ -315,18 +314,18 @@ RowId Table::Insert(std::span<const ColumnValue> changes) {
     CheckUnique(i, keys.back(), values, std::nullopt);
   }
 
-  format::RowBuilder builder(m_definition);
+  m_builder.Begin();
   Bytes stored;
   for (std::size_t c = 0; c < values.size(); ++c) {
     if (const bool* flag = values[c].As<bool>()) {
-      builder.SetYesNo(c, *flag);
+      m_builder.SetYesNo(c, *flag);
     } else if (given[c] && !values[c].IsNull()) {
-      builder.Set(c, StoredValue(m_definition.columns[c], values[c], stored));
+      m_builder.Set(c, StoredValue(m_definition.columns[c], values[c], stored));
     }
   }
-  const RowId id = m_rows->Insert(builder.Build());
+  const RowId id = m_rows->Insert(m_builder.Build());
   for (std::size_t i = 0; i < m_indexes.size(); ++i)
-    AddEntry(i, keys[i], id);
+    AddEntry(i, std::move(keys[i]), id);
   AddToRowCount(1);
   // Only now, for a row may refer to itself.
   for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
@@ -380,7 +379,7 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
     CheckUnique(i, key.after, values, id);
     keyChanges.push_back(std::move(key));
   }
-  format::RowBuilder builder(m_definition, oldBytes);
+  m_builder.Begin(oldBytes);
   Bytes stored;
   for (const ColumnValue& change : changes) {
     const ColumnDefinition& column = m_definition.columns[change.column];
@@ -390,17 +389,17 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
         LongValues(m_store->Pages(), m_store->Allocator(), m_definition, column).Free(old.bytes);
     }
     if (const bool* flag = change.value.As<bool>()) {
-      builder.SetYesNo(change.column, *flag);
+      m_builder.SetYesNo(change.column, *flag);
     } else if (change.value.IsNull()) {
-      builder.SetNull(change.column);
+      m_builder.SetNull(change.column);
     } else {
-      builder.Set(change.column, StoredValue(column, change.value, stored));
+      m_builder.Set(change.column, StoredValue(column, change.value, stored));
     }
   }
-  m_rows->Replace(id, builder.Build());
-  for (const KeyChange& key : keyChanges) {
+  m_rows->Replace(id, m_builder.Build());
+  for (KeyChange& key : keyChanges) {
     RemoveEntry(key.index, key.before, id);
-    AddEntry(key.index, key.after, id);
+    AddEntry(key.index, std::move(key.after), id);
   }
 
   // Only now, for a row may refer to itself, by its old key or its new one. What refers to the old key comes
