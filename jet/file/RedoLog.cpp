@@ -12,7 +12,7 @@ namespace jet {
 namespace {
 
 constexpr char kMark[16] = "jet redo log";
-constexpr std::uint32_t kVersion = 1;
+constexpr std::uint32_t kVersion = 2;
 constexpr std::uint32_t kUnitMark = 0x54494E55;
 constexpr std::size_t kLeastAhead = std::size_t{64} << 10;  // zeros written ahead of the end at a time
 constexpr std::size_t kMostAhead = std::size_t{1} << 20;
@@ -71,6 +71,7 @@ struct RedoLog::PageHead {
   std::uint32_t number;
   std::uint32_t isNew;
   SectorSums before;
+  Hole hole;
 };
 
 RedoLog::RedoLog(std::shared_ptr<FileSystem> files, const std::string& databaseName, Durability durability,
@@ -88,6 +89,32 @@ RedoLog::SectorSums RedoLog::SumsOf(const PageBytes& page) {
   for (std::size_t i = 0; i < kSectors; ++i)
     sums[i] = SumOf(std::span(page).subspan(i * kSectorSize, kSectorSize));
   return sums;
+}
+
+RedoLog::Hole RedoLog::HoleIn(const PageBytes& page) {
+  constexpr std::size_t kBlock = 64;
+  Hole longest;
+  Hole hole;
+  for (std::size_t at = 0; at < kPageSize; at += kBlock) {
+    std::uint64_t words[kBlock / 8];
+    std::memcpy(words, page.data() + at, sizeof words);
+    std::uint64_t bits = 0;
+    for (const std::uint64_t word : words)
+      bits |= word;
+    if (bits != 0) {
+      hole = {};
+      continue;
+    }
+    if (hole.size == 0) hole.begin = static_cast<std::uint16_t>(at);
+    hole.size = static_cast<std::uint16_t>(hole.size + kBlock);
+    if (hole.size > longest.size) longest = hole;
+  }
+  return longest;
+}
+
+void RedoLog::AddWritten(std::span<const std::byte> written, Hole hole, Checksum& sum) {
+  sum.Add(written.first(hole.begin));
+  sum.Add(written.subspan(hole.begin));
 }
 
 void RedoLog::Recover(File& database, bool readOnly) {
@@ -156,7 +183,7 @@ bool RedoLog::ReadUnit(std::uint64_t size) {
       head.pageCount > kMaxPages || head.pageCount < m_pageCount) {
     return false;
   }
-  if ((size - at) / (sizeof(PageHead) + kPageSize) < head.pages) return false;
+  if ((size - at) / sizeof(PageHead) < head.pages) return false;
   std::vector<PageHead> pageHeads(head.pages);
   if (!read(std::as_writable_bytes(std::span(pageHeads)))) return false;
   Checksum sum(m_sum);
@@ -167,10 +194,11 @@ bool RedoLog::ReadUnit(std::uint64_t size) {
   pages.reserve(head.pages);
   PageBytes page;
   for (const PageHead& pageHead : pageHeads) {
-    if (pageHead.number >= head.pageCount) return false;
-    pages.push_back({pageHead.number, {at, pageHead.isNew != 0, pageHead.before}});
-    if (!read(page)) return false;
-    sum.Add(page);
+    if (pageHead.number >= head.pageCount || !pageHead.hole.Fits()) return false;
+    pages.push_back({pageHead.number, {at, pageHead.hole, pageHead.isNew != 0, pageHead.before}});
+    const auto written = std::span(page).first(pageHead.hole.Written());
+    if (!read(written)) return false;
+    AddWritten(written, pageHead.hole, sum);
   }
   std::uint64_t stored = 0;
   if (!read(std::as_writable_bytes(std::span(&stored, 1))) || stored != sum.Value()) return false;
@@ -223,7 +251,12 @@ void RedoLog::RaiseDoesNotBelong() const {
 }
 
 void RedoLog::Read(PageNumber number, PageBytes& into) {
-  m_file->Read(m_pages.at(number).offset, into);
+  const LoggedPage& page = m_pages.at(number);
+  const std::size_t written = page.hole.Written();
+  m_file->Read(page.offset, std::span(into).first(written));
+  std::byte* const hole = into.data() + page.hole.begin;
+  std::memmove(hole + page.hole.size, hole, written - page.hole.begin);
+  std::memset(hole, 0, page.hole.size);
 }
 
 void RedoLog::Append(std::span<const ChangedPage> changes, PageNumber oldPageCount, PageNumber pageCount) {
@@ -286,16 +319,22 @@ void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCo
     } else {
       page.before = SumsOf(*change.before);
     }
+    page.hole = HoleIn(*change.after);
     page.offset = offset;
-    offset += kPageSize;
+    offset += page.hole.Written();
     m_appended.push_back(page);
-    put(BytesOf(PageHead{.number = change.number, .isNew = page.isNew ? 1u : 0u, .before = page.before}));
+    put(BytesOf(PageHead{
+        .number = change.number, .isNew = page.isNew ? 1u : 0u, .before = page.before, .hole = page.hole}));
   }
   sum.Add(BytesOf(head));
   sum.Add(std::span<const std::byte>(m_buffer).subspan(sizeof head));
-  for (const ChangedPage& change : changes) {
-    sum.Add(*change.after);
-    put(*change.after);
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    const std::span<const std::byte> page = *changes[i].after;
+    const Hole hole = m_appended[i].hole;
+    const std::size_t begin = m_buffer.size();
+    put(page.first(hole.begin));
+    put(page.subspan(hole.begin + hole.size));
+    AddWritten(std::span<const std::byte>(m_buffer).subspan(begin), hole, sum);
     if (m_buffer.size() >= kLongestWrite) flush();
   }
   m_sum = sum.Value();

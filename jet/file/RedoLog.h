@@ -15,6 +15,8 @@
 
 namespace jet {
 
+class Checksum;
+
 /// The redo log of one open database file: a file beside it, named as it with "-log" behind, whatever link it
 /// was opened by.
 ///
@@ -27,8 +29,9 @@ namespace jet {
 /// Layout, in the machine's byte order, since a log is replayed where it was written:
 ///     header   512 bytes: mark, version, page size, pages of the database file, salt, checksum
 ///     unit     mark, sequence, pages in the unit, pages of the file after it; then for each page its number,
-///              whether the database file has it, and a checksum of each of its sectors there; then the pages
-///              as they become; then a checksum of all of it, which begins with that of the unit before
+///              whether the database file has it, a checksum of each of its sectors there, and where it is
+///              zero; then the pages as they become, each without its longest run of zeros; then a checksum
+///              of all of it, which begins with that of the unit before
 /// After a checkpoint of a log that stays in use, a new salt makes what is left in it void.
 ///
 /// Pages are here as they are in the file, coded if its pages are. The caller holds the lock of the database
@@ -88,13 +91,23 @@ class RedoLog {
   struct Header;
   struct UnitHead;
   struct PageHead;
+  /// A run of zeros of a page that is not written. Pages are half empty mostly.
+  struct Hole {
+    std::uint16_t begin = 0;
+    std::uint16_t size = 0;
+    std::size_t Written() const { return kPageSize - size; }
+    bool Fits() const { return std::size_t{begin} + size <= kPageSize; }
+  };
   struct LoggedPage {
     std::uint64_t offset = 0;  ///< of its newest state in the log
-    bool isNew = false;        ///< the database file did not have it at the last checkpoint
-    SectorSums before{};       ///< of its state at the last checkpoint
+    Hole hole;
+    bool isNew = false;   ///< the database file did not have it at the last checkpoint
+    SectorSums before{};  ///< of its state at the last checkpoint
   };
 
   static SectorSums SumsOf(const PageBytes& page);
+  static Hole HoleIn(const PageBytes& page);
+  static void AddWritten(std::span<const std::byte> written, Hole hole, Checksum& sum);
 
   void Create(PageNumber pageCount);
   void WriteHeader(PageNumber pageCount);
