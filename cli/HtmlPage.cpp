@@ -66,7 +66,7 @@ td b{display:block;font-weight:650}
 @page{size:landscape;margin:10mm}
 @media print{body{background:#fff;font-size:10pt}main,.board main{max-width:none;padding:0}.board{font-size:6.5pt}
 .board th,.board td{padding:.1rem .18rem}
-.box{border-color:#888;border-radius:0;overflow:visible}thead{display:table-header-group}tr,.top{break-inside:avoid}
+.box{border:0;border-radius:0;overflow:visible}table{border:1px solid #888}thead{display:table-header-group}tr,.top{break-inside:avoid}
 th,td{padding:.15rem .35rem;border-color:#888}.clock{font-size:1.2em}.due{outline:2px solid #000}}
 )";
 
