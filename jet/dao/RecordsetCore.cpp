@@ -56,6 +56,17 @@ class SearchedRow final : public sql::RowSource {
 
 }  // namespace
 
+// To the first row from `row` on that was not deleted through this recordset.
+inline void RecordsetCore::MoveTo(std::size_t row) {
+  m_ready = nullptr;
+  m_edit.reset();
+  m_noMatch = false;
+  m_row = row;
+  while (m_row < m_rows->Count() && !m_rows->Has(m_row))
+    ++m_row;
+  m_state = m_row < m_rows->Count() ? State::AtRow : State::AtEnd;
+}
+
 RecordsetCore::RecordsetCore(std::shared_ptr<DatabaseCore> database, const std::string& sql)
     : m_database(std::move(database)),
       m_select(m_database->Statements().Get(sql, m_database->OpenStore())),
@@ -116,17 +127,6 @@ DynasetRows& RecordsetCore::UpdatableRows() {
     why = "'" + m_tableName + "' is a system table";
   }
   throw Error(ErrorNumber::CannotUpdate, "The recordset cannot be changed: " + why + ".");
-}
-
-// To the first row from `row` on that was not deleted through this recordset.
-void RecordsetCore::MoveTo(std::size_t row) {
-  m_ready = nullptr;
-  m_edit.reset();
-  m_noMatch = false;
-  m_row = row;
-  while (m_row < m_rows->Count() && !m_rows->Has(m_row))
-    ++m_row;
-  m_state = m_row < m_rows->Count() ? State::AtRow : State::AtEnd;
 }
 
 void RecordsetCore::MoveFirst() {

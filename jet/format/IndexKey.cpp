@@ -32,8 +32,10 @@ using Key = std::vector<std::byte>;
 
 template <typename Unsigned>
 void AppendBig(Unsigned bits, Key& key) {
-  for (std::size_t i = sizeof(Unsigned); i > 0; --i)
-    key.push_back(static_cast<std::byte>(bits >> (8 * (i - 1)) & 0xFF));
+  const std::size_t at = key.size();
+  key.resize(at + sizeof(Unsigned));
+  for (std::size_t i = sizeof(Unsigned); i > 0; --i, bits = static_cast<Unsigned>(bits >> 4 >> 4))
+    key[at + i - 1] = static_cast<std::byte>(bits & 0xFF);
 }
 
 /// Big-endian with the sign bit flipped.

@@ -47,7 +47,7 @@ class SearchedKey {
   bool IsAbove(std::span<const std::byte> entry, std::size_t size) const {
     if (size >= m_headSize && entry.size() >= sizeof m_head) {
       const std::uint64_t head = LoadBigU64(entry.data()) & m_headBits;
-      if (head != m_head || m_key.size() == m_headSize) return head < m_head;
+      if (m_key.size() == m_headSize || head != m_head) return head < m_head;
     }
     return CompareBytes(entry.first(size), m_key) < 0;
   }
@@ -254,11 +254,11 @@ EntryPlace IndexPageView::LowerBound(std::span<const std::byte> key) const {
   while (low < high) {
     const std::size_t middle = low + (high - low) / 2;
     place = Around(middle);
-    if (rest.IsAbove(m_page.subspan(kEntries + place.begin), place.end - place.begin)) {
-      low = place.end;
-    } else {
-      high = place.begin;
-    }
+    const bool isLess = rest.IsAbove(m_page.subspan(kEntries + place.begin), place.end - place.begin);
+    // Without a branch, which nobody could foretell.
+    const std::size_t mask = std::size_t{0} - static_cast<std::size_t>(isLess);
+    low = (place.end & mask) | (low & ~mask);
+    high = (place.begin & ~mask) | (high & mask);
   }
   return After(low);
 }

@@ -31,18 +31,37 @@ bool IsSurrogate(char32_t unit) {
   return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
+constexpr std::uint64_t kHighBits = 0x8080808080808080;
+
+/// A bit set for each byte of a word that is not the code of an ASCII character, or is 0.
+std::uint64_t NotAscii(std::uint64_t word) {
+  // Bytes without the high bit that have it when 7f is added to them are not 0.
+  constexpr std::uint64_t kOtherBits = 0x7F7F7F7F7F7F7F7F;
+  return (word | ~((word & kOtherBits) + kOtherBits)) & kHighBits;
+}
+
+template <typename Word>
+std::uint64_t LoadWord(const std::byte* from) {
+  Word word = 0;
+  std::memcpy(&word, from, sizeof word);
+  return word;
+}
+
 /// Whether the bytes are the codes of ASCII characters, none of them 0.
 bool AllAscii(std::span<const std::byte> bytes) {
-  // Eight at a time: those without the high bit that have it when 7f is added to them are not 0.
-  constexpr std::uint64_t kHighBits = 0x8080808080808080;
-  constexpr std::uint64_t kOtherBits = 0x7F7F7F7F7F7F7F7F;
-  std::size_t at = 0;
-  for (; at + 8 <= bytes.size(); at += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes.data() + at, sizeof word);
-    if ((word & kHighBits) != 0 || ((word + kOtherBits) & kHighBits) != kHighBits) return false;
+  const std::byte* const data = bytes.data();
+  const std::size_t size = bytes.size();
+  // The last word overlaps the one before it.
+  if (size >= 8) {
+    std::uint64_t found = NotAscii(LoadWord<std::uint64_t>(data + size - 8));
+    for (std::size_t at = 0; at + 8 < size; at += 8)
+      found |= NotAscii(LoadWord<std::uint64_t>(data + at));
+    return found == 0;
   }
-  return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.end(),
+  if (size >= 4) {
+    return NotAscii(LoadWord<std::uint32_t>(data) << 32 | LoadWord<std::uint32_t>(data + size - 4)) == 0;
+  }
+  return std::all_of(bytes.begin(), bytes.end(),
                      [](std::byte b) { return b > kSwitch && b < std::byte{0x80}; });
 }
 
