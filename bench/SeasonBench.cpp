@@ -75,6 +75,10 @@ BENCHMARK_CAPTURE(SavePicks, normal, jet::Durability::Normal)
     ->Name("SaveDrafts-normal/jet")
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
+BENCHMARK_CAPTURE(SavePicks, off, jet::Durability::Off)
+    ->Name("SaveDrafts-off/jet")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 void SavePicksSqlite(benchmark::State& state, SqliteDatabase::Mode mode) {
   SqliteDatabase database(League::WithPlayers(kPlayers).SqliteCopy(), mode);

@@ -61,7 +61,7 @@ void Lookups(benchmark::State& state, bool prepared) {
   const auto players = CountOf(state) == 2500 ? LeaguePlayers() : MadeUpPlayers(1, CountOf(state));
   std::mt19937 random(1);
   SqliteStatement once(database, "select * from player_info where id = ?");
-  for (auto _ : state) {
+  const auto lookUp = [&] {
     for (std::size_t i = 0; i < kChanges; ++i) {
       const std::int32_t id = players[random() % players.size()].id;
       if (prepared) {
@@ -73,7 +73,10 @@ void Lookups(benchmark::State& state, bool prepared) {
         benchmark::DoNotOptimize(ReadAll(rows));
       }
     }
-  }
+  };
+  lookUp();  // to have in the cache what fits it
+  for (auto _ : state)
+    lookUp();
 }
 BENCHMARK_CAPTURE(Lookups, text, false)->Name("Lookups/sqlite")->Arg(2500)->Arg(kManyPlayers);
 BENCHMARK_CAPTURE(Lookups, prepared, true)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws what an item costs as tables grow, from the medians of a benchmark run: growth.py RESULT.json PICTURE.svg"""
+"""Draws what an item costs as tables grow, from the quickest repetitions of benchmark runs: growth.py RESULT.json [RESULT.json ...] PICTURE.svg"""
 import json
 import math
 import sys
@@ -16,20 +16,21 @@ SCALE = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 WIDTH, HEIGHT, LEFT, TOP, GAP = 320, 200, 60, 40, 110
 
 
-def read(result):
+def read(runs):
     """{panel: {party: [(rows, nanoseconds an item)]}}, the rows ascending."""
     points = {}
-    for run in result["benchmarks"]:
+    for run in runs:
         what, who, *rest = run["run_name"].split("/")
-        if run.get("aggregate_name") != "median" or what not in PANELS or who not in PARTIES or not rest:
+        if run["run_type"] != "iteration" or what not in PANELS or who not in PARTIES or not rest:
             continue
         if what == "Lookups" and who == "sqlite":
             continue
         rows = int(rest[0])
         clock = "real_time" if "real_time" in rest else "cpu_time"
         cost = run[clock] * SCALE[run["time_unit"]] / PANELS[what][1](rows)
-        points.setdefault(what, {}).setdefault(who, []).append((rows, cost))
-    return {what: {who: sorted(line) for who, line in by.items()} for what, by in points.items()}
+        line = points.setdefault(what, {}).setdefault(who, {})
+        line[rows] = min(cost, line.get(rows, cost))
+    return {what: {who: sorted(line.items()) for who, line in by.items()} for what, by in points.items()}
 
 
 def panel(number, what, lines):
@@ -65,8 +66,12 @@ def panel(number, what, lines):
 
 
 def main():
-    with open(sys.argv[1], encoding="utf-8") as handle:
-        points = read(json.load(handle))
+    *results, picture = sys.argv[1:]
+    runs = []
+    for result in results:
+        with open(result, encoding="utf-8") as handle:
+            runs += json.load(handle)["benchmarks"]
+    points = read(runs)
     drawn = [what for what in PANELS if what in points]
     width = 2 * (LEFT + WIDTH) + GAP
     height = TOP + -(-len(drawn) // 2) * (HEIGHT + GAP)
@@ -76,7 +81,7 @@ def main():
            "polyline{fill:none;stroke-width:2}</style>", f'<rect width="{width}" height="{height}" fill="#fff"/>']
     for number, what in enumerate(drawn):
         svg += panel(number, what, points[what])
-    with open(sys.argv[2], "w", encoding="utf-8") as handle:
+    with open(picture, "w", encoding="utf-8") as handle:
         handle.write("\n".join(svg + ["</svg>"]) + "\n")
 
 

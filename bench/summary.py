@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
-"""Puts the medians of a benchmark run as a table into a document: summary.py RESULT.json [RESULT.json ...] DOCUMENT.md
+"""Puts the times of a benchmark run as a table into a document: summary.py RESULT.json [RESULT.json ...] DOCUMENT.md
 
-The first result says on what machine it was. The table takes the place of what stands between the lines `<!-- measured -->` and `<!-- end -->`. Benchmarks are named
-WHAT/WHO[/ROWS][/real_time]; of those that wait for the disk the time on the wall counts, of the others the
-processor's."""
+The first result says on what machine it was. The table takes the place of what stands between the lines
+`<!-- measured -->` and `<!-- end -->`. Benchmarks are named WHAT/WHO[/ROWS][/real_time]; of those that wait for the
+disk the time on the wall counts, of the others the processor's. Every repetition is in the results. The times are
+medians, the ratio is that of all the time that either took: on a machine that changes its speed now and then, the
+medians of two parties need not be taken at the same one."""
 import json
 import os
+import statistics
 import sys
 
 BEGIN, END = "<!-- measured -->\n", "<!-- end -->\n"
@@ -22,40 +25,47 @@ def duration(nanoseconds):
 
 
 def read(result):
-    """Of each measurement the time of each party, its variation, and what our own run counted."""
+    """Of each measurement the times of each party and what our own run counted."""
     scale = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-    times, spread, counters = {}, {}, {}
+    times, counters = {}, {}
     for run in result["benchmarks"]:
+        if run["run_type"] != "iteration" or run.get("error_occurred"):
+            continue
         what, who, *rest = run["run_name"].split("/")
         clock = "real_time" if "real_time" in rest else "cpu_time"
         key = (what, next((part for part in rest if part != "real_time"), ""))
-        if run.get("aggregate_name") == "median":
-            times.setdefault(key, {})[who] = run[clock] * scale[run["time_unit"]]
-            if who == "jet":
-                counters[key] = [text.format(run[name]) for name, text in COUNTERS.items() if name in run]
-        elif run.get("aggregate_name") == "cv":
-            spread[(key, who)] = run[clock]
-    return times, spread, counters
+        times.setdefault(key, {}).setdefault(who, []).append(run[clock] * scale[run["time_unit"]])
+        if who == "jet":
+            most = counters.setdefault(key, {})
+            for name in COUNTERS:
+                if name in run:
+                    most[name] = max(run[name], most.get(name, 0))
+    return times, counters
+
+
+def shown(times):
+    """The median, marked when the times vary by more than a tenth."""
+    varies = len(times) > 1 and statistics.stdev(times) > 0.1 * statistics.mean(times)
+    return ("~" if varies else "") + duration(statistics.median(times))
 
 
 def table(result):
-    times, spread, counters = read(result)
+    times, counters = read(result)
     context = result["context"]
-    worst = max(spread.values(), default=0)
     lines = [f"Measured on {context['date'][:10]}, {context['num_cpus']} processors of {context['mhz_per_cpu']} MHz, load "
-             f"average {context['load_avg'][0]:.1f} at the start. Repetitions of a measurement vary by up to {worst:.0%} "
-             "(coefficient of variation); those of more than 10 % are marked `~`.", "",
+             f"average {context['load_avg'][0]:.1f} at the start. Medians; those whose repetitions vary by more than a "
+             "tenth are marked `~`.", "",
              "| what | rows | ours | peer | its time | ours / its | |", "|---|---|---|---|---|---|---|"]
     for (what, rows), by in sorted(times.items()):
-        if list(by) == ["jet"]:
-            by["none"] = 0
-        for peer, theirs in by.items():
-            if peer == "jet" or "jet" not in by:
-                continue
-            marks = ["~" if spread.get(((what, rows), who), 0) > 0.1 else "" for who in ("jet", peer)]
-            its, ratio = (duration(theirs), f"{by['jet'] / theirs:.2f}") if theirs else ("", "")
-            lines.append(f"| {what} | {rows} | {marks[0]}{duration(by['jet'])} | {peer} | {marks[1]}{its} | {ratio} | "
-                         f"{', '.join(counters.get((what, rows), []))} |")
+        ours = by.pop("jet", None)
+        if ours is None:
+            continue
+        counted = ", ".join(COUNTERS[name].format(most) for name, most in counters[(what, rows)].items())
+        for peer, theirs in sorted(by.items()):
+            ratio = statistics.mean(ours) / statistics.mean(theirs)
+            lines.append(f"| {what} | {rows} | {shown(ours)} | {peer} | {shown(theirs)} | {ratio:.2f} | {counted} |")
+        if not by:
+            lines.append(f"| {what} | {rows} | {shown(ours)} | none | | | {counted} |")
     return "\n".join(lines) + "\n"
 
 
