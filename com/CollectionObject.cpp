@@ -48,8 +48,7 @@ CollectionObject::~CollectionObject() {
 }
 
 HRESULT CollectionObject::get_Item(VARIANT keyOrPosition, IDispatch** value) noexcept {
-  return Guarded([&] {
-    Required(value) = nullptr;
+  return Filled(value, [&] {
     *value =
         std::visit([this](const auto& selector) { return m_items->Item(selector); }, Selected(keyOrPosition))
             .Detach();
@@ -57,12 +56,11 @@ HRESULT CollectionObject::get_Item(VARIANT keyOrPosition, IDispatch** value) noe
 }
 
 HRESULT CollectionObject::get_Count(LONG* value) noexcept {
-  return Guarded([&] { Required(value) = m_items->Count(); });
+  return Filled(value, [&] { *value = m_items->Count(); });
 }
 
 HRESULT CollectionObject::get__NewEnum(IUnknown** value) noexcept {
-  return Guarded([&] {
-    Required(value) = nullptr;
+  return Filled(value, [&] {
     std::vector<ComPtr<IDispatch>> items;
     for (std::int32_t position = 1; position <= m_items->Count(); ++position)
       items.push_back(m_items->Item(position));

@@ -92,6 +92,15 @@ class ComObject : public Interfaces..., public ISupportErrorInfo, public IRecord
       return ReportCurrentException();
     }
   }
+  /// The same for work that fills `*out`, which is empty when it fails, in whatever apartment.
+  template <typename Out, typename Work>
+  HRESULT Filled(Out* out, Work&& work) noexcept {
+    if (out) *out = Out{};
+    return Guarded([&] {
+      Required(out);
+      work();
+    });
+  }
 
  private:
   void* Find(REFIID id) noexcept {

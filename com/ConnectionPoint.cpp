@@ -27,7 +27,6 @@ ConnectionPoint::ConnectionPoint(IConnectionPointContainer& container, REFIID ev
 
 void ConnectionPoint::Raise() {
   constexpr DISPID kEvent = 1;
-  const ComPtr<IConnectionPointContainer> alive(&m_container);  // a sink may let go of the last reference
   const std::vector<Connection> connections = m_connections;
   for (const Connection& connection : connections) {
     const bool isConnected =
@@ -87,6 +86,8 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) noexcept {
                                   [cookie](const Connection& each) { return each.cookie == cookie; });
   if (found == m_connections.end())
     return Report(CONNECT_E_NOCONNECTION, "No sink is connected under that number.");
+  // Let go of only when it is out of the list, which the sink may change in turn.
+  const ComPtr<IDispatch> sink = std::move(found->sink);
   m_connections.erase(found);
   return S_OK;
 }
@@ -94,6 +95,8 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) noexcept {
 HRESULT ConnectionPoint::EnumConnections(IEnumConnections** connections) noexcept {
   if (!connections) return E_POINTER;
   *connections = nullptr;
+  if (IsOtherApartment())
+    return Report(RPC_E_WRONG_THREAD, "The settings belong to the apartment that made them.");
   try {
     std::vector<Held> held;
     for (const Connection& connection : m_connections)

@@ -18,8 +18,8 @@ class ConnectionPoint final : public IConnectionPoint {
   ConnectionPoint(const ConnectionPoint&) = delete;
   ConnectionPoint& operator=(const ConnectionPoint&) = delete;
 
-  /// Calls every sink's event number 1. A sink may disconnect itself, or others, under way; one that fails
-  /// does not keep the others from hearing it.
+  /// Calls every sink's event number 1; the caller holds the container. A sink may disconnect itself, or
+  /// others, under way; one that fails does not keep the others from hearing it.
   void Raise();
 
   STDMETHODIMP QueryInterface(REFIID id, void** object) noexcept override;

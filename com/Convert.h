@@ -50,8 +50,8 @@ inline constexpr bool kIsReference = false;
 template <typename T>
 inline constexpr bool kIsReference<std::shared_ptr<T>> = true;
 
-/// What a client gave, as a `Value` of the component. `name` is the parameter's, for errors. Raises a type
-/// mismatch for an object that is not what is wanted.
+/// What a client gave, as a `Value` of the component. Raises a type mismatch for an object that is not what
+/// is wanted.
 template <typename Value, typename Given>
 Value FromCom(Given given) {
   if constexpr (kIsReference<Value>) {

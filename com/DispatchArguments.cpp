@@ -75,6 +75,8 @@ VARTYPE DispatchArguments::ReferredType(const TYPEDESC& type) {
 void DispatchArguments::Prepare(VARIANT& argument, VARTYPE referred) {
   const bool isVariable = V_VT(&argument) == (VT_BYREF | VT_VARIANT);
   if (referred == VT_EMPTY ? !isVariable : V_VT(&argument) == (VT_BYREF | referred)) return;
+  if (referred != VT_EMPTY && !isVariable && (V_VT(&argument) & VT_BYREF))
+    throw ComError(DISP_E_TYPEMISMATCH, "A variable of the call is of another type than the member fills.");
 
   StandIn& standIn = m_standIns.emplace_back();
   VariantInit(&standIn.value);

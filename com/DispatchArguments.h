@@ -12,7 +12,7 @@ namespace HLDataSrvc::Com {
 /// A script passes its variables by reference and untyped. Where the member takes a typed reference, a value
 /// of that type stands in for the variable during the call, and CopyBack hands it back; elsewhere the
 /// variable's value takes its place. A plain value is taken where a reference is wanted, and then what comes
-/// back is lost.
+/// back is lost; a typed reference to another type, which could not be handed anything back, is refused.
 class DispatchArguments {
  public:
   /// Reads what it needs of `given` and `member` at once; `given` is borrowed and must outlive this. Raises
@@ -33,7 +33,7 @@ class DispatchArguments {
     VARIANT* variable;  // borrowed; nullptr: nobody wants it back
   };
 
-  /// Raises when an argument is missing that the member needs; one too many is left to the system to judge.
+  /// Raises when an argument is missing that the member needs, or a method is given one too many.
   static void CheckCount(const DISPPARAMS& given, const FUNCDESC& member, UINT parameterCount);
   /// The type of value that a parameter refers to; VT_EMPTY for one that is not a typed reference.
   static VARTYPE ReferredType(const TYPEDESC& type);

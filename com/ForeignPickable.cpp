@@ -1,5 +1,7 @@
 #include "com/ForeignPickable.h"
 
+#include <memory>
+
 #include "com/Convert.h"
 
 namespace HLDataSrvc::Com {
@@ -20,9 +22,8 @@ HLIData::PickType ForeignPickable::PickType() const {
 std::string ForeignPickable::PickName() const {
   BSTR value = nullptr;
   Check(m_object->get_PickName(&value));
-  std::string name = TextOf(value);
-  SysFreeString(value);
-  return name;
+  const std::unique_ptr<OLECHAR, decltype(&SysFreeString)> owned(value, &SysFreeString);
+  return TextOf(value);
 }
 
 std::int32_t ForeignPickable::PickID() const {

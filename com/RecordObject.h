@@ -36,10 +36,7 @@ class RecordObject : public ComObject<Interfaces...> {
   /// Answers what a getter of `object` answers.
   template <typename Out, typename Object, typename Owner, typename Value>
   HRESULT Read(Out* out, const Object& object, Value (Owner::*getter)() const) noexcept {
-    return this->Guarded([&] {
-      Required(out) = Out{};
-      ToCom((object.*getter)(), out);
-    });
+    return this->Filled(out, [&] { ToCom((object.*getter)(), out); });
   }
   template <typename Out, typename Value>
   HRESULT Get(Out* out, Value (Record::*getter)() const) noexcept {
@@ -52,8 +49,7 @@ class RecordObject : public ComObject<Interfaces...> {
   /// Calls a member and answers what it answers.
   template <typename Out, typename Value, typename... Parameters, typename... Given>
   HRESULT Call(Out* out, Value (Record::*member)(Parameters...), Given... given) noexcept {
-    return this->Guarded([&] {
-      Required(out) = Out{};
+    return this->Filled(out, [&] {
       std::tuple<Argument<Parameters, Given>...> arguments(given...);
       std::apply(
           [&](auto&... argument) {

@@ -26,31 +26,31 @@ SettingInfoObject::~SettingInfoObject() {
 }
 
 HRESULT SettingInfoObject::EnumConnectionPoints(IEnumConnectionPoints** points) noexcept {
-  return Guarded([&] {
-    Required(points) = nullptr;
+  return Filled(points, [&] {
     *points = Make<PointEnumeration>(std::vector{ComPtr<IConnectionPoint>(&m_point)}).Detach();
   });
 }
 
 HRESULT SettingInfoObject::FindConnectionPoint(REFIID id, IConnectionPoint** point) noexcept {
-  if (!point) return E_POINTER;
-  *point = nullptr;
-  if (id != __uuidof(::_ISettingInfoEvents)) return CONNECT_E_NOCONNECTION;
-  m_point.AddRef();
-  *point = &m_point;
-  return S_OK;
+  return Filled(point, [&] {
+    if (id != __uuidof(::_ISettingInfoEvents))
+      throw ComError(CONNECT_E_NOCONNECTION, "The settings have no such event interface.");
+    m_point.AddRef();
+    *point = &m_point;
+  });
 }
 
 HRESULT SettingInfoObject::GetClassInfo(ITypeInfo** info) noexcept {
-  return Guarded([&] { Required(info) = Module::TypeInfo(__uuidof(::SettingInfo)).Detach(); });
+  return Filled(info, [&] { *info = Module::TypeInfo(__uuidof(::SettingInfo)).Detach(); });
 }
 
 HRESULT SettingInfoObject::GetGUID(DWORD kind, GUID* id) noexcept {
-  if (!id) return E_POINTER;
-  *id = {};
-  if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
-  *id = __uuidof(::_ISettingInfoEvents);
-  return S_OK;
+  return Filled(id, [&] {
+    if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID)
+      throw ComError(E_INVALIDARG,
+                     "The settings have one kind of identifier, that of their event interface.");
+    *id = __uuidof(::_ISettingInfoEvents);
+  });
 }
 
 void* SettingInfoObject::FindMore(REFIID id) noexcept {

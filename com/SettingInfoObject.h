@@ -27,6 +27,7 @@ class SettingInfoObject final : public RecordObject<HLIData::ISettingInfo, ::ISe
   STDMETHODIMP_(ULONG) Release() noexcept override { return RecordObject::Release(); }
 
   STDMETHODIMP put_CurrentSeason(LONG value) noexcept override {
+    const ComPtr<::ISettingInfo> alive(this);  // a sink may let go of the last reference
     return Put(value, &HLIData::ISettingInfo::CurrentSeason);
   }
   STDMETHODIMP get_CurrentSeason(LONG* value) noexcept override {

@@ -65,6 +65,10 @@ TEST_F(Errors, OfCallsByNameAreToldBeforeTheCall) {
   VARIANT big;
   V_VT(&big) = VT_R8;
   V_R8(&big) = 1e12;
+  SHORT small = 0;
+  VARIANT smallVariable;
+  V_VT(&smallVariable) = VT_BYREF | VT_I2;
+  V_I2REF(&smallVariable) = &small;
   const struct {
     const wchar_t* member;
     WORD how;
@@ -73,6 +77,7 @@ TEST_F(Errors, OfCallsByNameAreToldBeforeTheCall) {
   } kCalls[] = {
       {L"NoOfRounds", DISPATCH_PROPERTYPUT, {Key(many)}, DISP_E_TYPEMISMATCH},
       {L"NoOfRounds", DISPATCH_PROPERTYPUT, {big}, DISP_E_OVERFLOW},
+      {L"IsPickableTaken", DISPATCH_METHOD, {smallVariable, Object(nullptr)}, DISP_E_TYPEMISMATCH},
       {L"RemoveDraft", DISPATCH_METHOD, {}, DISP_E_BADPARAMCOUNT},
       {L"RemoveDraft", DISPATCH_METHOD, {Position(1), Position(2)}, DISP_E_BADPARAMCOUNT},
       {L"RemoveDraft", DISPATCH_METHOD, {Missing()}, DISP_E_PARAMNOTOPTIONAL},
@@ -103,12 +108,13 @@ TEST_F(Errors, OfUseFromASecondApartment) {
   ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(__uuidof(::ISeasonInfo), season.Get(), parcel.Put()), S_OK);
 
   HRESULT raw = S_OK;
+  LONG rawYear = 7;
   HRESULT marshalled = E_FAIL;
   LONG year = 0;
   const DWORD here = GetCurrentThreadId();
   std::thread other([&] {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    raw = season->get_Year(&year);
+    raw = season->get_Year(&rawYear);
     ComPtr<::ISeasonInfo> proxy;
     marshalled = CoGetInterfaceAndReleaseStream(parcel.Detach(), __uuidof(::ISeasonInfo), proxy.PutVoid());
     if (SUCCEEDED(marshalled)) marshalled = proxy->get_Year(&year);
@@ -121,6 +127,7 @@ TEST_F(Errors, OfUseFromASecondApartment) {
     DispatchMessageW(&message);
   other.join();
   EXPECT_EQ(raw, RPC_E_WRONG_THREAD);
+  EXPECT_EQ(rawYear, 0) << "what is not filled is empty";
   EXPECT_EQ(marshalled, S_OK);
   EXPECT_EQ(year, 2052);
 }

@@ -24,7 +24,11 @@ class Sink final : public IDispatch {
     return S_OK;
   }
   STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
-  STDMETHODIMP_(ULONG) Release() override { return --m_references; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --m_references;
+    if (left == 0 && gone) gone();
+    return left;
+  }
   STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
@@ -40,6 +44,7 @@ class Sink final : public IDispatch {
 
   int count = 0;
   std::function<void()> heard;
+  std::function<void()> gone;  ///< the source holds it no more
 
  private:
   ULONG m_references = 0;
@@ -101,12 +106,32 @@ TEST_F(Event, LetsSinksGoWhileItIsRaised) {
   EXPECT_EQ(second.count, 0) << "disconnected before its turn";
 }
 
+TEST_F(Event, LetsSinksChangeTheConnectionsAsTheyGo) {
+  Sink first;
+  Sink second;
+  const auto settings = Create<::ISettingInfo>(L"SettingInfo");
+  const auto point = PointOf(settings);
+  DWORD firstCookie = 0;
+  DWORD secondCookie = 0;
+  ASSERT_EQ(point->Advise(&first, &firstCookie), S_OK);
+  first.gone = [&] {
+    EXPECT_EQ(point->Unadvise(firstCookie), CONNECT_E_NOCONNECTION);
+    EXPECT_EQ(point->Advise(&second, &secondCookie), S_OK);
+  };
+  EXPECT_EQ(point->Unadvise(firstCookie), S_OK);
+  EXPECT_EQ(settings->put_CurrentSeason(5), S_OK);
+  EXPECT_EQ(first.count, 0);
+  EXPECT_EQ(second.count, 1);
+  EXPECT_EQ(point->Unadvise(secondCookie), S_OK);
+}
+
 TEST_F(Event, TellsOfItselfAndOfItsSinks) {
   Sink sink;
   const auto settings = Create<::ISettingInfo>(L"SettingInfo");
   const auto container = settings.As<IConnectionPointContainer>();
   ComPtr<IConnectionPoint> point;
   EXPECT_EQ(container->FindConnectionPoint(IID_IDispatch, point.Put()), CONNECT_E_NOCONNECTION);
+  EXPECT_NE(LastDescription(), L"");
   ComPtr<IEnumConnectionPoints> points;
   ULONG count = 0;
   ASSERT_EQ(container->EnumConnectionPoints(points.Put()), S_OK);
