@@ -1,6 +1,7 @@
 #include "jet/file/RedoLog.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cstring>
 #include <random>
 #include <utility>
@@ -130,6 +131,7 @@ void RedoLog::Recover(File& database, bool readOnly) {
   try {
     if (ReadHeader()) ReadUnits();
     if (!m_pages.empty()) CheckBelongs(database);
+    m_earlier.clear();
   } catch (...) {
     m_pages.clear();
     m_file.reset();
@@ -203,8 +205,10 @@ bool RedoLog::ReadUnit(std::uint64_t size) {
   std::uint64_t stored = 0;
   if (!read(std::as_writable_bytes(std::span(&stored, 1))) || stored != sum.Value()) return false;
 
-  for (const auto& [number, logged] : pages)
-    m_pages[number] = logged;
+  for (const auto& [number, logged] : pages) {
+    const auto [page, isFirst] = m_pages.try_emplace(number, logged);
+    if (!isFirst) m_earlier.emplace(number, std::exchange(page->second, logged));
+  }
   m_pageCount = head.pageCount;
   m_sequence = head.sequence;
   m_sum = stored;
@@ -226,19 +230,27 @@ void RedoLog::CheckBelongs(File& database) {
 }
 
 bool RedoLog::Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored) {
-  // Sector by sector, because a checkpoint that was broken off may have left a page half written.
-  PageBytes after;
-  Read(number, after);
-  for (std::size_t i = 0; i * kSectorSize < stored.size(); ++i) {
-    const auto sector =
-        stored.subspan(i * kSectorSize).first(std::min(kSectorSize, stored.size() - i * kSectorSize));
-    if (std::equal(sector.begin(), sector.end(),
-                   after.begin() + static_cast<std::ptrdiff_t>(i * kSectorSize))) {
-      continue;
+  // Sector by sector, because a checkpoint that was broken off may have left a page half written; and as any
+  // unit left it, because further units may have come after a checkpoint that failed.
+  const std::size_t sectors = (stored.size() + kSectorSize - 1) / kSectorSize;
+  const auto sectorAt = [&](std::size_t i) {
+    return stored.subspan(i * kSectorSize).first(std::min(kSectorSize, stored.size() - i * kSectorSize));
+  };
+  std::bitset<kSectors> isKnown;
+  for (std::size_t i = 0; i < sectors; ++i)
+    isKnown[i] = page.isNew ? AllZero(sectorAt(i)) : SumOf(sectorAt(i)) == page.before[i];
+  const auto compare = [&](const LoggedPage& logged) {
+    PageBytes state;
+    Read(logged, state);
+    for (std::size_t i = 0; i < sectors; ++i) {
+      if (std::memcmp(sectorAt(i).data(), state.data() + i * kSectorSize, sectorAt(i).size()) == 0)
+        isKnown.set(i);
     }
-    if (page.isNew ? !AllZero(sector) : SumOf(sector) != page.before[i]) return false;
-  }
-  return true;
+  };
+  if (isKnown.count() < sectors) compare(page);
+  for (auto [at, end] = m_earlier.equal_range(number); at != end && isKnown.count() < sectors; ++at)
+    compare(at->second);
+  return isKnown.count() == sectors;
 }
 
 void RedoLog::RaiseDoesNotBelong() const {
@@ -251,7 +263,10 @@ void RedoLog::RaiseDoesNotBelong() const {
 }
 
 void RedoLog::Read(PageNumber number, PageBytes& into) {
-  const LoggedPage& page = m_pages.at(number);
+  Read(m_pages.at(number), into);
+}
+
+void RedoLog::Read(const LoggedPage& page, PageBytes& into) {
   const std::size_t written = page.hole.Written();
   m_file->Read(page.offset, std::span(into).first(written));
   std::byte* const hole = into.data() + page.hole.begin;

@@ -55,7 +55,7 @@ class RedoLog {
   /// read only and somebody else has the log open: that one's changes are not ours to see yet.
   ///
   /// Raises LogDoesNotBelong, and touches neither file, when a page of the database file is neither as the
-  /// log found it nor as the log leaves it.
+  /// log found it nor as a unit of the log leaves it.
   void Recover(File& database, bool readOnly);
 
   /// Whether changes go into the log.
@@ -116,6 +116,7 @@ class RedoLog {
   bool ReadUnit(std::uint64_t size);
   void CheckBelongs(File& database);
   bool Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored);
+  void Read(const LoggedPage& page, PageBytes& into);
   void AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount);
   void WriteAhead();
   void Void();
@@ -138,6 +139,7 @@ class RedoLog {
   PageNumber m_basePageCount = 0;
   PageNumber m_pageCount = 0;
   std::unordered_map<PageNumber, LoggedPage> m_pages;
+  std::unordered_multimap<PageNumber, LoggedPage> m_earlier;  // states that later units replace, on opening
   std::vector<std::byte> m_buffer;
   std::vector<LoggedPage> m_appended;  // the pages of the unit that is being appended
   bool m_isReadOnly = false;

@@ -310,5 +310,32 @@ TEST_F(RedoLogTest, FailedCheckpointKeepsTheChangesInTheLog) {
   EXPECT_EQ(First(*Open(files, Durability::Full), 3), 0x33);
 }
 
+// Another unit came between a checkpoint that failed halfway and the crash: a page of the file is as a unit
+// in the middle of the log left it.
+TEST_F(RedoLogTest, IsReplayedOverACheckpointThatFailedBeforeItsLastUnit) {
+  const auto memory = std::make_shared<test::MemoryFileSystem>();
+  memory->Put("f", Flat(StartingState()));
+  const auto files = std::make_shared<test::FaultyFileSystem>(memory);
+  const auto pages = Open(files, Durability::Full);
+  Fill(*pages, 5, 0x55);
+  int value = 0;
+  while (!files->HasFailed()) {
+    files->FailOnce(test::FileOperation::Write, 3, ErrorNumber::DiskFull);  // after the unit and page 3
+    Fill(*pages, 3, ++value);
+  }
+  files->Mend();
+  files->FailOnce(test::FileOperation::Write, 2, ErrorNumber::DiskFull);  // after the unit
+  Fill(*pages, 3, ++value);
+  EXPECT_TRUE(files->HasFailed());
+  const Files left = {{"f", memory->Get("f")}, {"f-log", memory->Get("f-log")}};
+  EXPECT_EQ(std::to_integer<int>(left.at("f")[3 * kPageSize]), value - 1);
+  const auto up = std::make_shared<CrashingFileSystem>(left);
+  for (const bool readOnly : {true, false}) {
+    const auto again = Open(up, Durability::Full, readOnly);
+    EXPECT_EQ(First(*again, 3), value);
+    EXPECT_EQ(First(*again, 5), 0x55);
+  }
+}
+
 }  // namespace
 }  // namespace jet
