@@ -35,6 +35,11 @@ Store& DatabaseCore::WritableStore() {
   return store;
 }
 
+void DatabaseCore::PrepareChange() {
+  WritableStore();
+  ReleaseRows();
+}
+
 Store& DatabaseCore::StoreForSchema() {
   Store& store = WritableStore();
   ReleaseRows();

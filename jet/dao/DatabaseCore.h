@@ -45,15 +45,8 @@ class DatabaseCore {
   void Add(RecordsetCore& recordset) { m_recordsets.push_back(&recordset); }
   void Remove(RecordsetCore& recordset);
 
-  /// Runs `change`, a change of rows, as one unit: whole or not at all. Raises ObjectClosed, CannotUpdate.
-  template <typename Change>
-  void ChangeRows(const Change& change) {
-    Store& store = WritableStore();
-    ReleaseRows();
-    ChangeUnit unit(store.Pages());
-    change();
-    unit.Commit();
-  }
+  /// Makes ready for a change of rows, which is a unit of its own. Raises ObjectClosed, CannotUpdate.
+  void PrepareChange();
   /// The store, ready for a change of the schema, which is a unit of its own.
   Store& StoreForSchema();
 

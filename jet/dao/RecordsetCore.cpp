@@ -184,11 +184,11 @@ void RecordsetCore::Update() {
                 "There is nothing to update: no row is being added or edited.");
   const std::vector<ColumnValue> changes = m_edit->Changes();
   if (m_edit->IsNew()) {
-    RowId added;
-    m_database->ChangeRows([&] { added = rows.Table().Insert(changes); });
-    rows.Append(added);
+    m_database->PrepareChange();
+    rows.Append(rows.Table().Insert(changes));
   } else if (const RowId id = rows.IdOf(m_row); !changes.empty()) {
-    m_database->ChangeRows([&] { rows.Table().Update(id, changes); });
+    m_database->PrepareChange();
+    rows.Table().Update(id, changes);
   }
   m_edit.reset();
 }
@@ -197,7 +197,8 @@ void RecordsetCore::Delete() {
   DynasetRows& rows = UpdatableRows();
   CheckCurrentRow();
   const RowId id = rows.IdOf(m_row);
-  m_database->ChangeRows([&] { rows.Table().Delete(id); });
+  m_database->PrepareChange();
+  rows.Table().Delete(id);
   rows.MarkDeleted(m_row);
   m_state = State::Deleted;
   m_edit.reset();

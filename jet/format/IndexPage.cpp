@@ -296,10 +296,13 @@ std::uint32_t IndexPageView::Child(EntryPlace place) const {
 }
 
 std::size_t IndexPageView::Count() const {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < kMaskBytes; ++i)
-    count += static_cast<std::size_t>(std::popcount(LoadU8(m_page.data() + kMask + i)));
-  return count;
+  int count = 0;
+  std::size_t i = 0;
+  for (; i + 8 <= kMaskBytes; i += 8)
+    count += std::popcount(LoadU64(m_page.data() + kMask + i));
+  for (; i < kMaskBytes; ++i)
+    count += std::popcount(LoadU8(m_page.data() + kMask + i));
+  return static_cast<std::size_t>(count);
 }
 
 std::vector<EntryBytes> IndexPageView::AllEntries() const {
@@ -363,12 +366,17 @@ bool IndexPage::CanHold(EntryPlace place, std::span<const std::byte> entry) cons
   return m_used + m_prefix * (count - 1) + entry.size() <= kCapacity + shared * count;
 }
 
+bool IndexPageView::HasRoomFor(EntryPlace place, std::span<const std::byte> entry) const {
+  if (m_used == 0) return false;
+  if (m_prefix == 0) return m_used + entry.size() <= kCapacity;
+  return place.begin != 0 && entry.size() > m_prefix && m_used + entry.size() - m_prefix <= kCapacity &&
+         std::memcmp(entry.data(), Prefix().data(), m_prefix) == 0;
+}
+
 bool IndexPage::Insert(EntryPlace place, std::span<const std::byte> entry) {
   const std::size_t at = place.begin;
-  const bool plain = m_prefix == 0 || (at != 0 && entry.size() > m_prefix &&
-                                       std::memcmp(entry.data(), Prefix().data(), m_prefix) == 0);
   const std::size_t shared = at == 0 ? 0 : m_prefix;
-  if (!plain || m_used + entry.size() - shared > kCapacity || m_used == 0) {
+  if (!HasRoomFor(place, entry)) {
     if (!CanHold(place, entry)) return false;
     EntryBytes pool;
     EntrySpans entries = AllEntries(pool);

@@ -96,6 +96,9 @@ class IndexPageView {
   int Compare(EntryPlace place, std::span<const std::byte> key) const;
   /// Whether the entry, which is not shorter, begins with these bytes.
   bool BeginsWith(EntryPlace place, std::span<const std::byte> bytes) const;
+  /// Whether an entry can be put before `place` with no other stored anew: it has the page's prefix, and
+  /// fits.
+  bool HasRoomFor(EntryPlace place, std::span<const std::byte> entry) const;
   /// Row pointer of a leaf entry. Raises DamagedFile for an entry too short to have one.
   std::uint32_t RowPage(EntryPlace place) const;
   std::uint8_t RowSlot(EntryPlace place) const;

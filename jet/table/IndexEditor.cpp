@@ -43,6 +43,13 @@ bool HasKeyOf(const IndexPageView& page, EntryPlace place, const EntryBytes& ent
          page.BeginsWith(place, std::span(entry).first(entry.size() - kRowBytes));
 }
 
+// Whether neither entry beside `place` has the key of `entry`, which goes there.
+bool IsNewKey(const IndexPageView& page, EntryPlace place, const EntryBytes& entry) {
+  if (!place.IsEnd() && HasKeyOf(page, place, entry)) return false;
+  const EntryPlace before = page.Previous(place);
+  return before.IsEnd() || !HasKeyOf(page, before, entry);
+}
+
 }  // namespace
 
 IndexEditor::IndexEditor(Pager& pager, PageAllocator& allocator, const Index& index, PageNumber tablePage)
@@ -111,15 +118,9 @@ bool IndexEditor::InsertEntry(const EntryBytes& entry) {
       IndexPage page(changed.Bytes(), leaf);
       const EntryPlace place = page.LowerBound(entry);
       const bool isLast = place.IsEnd();
-      bool newKey = true;
-      if (!isLast) {
-        if (page.Compare(place, entry) == 0)
-          RaiseDamaged("it already has an entry for a row that is being added");
-        newKey = !HasKeyOf(page, place, entry);
-      }
-      if (const EntryPlace before = page.Previous(place); newKey && !before.IsEnd()) {
-        newKey = !HasKeyOf(page, before, entry);
-      }
+      if (!isLast && page.Compare(place, entry) == 0)
+        RaiseDamaged("it already has an entry for a row that is being added");
+      const bool newKey = IsNewKey(page, place, entry);
       if (page.Insert(place, entry)) {
         if (isLast && m_path.Length() != 0) RefreshKeys(m_path.Length(), leaf);
         return newKey;
@@ -134,6 +135,26 @@ bool IndexEditor::InsertEntry(const EntryBytes& entry) {
     // so that a half may have to be split again.
     SplitLeaf(leaf, nullptr);
   }
+}
+
+std::optional<LeafRoom> IndexEditor::FindRoom(const EntryBytes& entry) {
+  if (entry.size() > kMaxEntry) return std::nullopt;
+  const PageNumber leaf = Descend(entry);
+  const PageHandle page = m_pager->Get(leaf);
+  const IndexPageView view(page.Bytes(), leaf);
+  const EntryPlace place = view.LowerBound(entry);
+  if (!view.HasRoomFor(place, entry)) return std::nullopt;
+  if (place.IsEnd()) {
+    // Branches that name the leaf by its last entry would change too.
+    for (std::size_t level = 0; level < m_path.Length(); ++level) {
+      if (m_path[level].keyed) return std::nullopt;
+    }
+  } else if (view.Compare(place, entry) == 0) {
+    return std::nullopt;
+  }
+  const bool isAtEdge =
+      (place.IsEnd() && view.IndexPageView::Next() != 0) || (place.begin == 0 && view.Previous() != 0);
+  return LeafRoom{m_pager->Change(leaf), place, IsNewKey(view, place, entry), isAtEdge};
 }
 
 bool IndexEditor::Erase(const KeyBytes& key, RowId row) {

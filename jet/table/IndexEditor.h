@@ -14,6 +14,14 @@
 
 namespace jet {
 
+/// Room for an entry on a leaf of an index.
+struct LeafRoom {
+  MutablePage leaf;
+  format::EntryPlace place;  ///< what the entry goes before
+  bool isNewKey;             ///< no entry beside it has the same key
+  bool isAtEdge;             ///< the entry beside it is on another leaf
+};
+
 /// Adds entries to an index's tree and removes them. Lives for one change, inside a change unit.
 ///
 /// What the tree looks like: a branch has an entry for each child, under the child's last entry; only the
@@ -28,6 +36,9 @@ class IndexEditor {
   /// Adds an entry. True when no neighbour has the same key. Raises RecordTooLarge for a key that is too
   /// long, DamagedFile when the entry is there already.
   bool Insert(KeyBytes key, RowId row);
+  /// Where an entry can go without anything but its leaf changing; none when it can not, or is there already.
+  /// The page is ready for the change.
+  std::optional<LeafRoom> FindRoom(const format::EntryBytes& entry);
   /// Removes the entry of `row` under `key`; false when there is none.
   bool Erase(const KeyBytes& key, RowId row);
   /// Removes the entry of `row` whatever its key, by reading all leaves; false when there is none.

@@ -1,5 +1,7 @@
 #include "jet/table/RowPages.h"
 
+#include <cassert>
+
 #include "jet/Error.h"
 #include "jet/format/DataPage.h"
 #include "jet/format/PageLayout.h"
@@ -28,34 +30,43 @@ RowPages::RowPages(Pager& pager, PageAllocator& allocator, std::uint32_t ownedMa
       m_free(pager, freeMap),
       m_owner(owner) {}
 
-bool RowPages::TryInsert(PageNumber number, std::span<const std::byte> row, std::uint16_t flags, RowId& id) {
-  {
-    const PageHandle page = m_pager->Get(number);
-    if (format::page_type::kData != std::to_integer<std::uint8_t>(page.Data()[0])) return false;
-    const DataPageView view(page.Bytes(), number);
-    if (view.Owner() != m_owner || !view.Fits(row.size())) return false;
-  }
-  const MutablePage page = m_pager->Change(number);
-  id = {number, DataPage(page.Bytes(), number).Insert(row, flags)};
-  return true;
+std::optional<RowId> RowPages::PlaceOn(PageNumber number, std::size_t size) const {
+  const PageHandle page = m_pager->Get(number);
+  if (format::page_type::kData != std::to_integer<std::uint8_t>(page.Data()[0])) return std::nullopt;
+  const DataPageView view(page.Bytes(), number);
+  if (view.Owner() != m_owner || !view.Fits(size)) return std::nullopt;
+  return RowId{number, static_cast<std::uint8_t>(view.SlotCount())};
+}
+
+std::optional<RowId> RowPages::LikelyPlace(std::size_t size) const {
+  if (m_lastUsed == 0 || m_lastUsed >= m_pager->PageCount() || !m_free.Contains(m_lastUsed))
+    return std::nullopt;
+  return PlaceOn(m_lastUsed, size);
+}
+
+void RowPages::Put(RowId place, std::span<const std::byte> row, std::uint16_t flags) {
+  const MutablePage page = m_pager->Change(place.page);
+  [[maybe_unused]] const std::uint8_t slot = DataPage(page.Bytes(), place.page).Insert(row, flags);
+  assert(slot == place.slot);
 }
 
 RowId RowPages::Insert(std::span<const std::byte> row, std::uint16_t flags) {
-  RowId id;
-  if (m_lastUsed != 0 && m_lastUsed < m_pager->PageCount() && m_free.Contains(m_lastUsed) &&
-      TryInsert(m_lastUsed, row, flags, id)) {
-    return id;
-  }
+  std::optional<RowId> place = LikelyPlace(row.size());
   int tries = 0;
-  for (PageNumber page = m_free.Next(0); page != format::kNoPage && tries < kMaxTries;
-       page = m_free.Next(page + 1), ++tries) {
-    if (TryInsert(page, row, flags, id)) {
+  for (PageNumber page = place ? format::kNoPage : m_free.Next(0);
+       page != format::kNoPage && tries < kMaxTries; page = m_free.Next(page + 1), ++tries) {
+    place = PlaceOn(page, row.size());
+    if (place) {
       m_lastUsed = page;
-      return id;
+      break;
     }
     const PageHandle full = m_pager->Get(page);
     const DataPageView view(full.Bytes(), page);
     if (view.FreeSpace() < kWorthTryingAgain || view.SlotCount() >= data_page::kMaxSlots) m_free.Remove(page);
+  }
+  if (place) {
+    Put(*place, row, flags);
+    return *place;
   }
   const MutablePage page = NewPage();
   m_free.Add(page.Number(), *m_allocator);

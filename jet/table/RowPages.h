@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -27,6 +29,11 @@ class RowPages {
 
   /// Puts a row on a page with room, or on a new one.
   RowId Insert(std::span<const std::byte> row, std::uint16_t flags);
+  /// Where Insert would put a row of `size` bytes without any page but that of the row before changing; none
+  /// when others change too.
+  std::optional<RowId> LikelyPlace(std::size_t size) const;
+  /// Puts a row at such a place. Raises DamagedFile, and then nothing is changed.
+  void Put(RowId place, std::span<const std::byte> row, std::uint16_t flags);
   /// A new page that no other row will be put on.
   MutablePage NewPage();
   /// Removes the bytes of a slot.
@@ -36,7 +43,7 @@ class RowPages {
   void RoomMade(PageNumber page);
 
  private:
-  bool TryInsert(PageNumber page, std::span<const std::byte> row, std::uint16_t flags, RowId& id);
+  std::optional<RowId> PlaceOn(PageNumber page, std::size_t size) const;
 
   Pager* m_pager;
   PageAllocator* m_allocator;

@@ -41,6 +41,9 @@ class RowStore {
   RowRef Resolve(const PageHandle& page, const format::DataPageView& view, const format::RowSlot& slot) const;
 
   RowId Insert(std::span<const std::byte> row) { return m_pages.Insert(row, format::data_page::kLive); }
+  /// See RowPages.
+  std::optional<RowId> LikelyPlace(std::size_t size) const { return m_pages.LikelyPlace(size); }
+  void Put(RowId place, std::span<const std::byte> row) { m_pages.Put(place, row, format::data_page::kLive); }
   void Replace(RowId id, std::span<const std::byte> row);
   void Remove(RowId id);
 

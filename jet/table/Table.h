@@ -39,9 +39,9 @@ struct ColumnValue {
 
 /// One table of an open database: its rows and its indexes.
 ///
-/// Owned by the Store. Reading needs nothing; Insert, Update and Delete run inside a change unit of the
-/// Store's Pager and keep indexes, usage maps, counts and enforced relationships right; when they raise, the
-/// caller rolls the unit back. All raise DamagedFile for bytes that contradict the format.
+/// Owned by the Store. Insert, Update and Delete keep indexes, usage maps, counts and enforced relationships
+/// right, and each applies whole or not at all: as a change unit of its own, or as a part of the one under
+/// way. All raise DamagedFile for bytes that contradict the format.
 class Table {
  public:
   /// Reads the definition of the table that `entry` of the catalog names.
@@ -113,6 +113,12 @@ class Table {
     bool anyNull = false;
     bool hasEntry = true;  ///< false: the index leaves the row out
   };
+  /// A row that keeps the rules of its columns, on its way into the table.
+  struct NewRow {
+    RowValues values;
+    std::vector<bool> given;                     ///< by column: whether it has a value, be it Null
+    std::optional<std::int32_t> lastAutoNumber;  ///< what the table notes with the row, if it gives numbers
+  };
 
   RowValues IndexedValues(const RowRef& row) const;
   KeyOfRow KeyFor(const TableIndex& index, const RowValues& values) const;
@@ -126,13 +132,23 @@ class Table {
                      const RowValues* newValues, int depth);
   void UpdateRow(RowId id, std::span<const ColumnValue> values, int depth);
   void DeleteRow(RowId id, int depth);
+  [[noreturn]] void RaiseDuplicate(std::size_t index, const RowValues& values) const;
+  [[noreturn]] void RaiseNoKey(std::size_t index, const RowValues& values) const;
+  NewRow MakeRow(std::span<const ColumnValue> changes) const;
+  std::optional<std::int32_t> GiveAutomaticValues(NewRow& row) const;
+  std::vector<KeyOfRow> KeysOf(const NewRow& row) const;
+  const Bytes& BuildRow(const NewRow& row);
+  std::optional<RowId> InsertInPlace(const NewRow& row);
+  RowId InsertAnywhere(const NewRow& row);
   void AddEntry(std::size_t index, KeyOfRow&& key, RowId id);
+  void CountKey(std::size_t index);
+  void CountRow(const NewRow& row);
   void RemoveEntry(std::size_t index, const KeyOfRow& key, RowId id);
   std::span<const std::byte> StoredValue(const format::ColumnDefinition& column, const Value& value,
                                          Bytes& buffer);
   std::string DescribeKey(std::size_t index, const RowValues& values) const;
-  void GiveAutomaticValues(RowValues& values, std::vector<bool>& given);
   void AddToRowCount(std::int32_t difference);
+  bool RefersToItself(const format::LogicalIndexDefinition& relation) const;
   const Table& Partner(const format::LogicalIndexDefinition& relation, std::size_t& realIndex) const;
 
   Store* m_store;
@@ -143,6 +159,7 @@ class Table {
   std::vector<TableIndex> m_indexes;
   std::unique_ptr<RowStore> m_rows;
   format::RowBuilder m_builder{m_definition};
+  Bytes m_stored;                                           // a value on its way into m_builder
   mutable std::optional<std::vector<ColumnRules>> m_rules;  // read from the properties when first asked for
 };
 

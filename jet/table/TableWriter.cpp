@@ -1,6 +1,8 @@
 // The members of Table that change rows.
 
 #include <algorithm>
+#include <cassert>
+#include <optional>
 #include <random>
 #include <utility>
 
@@ -24,9 +26,6 @@ using format::LogicalIndexDefinition;
 namespace definition_page = format::definition_page;
 
 namespace {
-
-// Cascades that go deeper than this go round in circles.
-constexpr int kMaxCascadeDepth = 64;
 
 constexpr std::size_t kUsualKey = 32;  // most keys are shorter
 
@@ -71,151 +70,6 @@ Table::KeyOfRow Table::KeyFor(const TableIndex& index, const RowValues& values) 
   return key;
 }
 
-std::string Table::DescribeKey(std::size_t index, const RowValues& values) const {
-  std::string text;
-  for (const std::size_t column : m_indexes[index].columns) {
-    if (!text.empty()) text += ", ";
-    text += m_definition.columns[column].name + " = " +
-            (values[column].IsNull() ? "Null" : values[column].ToText());
-  }
-  return text;
-}
-
-void Table::CheckRules(std::size_t column, const Value& value) const {
-  const ColumnRules& rules = Rules(column);
-  const std::string& name = m_definition.columns[column].name;
-  if (value.IsNull() && rules.required) {
-    throw Error(ErrorNumber::NullInRequiredColumn,
-                "Column '" + name + "' of table '" + m_name + "' needs a value.");
-  }
-  const std::string* text = value.As<std::string>();
-  if (text != nullptr && text->empty() && !rules.allowZeroLength) {
-    throw Error(ErrorNumber::ZeroLengthText,
-                "Column '" + name + "' of table '" + m_name + "' cannot hold an empty text.");
-  }
-}
-
-void Table::CheckKeyNulls(std::size_t index, const RowValues& values) const {
-  const bool primary = PrimaryIndex() == index;
-  if (!primary && !m_indexes[index].index.Definition().IsRequired()) return;
-  for (const std::size_t column : m_indexes[index].columns) {
-    if (!values[column].IsNull()) continue;
-    const std::string& name = m_definition.columns[column].name;
-    if (primary) {
-      throw Error(ErrorNumber::NullInPrimaryKey, "Column '" + name + "' of table '" + m_name +
-                                                     "' is part of the primary key and needs a value.");
-    }
-    throw Error(ErrorNumber::NullInRequiredColumn, "Column '" + name + "' of table '" + m_name +
-                                                       "' needs a value for the " +
-                                                       m_indexes[index].index.Where() + ".");
-  }
-}
-
-void Table::CheckUnique(std::size_t index, const KeyOfRow& key, const RowValues& values,
-                        std::optional<RowId> self) const {
-  const Index& unique = m_indexes[index].index;
-  if (!unique.Definition().IsUnique() || key.anyNull || !key.bytes) return;
-  const std::optional<RowId> present = unique.Find(*key.bytes);
-  if (!present || present == self) return;
-  throw Error(ErrorNumber::DuplicateKey, "Table '" + m_name + "' already has a row with " +
-                                             DescribeKey(index, values) + "; the " + unique.Where() +
-                                             " allows one only.");
-}
-
-// The table at the other end of a relationship, and which of its real indexes takes part.
-const Table& Table::Partner(const LogicalIndexDefinition& relation, std::size_t& realIndex) const {
-  const Table& partner = m_store->TableAt(relation.partnerTable);
-  for (const LogicalIndexDefinition& index : partner.m_definition.logicalIndexes) {
-    if (index.number != relation.partnerNumber) continue;
-    realIndex = index.real;
-    return partner;
-  }
-  throw Error(ErrorNumber::DamagedFile, "The relationship '" + relation.name + "' of table '" + m_name +
-                                            "' is damaged: table '" + partner.m_name + "' does not know it.");
-}
-
-void Table::CheckParent(const LogicalIndexDefinition& relation, const RowValues& values) const {
-  std::vector<Value> foreignKey;
-  for (const std::size_t column : m_indexes[relation.real].columns) {
-    if (values[column].IsNull()) return;  // a foreign key with a Null refers to nothing
-    foreignKey.push_back(values[column]);
-  }
-  std::size_t parentIndex = 0;
-  const Table& parent = Partner(relation, parentIndex);
-  const Index& index = parent.IndexAt(parentIndex);
-  const std::optional<KeyBytes> key = index.KeyPrefix(foreignKey);
-  if (key && index.Find(*key)) return;
-  throw Error(ErrorNumber::NoReferredRow, "Table '" + parent.m_name + "' has no row for " +
-                                              DescribeKey(relation.real, values) + " of table '" + m_name +
-                                              "'.");
-}
-
-// Rows whose columns of an index, or the first of them, have these values, none of which is Null.
-std::vector<RowId> Table::RowsWithKey(std::size_t index, const std::vector<Value>& key) const {
-  std::vector<RowId> rows;
-  if (const std::optional<KeyBytes> prefix = IndexAt(index).KeyPrefix(key)) {
-    const KeyBytes after = KeyAfter(*prefix);
-    for (IndexCursor cursor = IndexAt(index).Range(*prefix, after); cursor.Next();)
-      rows.push_back(cursor.Row());
-    return rows;
-  }
-  // Another writer may know a form of such keys.
-  const std::vector<std::size_t>& columns = m_indexes[index].columns;
-  for (TableScan scan(*this); scan.Next();) {
-    const auto has = [&](std::size_t i) {
-      const Value value = Read(scan.Row(), columns[i]);
-      const auto* const text = value.As<std::string>();
-      const auto* const wanted = key[i].As<std::string>();
-      return text != nullptr && wanted != nullptr ? format::CompareText(*text, *wanted) == 0
-                                                  : value == key[i];
-    };
-    bool all = true;
-    for (std::size_t i = 0; i < columns.size() && i < key.size() && all; ++i)
-      all = has(i);
-    if (all) rows.push_back(scan.Id());
-  }
-  return rows;
-}
-
-void Table::CheckChildren(const LogicalIndexDefinition& relation, const RowValues& oldValues,
-                          const RowValues* newValues, int depth) {
-  std::vector<Value> key;
-  for (const std::size_t column : m_indexes[relation.real].columns) {
-    if (oldValues[column].IsNull()) return;
-    key.push_back(oldValues[column]);
-  }
-  std::size_t childIndex = 0;
-  const Table& childTable = Partner(relation, childIndex);
-  Table& child = m_store->TableAt(childTable.m_definition.page);
-  const std::vector<RowId> rows = child.RowsWithKey(childIndex, key);
-  if (rows.empty()) return;
-  const bool cascades = newValues == nullptr ? relation.cascadeDeletes == 1 : relation.cascadeUpdates == 1;
-  if (!cascades) {
-    throw Error(ErrorNumber::RowIsReferred, "The row of table '" + m_name + "' with " +
-                                                DescribeKey(relation.real, oldValues) +
-                                                " cannot be deleted or get another key, because table '" +
-                                                child.m_name + "' has rows that refer to it.");
-  }
-  if (depth >= kMaxCascadeDepth) {
-    throw Error(ErrorNumber::FeatureNotSupported,
-                "The relationship '" + relation.name + "' cascades too deep.");
-  }
-  std::vector<ColumnValue> changes;
-  if (newValues != nullptr) {
-    for (std::size_t i = 0; i < child.m_indexes[childIndex].columns.size(); ++i) {
-      changes.push_back(
-          {child.m_indexes[childIndex].columns[i], (*newValues)[m_indexes[relation.real].columns[i]]});
-    }
-  }
-  for (const RowId row : rows) {
-    if (newValues != nullptr) {
-      child.UpdateRow(row, changes, depth + 1);
-    } else if (child.Fetch(row)) {  // an earlier cascade may have taken it
-      child.DeleteRow(row, depth + 1);
-    }
-  }
-}
-
 // The bytes of a value in a row, in `buffer`.
 std::span<const std::byte> Table::StoredValue(const ColumnDefinition& column, const Value& value,
                                               Bytes& buffer) {
@@ -235,7 +89,10 @@ std::span<const std::byte> Table::StoredValue(const ColumnDefinition& column, co
 void Table::AddEntry(std::size_t index, KeyOfRow&& key, RowId id) {
   if (!key.hasEntry) return;
   IndexEditor editor(m_store->Pages(), m_store->Allocator(), m_indexes[index].index, m_definition.page);
-  if (!editor.Insert(*std::move(key.bytes), id)) return;
+  if (editor.Insert(*std::move(key.bytes), id)) CountKey(index);
+}
+
+void Table::CountKey(std::size_t index) {
   const MutablePage page = m_store->Pages().Change(m_definition.page);
   std::byte* const count = page.Data() + definition_page::DistinctKeysAt(index);
   format::StoreU32(count, format::LoadU32(count) + 1);
@@ -262,83 +119,176 @@ void Table::AddToRowCount(std::int32_t difference) {
   format::StoreU32(count, rows + static_cast<std::uint32_t>(difference));
 }
 
-void Table::GiveAutomaticValues(RowValues& values, std::vector<bool>& given) {
-  for (std::size_t c = 0; c < values.size(); ++c) {
+std::optional<std::int32_t> Table::GiveAutomaticValues(NewRow& row) const {
+  std::optional<std::int32_t> lastGiven;
+  for (std::size_t c = 0; c < row.values.size(); ++c) {
     const ColumnDefinition& column = m_definition.columns[c];
-    if (column.IsAutoGuid() && values[c].IsNull()) {
-      values[c] = RandomGuid();
-      given[c] = true;
+    Value& value = row.values[c];
+    if (column.IsAutoGuid() && value.IsNull()) {
+      value = RandomGuid();
+      row.given[c] = true;
     }
     if (!column.IsAutoNumber() || column.type != ColumnType::Long) continue;
-    const MutablePage page = m_store->Pages().Change(m_definition.page);
-    std::byte* const last = page.Data() + definition_page::kLastAutoNumber;
-    const auto lastGiven = static_cast<std::int32_t>(format::LoadU32(last));
-    if (const auto* number = values[c].As<std::int32_t>()) {
-      if (*number > lastGiven) format::StoreU32(last, static_cast<std::uint32_t>(*number));
+    if (!lastGiven) {
+      const PageHandle page = m_store->Pages().Get(m_definition.page);
+      lastGiven = static_cast<std::int32_t>(format::LoadU32(page.Data() + definition_page::kLastAutoNumber));
+    }
+    if (const auto* number = value.As<std::int32_t>()) {
+      lastGiven = std::max(*lastGiven, *number);
       continue;
     }
     if (lastGiven == INT32_MAX) {
       throw Error(ErrorNumber::CannotConvert,
                   "Table '" + m_name + "' has no number left for column '" + column.name + "'.");
     }
-    format::StoreU32(last, static_cast<std::uint32_t>(lastGiven + 1));
-    values[c] = lastGiven + 1;
-    given[c] = true;
+    value = ++*lastGiven;
+    row.given[c] = true;
   }
+  return lastGiven;
 }
 
-RowId Table::Insert(std::span<const ColumnValue> changes) {
-  RowValues values(m_definition.columns.size());
-  std::vector<bool> given(values.size());
-  for (std::size_t c = 0; c < values.size(); ++c) {
-    if (m_definition.columns[c].type == ColumnType::YesNo) values[c] = false;
+Table::NewRow Table::MakeRow(std::span<const ColumnValue> changes) const {
+  NewRow row{RowValues(m_definition.columns.size()), std::vector<bool>(m_definition.columns.size()), {}};
+  for (std::size_t c = 0; c < row.values.size(); ++c) {
+    if (m_definition.columns[c].type == ColumnType::YesNo) row.values[c] = false;
   }
   for (const ColumnValue& change : changes) {
-    values[change.column] = change.value;
-    given[change.column] = true;
+    row.values[change.column] = change.value;
+    row.given[change.column] = true;
   }
-  GiveAutomaticValues(values, given);
-  for (std::size_t c = 0; c < values.size(); ++c)
-    CheckRules(c, values[c]);
+  row.lastAutoNumber = GiveAutomaticValues(row);
+  for (std::size_t c = 0; c < row.values.size(); ++c)
+    CheckRules(c, row.values[c]);
+  return row;
+}
 
+std::vector<Table::KeyOfRow> Table::KeysOf(const NewRow& row) const {
   std::vector<KeyOfRow> keys;
   keys.reserve(m_indexes.size());
   for (std::size_t i = 0; i < m_indexes.size(); ++i) {
-    CheckKeyNulls(i, values);
-    keys.push_back(KeyFor(m_indexes[i], values));
-    if (keys.back().hasEntry && !keys.back().bytes) {
-      throw Error(ErrorNumber::FeatureNotSupported,
-                  "The row cannot be stored: the " + m_indexes[i].index.Where() + " has no known key for " +
-                      DescribeKey(i, values) + ".");
-    }
-    CheckUnique(i, keys.back(), values, std::nullopt);
+    CheckKeyNulls(i, row.values);
+    keys.push_back(KeyFor(m_indexes[i], row.values));
+    if (keys.back().hasEntry && !keys.back().bytes) RaiseNoKey(i, row.values);
   }
+  return keys;
+}
 
+const Bytes& Table::BuildRow(const NewRow& row) {
   m_builder.Begin();
-  Bytes stored;
-  for (std::size_t c = 0; c < values.size(); ++c) {
-    if (const bool* flag = values[c].As<bool>()) {
+  for (std::size_t c = 0; c < row.values.size(); ++c) {
+    if (const bool* flag = row.values[c].As<bool>()) {
       m_builder.SetYesNo(c, *flag);
-    } else if (given[c] && !values[c].IsNull()) {
-      m_builder.Set(c, StoredValue(m_definition.columns[c], values[c], stored));
+    } else if (row.given[c] && !row.values[c].IsNull()) {
+      m_builder.Set(c, StoredValue(m_definition.columns[c], row.values[c], m_stored));
     }
   }
-  const RowId id = m_rows->Insert(m_builder.Build());
+  return m_builder.Build();
+}
+
+void Table::CountRow(const NewRow& row) {
+  AddToRowCount(1);
+  if (!row.lastAutoNumber) return;
+  const MutablePage page = m_store->Pages().Change(m_definition.page);
+  format::StoreU32(page.Data() + definition_page::kLastAutoNumber,
+                   static_cast<std::uint32_t>(*row.lastAutoNumber));
+}
+
+bool Table::RefersToItself(const LogicalIndexDefinition& relation) const {
+  return relation.partnerTable == m_definition.page;
+}
+
+// Adds a row where nothing but the bytes of pages with room has to change. Until all of them are known
+// nothing is written, and from then on nothing can fail, so that it needs no change unit of its own to be
+// whole or not at all. None, and nothing changed, when the row has to be added the long way.
+std::optional<RowId> Table::InsertInPlace(const NewRow& row) {
+  for (std::size_t c = 0; c < row.values.size(); ++c) {
+    if (m_definition.columns[c].IsLongValue() && !row.values[c].IsNull()) return std::nullopt;
+  }
+  std::vector<KeyOfRow> keys = KeysOf(row);
+  const Bytes& bytes = BuildRow(row);
+  const std::optional<RowId> id = m_rows->LikelyPlace(bytes.size());
+  if (!id) return std::nullopt;
+
+  struct NewEntry {
+    std::size_t index;
+    format::EntryBytes bytes;
+    LeafRoom room;
+  };
+  std::vector<NewEntry> entries;
+  entries.reserve(keys.size());
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    if (!keys[i].hasEntry) continue;
+    format::EntryBytes entry = MakeEntry(*std::move(keys[i].bytes), *id);
+    const Index& index = m_indexes[i].index;
+    std::optional<LeafRoom> room =
+        IndexEditor(m_store->Pages(), m_store->Allocator(), index, m_definition.page).FindRoom(entry);
+    if (!room) return std::nullopt;
+    if (index.Definition().IsUnique() && !keys[i].anyNull) {
+      if (room->isAtEdge) return std::nullopt;
+      if (!room->isNewKey) RaiseDuplicate(i, row.values);
+    }
+    // Two indexes of a damaged file may share their pages.
+    const auto isTaken = [&](const NewEntry& other) {
+      return other.room.leaf.Number() == room->leaf.Number();
+    };
+    if (std::any_of(entries.begin(), entries.end(), isTaken)) return std::nullopt;
+    entries.push_back({i, std::move(entry), *std::move(room)});
+  }
+  for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
+    if (relation.side != LogicalIndexDefinition::Side::Child) continue;
+    if (RefersToItself(relation)) return std::nullopt;
+    CheckParent(relation, row.values);
+  }
+  const MutablePage definition = m_store->Pages().Change(m_definition.page);
+  m_rows->Put(*id, bytes);
+  for (const NewEntry& entry : entries) {
+    [[maybe_unused]] const bool fits = format::IndexPage(entry.room.leaf.Bytes(), entry.room.leaf.Number())
+                                           .Insert(entry.room.place, entry.bytes);
+    assert(fits);
+    if (entry.room.isNewKey) CountKey(entry.index);
+  }
+  CountRow(row);
+  return id;
+}
+
+RowId Table::InsertAnywhere(const NewRow& row) {
+  std::vector<KeyOfRow> keys = KeysOf(row);
+  for (std::size_t i = 0; i < m_indexes.size(); ++i)
+    CheckUnique(i, keys[i], row.values, std::nullopt);
+  const RowId id = m_rows->Insert(BuildRow(row));
   for (std::size_t i = 0; i < m_indexes.size(); ++i)
     AddEntry(i, std::move(keys[i]), id);
-  AddToRowCount(1);
+  CountRow(row);
   // Only now, for a row may refer to itself.
   for (const LogicalIndexDefinition& relation : m_definition.logicalIndexes) {
-    if (relation.side == LogicalIndexDefinition::Side::Child) CheckParent(relation, values);
+    if (relation.side == LogicalIndexDefinition::Side::Child) CheckParent(relation, row.values);
   }
   return id;
 }
 
-void Table::Update(RowId id, std::span<const ColumnValue> values) {
-  UpdateRow(id, values, 0);
+RowId Table::Insert(std::span<const ColumnValue> changes) {
+  const NewRow row = MakeRow(changes);
+  std::optional<ChangeUnit> unit;
+  if (!m_store->Pages().InUnit()) unit.emplace(m_store->Pages());
+  std::optional<RowId> id = InsertInPlace(row);
+  if (!id) {
+    if (!unit) unit.emplace(m_store->Pages());
+    id = InsertAnywhere(row);
+  }
+  if (unit) unit->Commit();
+  return *id;
 }
+
+void Table::Update(RowId id, std::span<const ColumnValue> values) {
+  ChangeUnit unit(m_store->Pages());
+  UpdateRow(id, values, 0);
+  unit.Commit();
+}
+
 void Table::Delete(RowId id) {
+  ChangeUnit unit(m_store->Pages());
   DeleteRow(id, 0);
+  unit.Commit();
 }
 
 void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth) {
@@ -371,16 +321,11 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
       continue;
     }
     CheckKeyNulls(i, values);
-    if (key.after.hasEntry && !key.after.bytes) {
-      throw Error(ErrorNumber::FeatureNotSupported,
-                  "The row cannot be stored: the " + m_indexes[i].index.Where() + " has no known key for " +
-                      DescribeKey(i, values) + ".");
-    }
+    if (key.after.hasEntry && !key.after.bytes) RaiseNoKey(i, values);
     CheckUnique(i, key.after, values, id);
     keyChanges.push_back(std::move(key));
   }
   m_builder.Begin(oldBytes);
-  Bytes stored;
   for (const ColumnValue& change : changes) {
     const ColumnDefinition& column = m_definition.columns[change.column];
     if (column.IsLongValue()) {
@@ -393,7 +338,7 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
     } else if (change.value.IsNull()) {
       m_builder.SetNull(change.column);
     } else {
-      m_builder.Set(change.column, StoredValue(column, change.value, stored));
+      m_builder.Set(change.column, StoredValue(column, change.value, m_stored));
     }
   }
   m_rows->Replace(id, m_builder.Build());
