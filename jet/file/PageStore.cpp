@@ -115,7 +115,7 @@ void PageStore::ApplyLogged(std::span<const ChangedPage> changes, PageNumber pag
   if (!m_log->IsLong()) return;
   try {
     m_log->Checkpoint(*m_file);
-  } catch (const Error&) {
+  } catch (const std::exception&) {
     // The unit is in the log all the same. The next one tries again, and closing tells.
   }
 }

@@ -13,13 +13,22 @@ using detail::Frame;
 namespace {
 constexpr std::size_t kLeastPages = 16;
 constexpr std::size_t kKeptBuffers = 64;
+
+/// So that adding `more` elements cannot fail.
+template <typename T>
+void MakeRoomFor(std::vector<T>& elements, std::size_t more) {
+  if (elements.capacity() - elements.size() < more)
+    elements.reserve(std::max(elements.size() + more, 2 * elements.capacity()));
+}
 }  // namespace
 
 Pager::Pager(std::unique_ptr<PageStore> store, std::size_t cacheBytes)
     : m_store(std::move(store)),
       m_capacity(std::max(kLeastPages, cacheBytes / kPageSize)),
       m_evictAt(m_capacity),
-      m_pageCount(m_store->PageCount()) {}
+      m_pageCount(m_store->PageCount()) {
+  m_buffers.reserve(kKeptBuffers);
+}
 
 Pager::~Pager() = default;
 
@@ -65,7 +74,7 @@ std::unique_ptr<PageBytes> Pager::TakeBuffer() {
   return buffer;
 }
 
-void Pager::GiveBuffer(std::unique_ptr<PageBytes> buffer) {
+void Pager::GiveBuffer(std::unique_ptr<PageBytes> buffer) noexcept {
   if (buffer != nullptr && m_buffers.size() < kKeptBuffers) m_buffers.push_back(std::move(buffer));
 }
 
@@ -119,43 +128,60 @@ void Pager::Begin() {
 }
 
 void Pager::Commit() {
-  Level& level = m_levels.back();
-  if (m_levels.size() > 1) {
-    Level& outer = m_levels[m_levels.size() - 2];
-    const auto outerLevel = static_cast<std::uint32_t>(m_levels.size() - 1);
-    for (Undo& undo : level.undos) {
-      undo.frame->level = outerLevel;
-      if (undo.previousLevel == outerLevel) {
-        GiveBuffer(std::move(undo.before));
-      } else {
-        outer.undos.push_back(std::move(undo));
-      }
-    }
-    outer.freed.insert(outer.freed.end(), level.freed.begin(), level.freed.end());
-    EndLevel();
-    return;
-  }
-  std::sort(level.undos.begin(), level.undos.end(),
-            [](const Undo& a, const Undo& b) { return a.frame->number < b.frame->number; });
-  std::vector<ChangedPage> changes;
-  changes.reserve(level.undos.size());
-  for (const Undo& undo : level.undos) {
-    if (undo.before != nullptr && *undo.before == undo.frame->bytes) continue;
-    changes.push_back({undo.frame->number, undo.before.get(), &undo.frame->bytes});
-  }
+  const bool isInner = m_levels.size() > 1;
   try {
-    m_store->Apply(changes, m_pageCount);
+    isInner ? MakeRoomInOuter() : Apply();
   } catch (...) {
     Rollback();
     throw;
   }
-  for (Undo& undo : level.undos) {
-    undo.frame->level = 0;
-    undo.frame->recentlyUsed = true;
-    GiveBuffer(std::move(undo.before));
+  // Nothing fails from here on: the unit is in the file, or goes with the outer one.
+  if (isInner) {
+    MoveToOuter();
+  } else {
+    for (Undo& undo : m_levels.back().undos) {
+      undo.frame->level = 0;
+      undo.frame->recentlyUsed = true;
+      GiveBuffer(std::move(undo.before));
+    }
   }
   EndLevel();
-  if (m_cached > m_capacity) MakeRoom();
+  if (!isInner && m_cached > m_capacity) MakeRoom();
+}
+
+void Pager::MakeRoomInOuter() {
+  const Level& level = m_levels.back();
+  Level& outer = m_levels[m_levels.size() - 2];
+  MakeRoomFor(outer.undos, level.undos.size());
+  MakeRoomFor(outer.freed, level.freed.size());
+}
+
+void Pager::MoveToOuter() noexcept {
+  Level& level = m_levels.back();
+  Level& outer = m_levels[m_levels.size() - 2];
+  const auto outerLevel = static_cast<std::uint32_t>(m_levels.size() - 1);
+  for (Undo& undo : level.undos) {
+    undo.frame->level = outerLevel;
+    if (undo.previousLevel == outerLevel) {
+      GiveBuffer(std::move(undo.before));
+    } else {
+      outer.undos.push_back(std::move(undo));
+    }
+  }
+  outer.freed.insert(outer.freed.end(), level.freed.begin(), level.freed.end());
+}
+
+void Pager::Apply() {
+  std::vector<Undo>& undos = m_levels.back().undos;
+  std::vector<ChangedPage> changes;
+  changes.reserve(undos.size());
+  std::sort(undos.begin(), undos.end(),
+            [](const Undo& a, const Undo& b) { return a.frame->number < b.frame->number; });
+  for (const Undo& undo : undos) {
+    if (undo.before != nullptr && *undo.before == undo.frame->bytes) continue;
+    changes.push_back({undo.frame->number, undo.before.get(), &undo.frame->bytes});
+  }
+  m_store->Apply(changes, m_pageCount);
 }
 
 void Pager::Rollback() noexcept {

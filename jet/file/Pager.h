@@ -139,9 +139,12 @@ class Pager {
   void MakeRoom();
   void SaveBefore(detail::Frame& frame, bool isNew);
   std::unique_ptr<PageBytes> TakeBuffer();
-  void GiveBuffer(std::unique_ptr<PageBytes> buffer);
+  void GiveBuffer(std::unique_ptr<PageBytes> buffer) noexcept;
   void Begin();
   void Commit();
+  void MakeRoomInOuter();
+  void MoveToOuter() noexcept;
+  void Apply();
   void Rollback() noexcept;
   void EndLevel() noexcept;
   void Discard(detail::Frame& frame) noexcept;

@@ -206,8 +206,8 @@ bool RedoLog::ReadUnit(std::uint64_t size) {
   if (!read(std::as_writable_bytes(std::span(&stored, 1))) || stored != sum.Value()) return false;
 
   for (const auto& [number, logged] : pages) {
-    const auto [page, isFirst] = m_pages.try_emplace(number, logged);
-    if (!isFirst) m_earlier.emplace(number, std::exchange(page->second, logged));
+    const auto [known, isFirst] = m_pages.try_emplace(number, logged);
+    if (!isFirst) m_earlier.emplace(number, std::exchange(known->second, logged));
   }
   m_pageCount = head.pageCount;
   m_sequence = head.sequence;
@@ -294,14 +294,24 @@ void RedoLog::Append(std::span<const ChangedPage> changes, PageNumber oldPageCou
   } catch (...) {
     m_end = end;
     m_sum = sum;
+    ForgetUnwritten(changes);
     if (isWhole) Void();
     throw;
   }
+  // Nothing fails from here on: the unit is there.
   m_isSynced = m_durability == Durability::Full;
   m_pageCount = pageCount;
   ++m_sequence;
   for (std::size_t i = 0; i < changes.size(); ++i)
-    m_pages[changes[i].number] = m_appended[i];
+    m_pages.find(changes[i].number)->second = m_appended[i];
+}
+
+/// Takes the places out again that a unit made for its pages.
+void RedoLog::ForgetUnwritten(std::span<const ChangedPage> changes) {
+  for (const ChangedPage& change : changes) {
+    const auto found = m_pages.find(change.number);
+    if (found != m_pages.end() && found->second.offset == 0) m_pages.erase(found);
+  }
 }
 
 void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount) {
@@ -325,14 +335,11 @@ void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCo
   m_appended.clear();
   std::uint64_t offset = m_end + sizeof head + changes.size() * sizeof(PageHead);
   for (const ChangedPage& change : changes) {
-    const auto known = m_pages.find(change.number);
-    LoggedPage page;
-    if (known != m_pages.end()) {
-      page = known->second;
-    } else if (change.before == nullptr) {
-      page.isNew = true;
-    } else {
-      page.before = SumsOf(*change.before);
+    const auto [known, isFirst] = m_pages.try_emplace(change.number);  // while that may fail still
+    LoggedPage page = known->second;
+    if (isFirst) {
+      page.isNew = change.before == nullptr;
+      if (!page.isNew) page.before = SumsOf(*change.before);
     }
     page.hole = HoleIn(*change.after);
     page.offset = offset;
@@ -362,11 +369,11 @@ void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCo
 void RedoLog::WriteAhead() {
   if (m_end <= m_ahead) return;
   const auto size = std::clamp<std::uint64_t>(m_end, kLeastAhead, kMostAhead);
-  m_buffer.assign(static_cast<std::size_t>(size), std::byte{0});
   try {
+    m_buffer.assign(static_cast<std::size_t>(size), std::byte{0});
     m_file->Write(m_end, m_buffer);
     m_ahead = m_end + size;
-  } catch (const Error&) {
+  } catch (const std::exception&) {
     m_ahead = m_end;  // there is no room for more than units: go on without
   }
 }
@@ -378,7 +385,7 @@ void RedoLog::Void() {
     if (m_pages.empty()) return Remove();
     m_file->Write(m_end, std::array<std::byte, kSectorSize>{});
     m_file->Sync();
-  } catch (const Error&) {
+  } catch (const std::exception&) {
     m_isBroken = true;  // the first error is the one that the caller is told
   }
 }

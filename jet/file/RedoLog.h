@@ -99,7 +99,7 @@ class RedoLog {
     bool Fits() const { return std::size_t{begin} + size <= kPageSize; }
   };
   struct LoggedPage {
-    std::uint64_t offset = 0;  ///< of its newest state in the log
+    std::uint64_t offset = 0;  ///< of its newest state in the log; 0 while its first one is being written
     Hole hole;
     bool isNew = false;   ///< the database file did not have it at the last checkpoint
     SectorSums before{};  ///< of its state at the last checkpoint
@@ -118,6 +118,7 @@ class RedoLog {
   bool Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored);
   void Read(const LoggedPage& page, PageBytes& into);
   void AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount);
+  void ForgetUnwritten(std::span<const ChangedPage> changes);
   void WriteAhead();
   void Void();
   void WritePages(File& database);

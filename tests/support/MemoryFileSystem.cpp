@@ -77,14 +77,16 @@ std::unique_ptr<File> MemoryFileSystem::Open(const std::string& name, const Open
   if (!mode.create && found == m_files.end()) {
     throw Error(ErrorNumber::FileNotFound, "Could not find the file '" + name + "'.");
   }
-  const auto contents = mode.create ? (m_files[Key(name)] = std::make_shared<Contents>()) : found->second;
+  const auto contents = mode.create ? std::make_shared<Contents>() : found->second;
   const bool alone = mode.exclusive || !mode.readOnly;
   if (contents->isAlone || (alone && contents->readers > 0)) {
     throw Error(
         contents->isAlone && mode.exclusive ? ErrorNumber::FileHeldExclusively : ErrorNumber::FileInUse,
         "'" + name + "' is in use by someone else.");
   }
-  return std::make_unique<MemoryFile>(contents, name, mode.readOnly, alone);
+  auto file = std::make_unique<MemoryFile>(contents, name, mode.readOnly, alone);
+  if (mode.create) m_files[Key(name)] = contents;
+  return file;
 }
 
 bool MemoryFileSystem::Exists(const std::string& name) {

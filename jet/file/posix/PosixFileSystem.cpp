@@ -171,7 +171,7 @@ class PosixFileSystem final : public FileSystem {
           RefuseIfShared(name);
           return std::make_unique<PosixFile>(std::move(descriptor), name, mode.readOnly);
         }
-      } catch (const Error&) {
+      } catch (...) {
         if (mode.create && IsNamed(descriptor, systemName)) ::unlink(systemName.c_str());
         throw;
       }

@@ -163,7 +163,7 @@ class WindowsFileSystem final : public FileSystem {
     auto file = std::make_unique<WindowsFile>(std::move(handle), name, mode.readOnly);
     try {
       RefuseIfShared(name);
-    } catch (const Error&) {
+    } catch (...) {
       file.reset();
       if (mode.create) ::DeleteFileW(systemName.c_str());
       throw;
