@@ -59,65 +59,64 @@ class SearchedKey {
   std::uint64_t m_headBits = 0;
 };
 
-// The part of an entry mask from a bit on, as numbers, for shifting.
+// An entry mask where it is stored, as numbers of 64 bits.
 class Mask {
  public:
-  explicit Mask(std::byte* stored, std::size_t from = 0) : m_stored(stored), m_first(from / 64) {
-    for (std::size_t i = m_first; i < kWholeWords; ++i)
-      m_words[i] = LoadU64(stored + 8 * i);
-    for (std::size_t i = 8 * kWholeWords; i < kMaskBytes; ++i)
-      m_words[i / 8] |= std::uint64_t{LoadU8(stored + i)} << (8 * (i % 8));
-  }
+  explicit Mask(std::byte* stored) : m_stored(stored) {}
   /// Moves the bits from `from` on up by `by`; the gap is clear. No bit above `last` is set, then or now.
   void Open(std::size_t from, std::size_t by, std::size_t last) {
     const std::size_t first = from / 64;
     const std::size_t words = by / 64;
     const std::size_t bits = by % 64;
-    const std::uint64_t stays = m_words[first] & ~Bits(first, from);
-    m_words[first] &= Bits(first, from);
+    const std::uint64_t stays = Word(first) & ~Bits(first, from);
+    const std::uint64_t lowest = Word(first) & Bits(first, from);
     // From the top down, so that every word is read before it is written.
     for (std::size_t i = last / 64; i > first + words; --i) {
-      const std::uint64_t carried = bits == 0 ? 0 : m_words[i - words - 1] >> (64 - bits);
-      m_words[i] = m_words[i - words] << bits | carried;
+      const std::size_t source = i - words;
+      const std::uint64_t below = source - 1 == first ? lowest : Word(source - 1);
+      SetWord(i, Word(source) << bits | (bits == 0 ? 0 : below >> (64 - bits)));
     }
-    m_words[first + words] = m_words[first] << bits;
-    std::fill_n(m_words.begin() + static_cast<std::ptrdiff_t>(first), words, std::uint64_t{0});
-    m_words[first] |= stays;
+    SetWord(first + words, lowest << bits);
+    for (std::size_t i = first; i < first + words; ++i)
+      SetWord(i, 0);
+    SetWord(first, Word(first) | stays);
   }
-  /// Drops the bits in (from, from + by] and moves those above down by `by`.
-  void Close(std::size_t from, std::size_t by) {
+  /// Drops the bits in (from, from + by] and moves those above down by `by`. No bit above `last` is set.
+  void Close(std::size_t from, std::size_t by, std::size_t last) {
     const std::size_t first = from + 1;
     const std::size_t cut = first + by;
-    for (std::size_t i = first / 64; i < kWords; ++i) {
-      std::uint64_t moved = 0;
-      const std::size_t at = i + by / 64;
-      if (at < kWords) moved = Above(at, cut) >> (by % 64);
-      if (by % 64 != 0 && at + 1 < kWords) moved |= Above(at + 1, cut) << (64 - by % 64);
-      m_words[i] = (m_words[i] & ~Bits(i, first)) | moved;
+    for (std::size_t i = first / 64; i <= last / 64; ++i) {
+      const std::size_t source = i + by / 64;
+      std::uint64_t moved = Above(source, cut) >> (by % 64);
+      if (by % 64 != 0) moved |= Above(source + 1, cut) << (64 - by % 64);
+      SetWord(i, (Word(i) & ~Bits(i, first)) | moved);
     }
   }
-  void Set(std::size_t bit) { m_words[bit / 64] |= std::uint64_t{1} << (bit % 64); }
-  void Clear() { m_words.fill(0); }
-  void Store() const {
-    for (std::size_t i = m_first; i < kWholeWords; ++i)
-      StoreU64(m_stored + 8 * i, m_words[i]);
-    for (std::size_t i = 8 * kWholeWords; i < kMaskBytes; ++i)
-      StoreU8(m_stored + i, static_cast<std::uint8_t>(m_words[i / 8] >> (8 * (i % 8))));
-  }
+  void Set(std::size_t bit) { SetWord(bit / 64, Word(bit / 64) | std::uint64_t{1} << (bit % 64)); }
+  void Clear() { std::memset(m_stored, 0, kMaskBytes); }
 
  private:
-  static constexpr std::size_t kWords = (kMaskBytes + 7) / 8;
   static constexpr std::size_t kWholeWords = kMaskBytes / 8;
+  std::uint64_t Word(std::size_t i) const {
+    if (i < kWholeWords) return LoadU64(m_stored + 8 * i);
+    std::uint64_t word = 0;
+    for (std::size_t byte = 8 * i; byte < kMaskBytes; ++byte)
+      word |= std::uint64_t{LoadU8(m_stored + byte)} << (8 * (byte % 8));
+    return word;
+  }
+  void SetWord(std::size_t i, std::uint64_t word) {
+    if (i < kWholeWords) return StoreU64(m_stored + 8 * i, word);
+    for (std::size_t byte = 8 * i; byte < kMaskBytes; ++byte)
+      StoreU8(m_stored + byte, static_cast<std::uint8_t>(word >> (8 * (byte % 8))));
+  }
   // Bits of word `i` that stand for positions not below `from`.
   static std::uint64_t Bits(std::size_t i, std::size_t from) {
     if (64 * i >= from) return ~std::uint64_t{0};
     if (64 * i + 64 <= from) return 0;
     return ~std::uint64_t{0} << (from - 64 * i);
   }
-  std::uint64_t Above(std::size_t i, std::size_t from) const { return m_words[i] & Bits(i, from); }
+  std::uint64_t Above(std::size_t i, std::size_t from) const { return Word(i) & Bits(i, from); }
   std::byte* m_stored;
-  std::size_t m_first;  // words before it are left alone
-  std::array<std::uint64_t, kWords> m_words{};
 };
 
 }  // namespace
@@ -390,10 +389,9 @@ bool IndexPage::Insert(EntryPlace place, std::span<const std::byte> entry) {
   std::byte* const from = m_bytes.data() + kEntries + at;
   std::memmove(from + piece.size(), from, m_used - at);
   std::memcpy(from, piece.data(), piece.size());
-  Mask mask(m_bytes.data() + kMask, at + 1);
+  Mask mask(m_bytes.data() + kMask);
   mask.Open(at + 1, piece.size(), m_used + piece.size());
   mask.Set(at + piece.size());
-  mask.Store();
   SetUsed(m_used + piece.size());
   return true;
 }
@@ -411,9 +409,7 @@ void IndexPage::Remove(EntryPlace place) {
   std::byte* const to = m_bytes.data() + kEntries + place.begin;
   std::memmove(to, to + size, m_used - place.end);
   std::memset(m_bytes.data() + kEntries + m_used - size, 0, size);
-  Mask mask(m_bytes.data() + kMask, place.begin);
-  mask.Close(place.begin, size);
-  mask.Store();
+  Mask(m_bytes.data() + kMask).Close(place.begin, size, m_used);
   SetUsed(m_used - size);
 }
 
@@ -450,7 +446,6 @@ bool IndexPage::Assign(std::span<const std::span<const std::byte>> entries) {
     mask.Set(at);
   }
   std::memset(m_bytes.data() + kEntries + at, 0, kCapacity - at);
-  mask.Store();
   m_prefix = prefix;
   StoreU16(m_bytes.data() + kPrefix, static_cast<std::uint16_t>(prefix));
   SetUsed(at);

@@ -80,6 +80,12 @@ class IndexPageView {
   /// The first entry that is not less than `key`; the end place when there is none.
   EntryPlace LowerBound(std::span<const std::byte> key) const;
 
+  /// The same, at once for keys that no entry is above, as those of new rows often are.
+  EntryPlace PlaceFor(std::span<const std::byte> key) const {
+    const EntryPlace last = Last();
+    return !last.IsEnd() && Compare(last, key) < 0 ? EntryPlace{m_used, m_used} : LowerBound(key);
+  }
+
   /// The entry's own bytes in the page, without the prefix unless it is the first.
   std::span<const std::byte> Stored(EntryPlace place) const {
     return m_page.subspan(index_page::kEntries + place.begin, place.end - place.begin);

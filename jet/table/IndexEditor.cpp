@@ -80,7 +80,7 @@ PageNumber IndexEditor::Descend(const EntryBytes& entry) {
     const IndexPageView view(page.Bytes(), number);
     if (view.Table() != m_tablePage) RaiseDamaged("a page of it belongs to another table");
     if (view.IsLeaf()) return number;
-    EntryPlace place = view.LowerBound(entry);
+    EntryPlace place = view.PlaceFor(entry);
     bool keyed = true;
     PageNumber child = 0;
     if (place.IsEnd()) {
@@ -142,7 +142,7 @@ std::optional<LeafRoom> IndexEditor::FindRoom(const EntryBytes& entry) {
   const PageNumber leaf = Descend(entry);
   const PageHandle page = m_pager->Get(leaf);
   const IndexPageView view(page.Bytes(), leaf);
-  const EntryPlace place = view.LowerBound(entry);
+  const EntryPlace place = view.PlaceFor(entry);
   if (!view.HasRoomFor(place, entry)) return std::nullopt;
   if (place.IsEnd()) {
     // Branches that name the leaf by its last entry would change too.

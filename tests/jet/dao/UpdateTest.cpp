@@ -197,6 +197,45 @@ TEST_F(UpdateTest, AutomaticNumbersGoOn) {
   EXPECT_EQ(One("select max(id) from numbered"), Value(3));
 }
 
+TEST_F(UpdateTest, RefusedRowsOfAUnitLeaveTheOthersInPlace) {
+  TableSpec table;
+  table.name = "numbered";
+  table.columns = {test::MakeColumn("id", ColumnType::Long), test::MakeColumn("name", ColumnType::Text, 30),
+                   test::MakeColumn("remark", ColumnType::Memo)};
+  table.indexes = {{.name = "key", .columns = {{"id"}}, .primary = true, .unique = true, .required = true},
+                   {.name = "name", .columns = {{"name"}}, .unique = true}};
+  database->CreateTable(table);
+  const auto rows = Select("select * from numbered");
+  const auto add = [&](int id, const std::string& name, bool withRemark) {
+    rows->AddNew();
+    rows->Fields("id").Value(id);
+    if (!name.empty()) rows->Fields("name").Value(name);
+    if (withRemark) rows->Fields("remark").Value(std::string(100, 'r'));
+    rows->Update();
+  };
+  constexpr int kRows = 1999;  // a prime, so that the steps below meet every number
+  const auto idOf = [](int i) { return 701 * i % kRows; };
+  const auto nameOf = [](int id) { return "name " + std::to_string(7919 * id % kRows); };
+  database->BeginUpdates();
+  for (int i = 0; i < kRows; ++i) {
+    add(idOf(i), nameOf(idOf(i)), i % 50 == 0);
+    add(kRows + i, {}, false);  // Nulls are not the same
+    const int earlier = idOf(i / 2);
+    ExpectError(ErrorNumber::DuplicateKey, [&] { add(earlier, "new", i % 2 == 0); });
+    ExpectError(ErrorNumber::DuplicateKey, [&] { add(-1, nameOf(earlier), i % 2 == 0); });
+  }
+  // Every key has its turn: those at the ends of leaves too.
+  for (int id = 0; id < kRows; ++id) {
+    ExpectError(ErrorNumber::DuplicateKey, [&] { add(id, "new", false); });
+    ExpectError(ErrorNumber::DuplicateKey, [&] { add(-1, nameOf(id), false); });
+  }
+  database->CommitUpdates();
+  EXPECT_EQ(One("select count(*) from numbered"), Value(2 * kRows));
+  EXPECT_EQ(One("select count(*) from numbered where name = 'new' or id < 0"), Value(0));
+  EXPECT_EQ(One("select count(*) from numbered where remark is not null"), Value(40));
+  EXPECT_TRUE(database->Check().findings.empty());
+}
+
 TEST_F(UpdateTest, UpdatesTogetherAreUndoneTogether) {
   const std::vector<std::byte> before = memory->Get("league.mdb");
   const auto rows = Select("select * from [position info]");
