@@ -143,15 +143,15 @@ void RedoLog::Recover(File& database, bool readOnly) {
 
 bool RedoLog::ReadHeader() {
   std::array<std::byte, kSectorSize> sector{};
-  // A log that was just being made when the machine stopped: nothing is in it yet.
-  if (m_file->Size() < sector.size()) return false;
-  m_file->Read(0, sector);
-  if (AllZero(sector)) return false;
-
+  const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(m_file->Size(), sector.size()));
+  m_file->Read(0, std::span(sector).first(size));
   Header header;
   std::memcpy(&header, sector.data(), sizeof header);
-  if (std::memcmp(header.mark, kMark, sizeof kMark) != 0 || header.version != kVersion ||
-      header.pageSize != kPageSize || header.pageCount > kMaxPages || header.sum != header.Sum()) {
+  // A log that was just being made when the machine stopped: nothing is in it yet.
+  const bool isMarked = std::memcmp(header.mark, kMark, std::min(size, sizeof kMark)) == 0;
+  if (AllZero(sector) || (isMarked && size < sector.size())) return false;
+  if (!isMarked || header.version != kVersion || header.pageSize != kPageSize ||
+      header.pageCount > kMaxPages || header.sum != header.Sum()) {
     throw Error(ErrorNumber::DamagedFile,
                 "The log '" + m_name +
                     "' is damaged or of another version. To go on with the database as it is, without the "

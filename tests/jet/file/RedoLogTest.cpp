@@ -210,15 +210,23 @@ TEST_F(RedoLogTest, IsRefusedWhenAnotherProgramChangedTheFile) {
 TEST_F(RedoLogTest, WhatIsNotALogIsRefusedAndAnEmptyOneIsNone) {
   Files files = Crashed();
   auto& log = files.at("f-log");
-  log[20] = ~log[20];
-  try {
-    Open(std::make_shared<CrashingFileSystem>(files), Durability::Full);
-    ADD_FAILURE();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), ErrorNumber::DamagedFile);
+  const std::vector<std::byte> made = log;
+  for (const std::size_t size : {std::size_t{30}, log.size()}) {
+    log.resize(size);
+    log[size < 512 ? 3 : 20] ^= std::byte{1};
+    const auto up = std::make_shared<CrashingFileSystem>(files);
+    try {
+      Open(up, Durability::Full);
+      ADD_FAILURE();
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), ErrorNumber::DamagedFile);
+    }
+    EXPECT_EQ(up->Survivors(), files);
+    log = made;
   }
-  for (const std::size_t size : {0U, 100U, 4096U}) {
+  for (const std::size_t size : {0U, 100U, 511U, 4096U}) {
     log.assign(size, std::byte{0});
+    if (size % 2 == 1) std::copy_n(made.begin(), size, log.begin());  // cut off
     auto up = std::make_shared<CrashingFileSystem>(files);
     EXPECT_EQ(ReadAll(*Open(up, Durability::Full)), StartingState());
     EXPECT_FALSE(up->Exists("f-log"));
