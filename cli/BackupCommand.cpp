@@ -7,6 +7,7 @@
 #include "cli/Numbers.h"
 #include "cli/TextTable.h"
 #include "cli/Utf8.h"
+#include "jet/dao/DBEngine.h"
 #include "storage/LeagueBackup.h"
 
 namespace cli {
@@ -73,6 +74,8 @@ const char* TextOf(HLDataSrvc::Replaced replaced) {
       return "kept";
     case HLDataSrvc::Replaced::Unreadable:
       return "put aside unread";
+    case HLDataSrvc::Replaced::LogOnly:
+      return "log put aside";
     case HLDataSrvc::Replaced::Nothing:
       break;
   }
@@ -88,7 +91,8 @@ void Restore(Context& context, const RestoreOptions& options) {
   }
   const std::string kept = NewBackupPath(context);
   const auto replaced = HLDataSrvc::RestoreLeague(backup, league, kept, options.acceptsDamage);
-  const bool wasThere = replaced != HLDataSrvc::Replaced::Nothing;
+  const bool wasThere =
+      replaced == HLDataSrvc::Replaced::Whole || replaced == HLDataSrvc::Replaced::Unreadable;
   if (context.json) {
     Json document;
     document["file"] = league;
@@ -102,6 +106,10 @@ void Restore(Context& context, const RestoreOptions& options) {
   if (wasThere) context.output.Line("The league as it was is " + kept + ".");
   if (replaced == HLDataSrvc::Replaced::Unreadable)
     context.messages.Note("It could not be read as a league file, and was put aside as it was.");
+  if (replaced == HLDataSrvc::Replaced::LogOnly) {
+    context.messages.Note("The league's file was gone; changes that were saved and not in it yet are in " +
+                          jet::LogNameFor(kept) + ".");
+  }
 }
 
 void Compact(Context& context) {

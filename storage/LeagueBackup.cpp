@@ -73,8 +73,10 @@ Replaced RestoreLeague(const std::string& backup, const std::string& path, const
   FileInMaking file(path);
   Engine().CopyDatabase(*source, file.Path());
   if (!Engine().HasFile(path)) {
+    const bool hasLog = Engine().HasFile(jet::LogNameFor(path));
+    if (hasLog) Engine().RenameDatabase(jet::LogNameFor(path), jet::LogNameFor(kept));
     file.PutInPlace();
-    return Replaced::Nothing;
+    return hasLog ? Replaced::LogOnly : Replaced::Nothing;
   }
   if (const auto league = OpenIfReadable(path)) {
     CopyTo(*league, kept);

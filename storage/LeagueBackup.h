@@ -17,15 +17,17 @@ enum class Replaced {
   Nothing,     ///< there was no file
   Whole,       ///< a league file, of which a backup was made
   Unreadable,  ///< a file that does not open as a league file, and has another name now
+  LogOnly,     ///< the log of a file that is gone; the log has another name now
 };
 
 /// Puts a copy of `backup` in the place of the league file `path`, once the whole of the backup has been
 /// checked, unless `acceptDamage`. What was there is kept as `kept`: as a backup if it opens; if not, the
-/// file itself and its log are renamed, and until the copy is in its place there is no file `path`.
+/// file itself and its log are renamed, and until the copy is in its place there is no file `path`. So is a
+/// log whose file is gone.
 ///
 /// Raises jet::Error: what opening the backup raises, DamagedFile for one that is not sound; FileInUse or
-/// FileHeldExclusively when somebody has the league open, ObjectExists when there is a file `kept`, DiskFull,
-/// PermissionDenied.
+/// FileHeldExclusively when somebody has the league or its log open, ObjectExists when there is a file
+/// `kept`, DiskFull, PermissionDenied.
 Replaced RestoreLeague(const std::string& backup, const std::string& path, const std::string& kept,
                        bool acceptDamage = false);
 

@@ -156,6 +156,20 @@ TEST_F(LeagueBackupTest, AnUnreadableLeagueIsPutAsideWithItsLog) {
   EXPECT_EQ(after.at(jet::LogNameFor(kKept)), log);
 }
 
+// The file was removed while it was open; what was saved in it is in the log.
+TEST_F(LeagueBackupTest, TheLogOfALeagueThatIsGoneIsPutAside) {
+  UsePair();
+  const auto league = Open(kLeague);
+  Mark(*league, "only in the log");
+  m_files->Remove(kLeague);
+  EXPECT_EQ(ErrorOf([] { RestoreLeague(kBackup, kLeague, kKept); }), jet::ErrorNumber::FileHeldExclusively);
+  const Files files = m_files->Survivors();
+  Use(files);
+  EXPECT_EQ(RestoreLeague(kBackup, kLeague, kKept), Replaced::LogOnly);
+  EXPECT_EQ(MarkOf(kLeague), "then");
+  EXPECT_EQ(m_files->Survivors().at(jet::LogNameFor(kKept)), files.at(jet::LogNameFor(kLeague)));
+}
+
 TEST_F(LeagueBackupTest, ADamagedBackupIsRefused) {
   UsePair();
   Files files = m_files->Survivors();
