@@ -80,13 +80,20 @@ template <typename Visit>
 void Executor::RunScan(std::size_t number, const Visit& visit) {
   const Step& step = m_plan->steps[number];
   const Table& table = TableOf(step.source);
-  for (TableScan scan(table); scan.Next();) {
-    const std::span<const std::byte> bytes = step.sieve ? scan.HomeBytes() : std::span<const std::byte>();
-    auto verdict = PrefixSieve::Verdict::Unknown;
-    if (!bytes.empty()) verdict = step.sieve->Look(table.View(bytes));
-    if (verdict == PrefixSieve::Verdict::No) continue;
-    Take(number, scan.Id(), scan.Row(), verdict == PrefixSieve::Verdict::Yes ? step.sieved : nullptr, visit);
+  TableScan scan(table);
+  if (!step.sieve) {
+    while (scan.Next())
+      Take(number, scan.Id(), scan.Row(), nullptr, visit);
+    return;
   }
+  const PrefixSieve sieve = *step.sieve;
+  auto verdict = PrefixSieve::Verdict::Unknown;
+  const auto isOut = [&](std::span<const std::byte> row) {
+    verdict = sieve.Look(table.View(row));
+    return verdict == PrefixSieve::Verdict::No;
+  };
+  for (; scan.NextUnless(isOut); verdict = PrefixSieve::Verdict::Unknown)
+    Take(number, scan.Id(), scan.Row(), verdict == PrefixSieve::Verdict::Yes ? step.sieved : nullptr, visit);
 }
 
 template <typename Visit>

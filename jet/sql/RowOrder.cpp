@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "jet/format/Bytes.h"
 #include "jet/format/IndexKey.h"
 #include "jet/sql/Comparison.h"
 #include "jet/sql/KeyFit.h"
@@ -29,10 +30,11 @@ bool HasFaithfulKeys(ColumnType type) {
 }
 
 /// Up to eight bytes as a number that compares as they do.
-std::uint64_t FirstBytes(const std::byte* bytes, std::size_t size) {
+std::uint64_t FirstBytes(std::span<const std::byte> bytes) {
+  if (bytes.size() >= 8) return format::LoadBigU64(bytes.data());
   std::uint64_t number = 0;
   for (std::size_t i = 0; i < 8; ++i)
-    number = number << 8 | (i < size ? std::to_integer<std::uint64_t>(bytes[i]) : 0);
+    number = number << 8 | (i < bytes.size() ? std::to_integer<std::uint64_t>(bytes[i]) : 0);
   return number;
 }
 
@@ -80,21 +82,33 @@ std::vector<std::size_t> RowOrder::Sorted() const {
   return m_by == By::Keys ? SortedByKeys() : SortedByValues();
 }
 
-std::vector<std::size_t> RowOrder::SortedByKeys() const {
-  std::vector<Key> keys(m_ends.size());
-  std::size_t begin = 0;
-  for (std::size_t row = 0; row < keys.size(); ++row) {
-    const std::size_t end = m_ends[row];
-    keys[row] = {FirstBytes(m_bytes.data() + begin, end - begin), begin, end, row};
-    begin = end;
+// Bytes that all keys begin with: many after a search for the beginning of a name.
+std::size_t RowOrder::SharedByAll() const {
+  std::span<const std::byte> shared = KeyOf(0);
+  for (std::size_t row = 1; row < m_ends.size() && !shared.empty(); ++row) {
+    const std::span<const std::byte> key = KeyOf(row);
+    if (key.size() < shared.size()) shared = shared.first(key.size());
+    std::size_t i = 0;
+    while (i < shared.size() && key[i] == shared[i])
+      ++i;
+    shared = shared.first(i);
   }
-  std::sort(keys.begin(), keys.end(), [this](const Key& a, const Key& b) {
+  return shared.size();
+}
+
+std::vector<std::size_t> RowOrder::SortedByKeys() const {
+  if (m_ends.empty()) return {};
+  const std::size_t shared = SharedByAll();
+  std::vector<Key> keys(m_ends.size());
+  for (std::size_t row = 0; row < keys.size(); ++row)
+    keys[row] = {FirstBytes(KeyOf(row).subspan(shared)), row};
+  std::sort(keys.begin(), keys.end(), [&](const Key& a, const Key& b) {
     if (a.first != b.first) return a.first < b.first;
-    const std::size_t sizeA = a.end - a.begin;
-    const std::size_t sizeB = b.end - b.begin;
-    const int order = std::memcmp(m_bytes.data() + a.begin, m_bytes.data() + b.begin, std::min(sizeA, sizeB));
+    const std::span<const std::byte> keyA = KeyOf(a.row);
+    const std::span<const std::byte> keyB = KeyOf(b.row);
+    const int order = std::memcmp(keyA.data(), keyB.data(), std::min(keyA.size(), keyB.size()));
     if (order != 0) return order < 0;
-    return sizeA != sizeB ? sizeA < sizeB : a.row < b.row;
+    return keyA.size() != keyB.size() ? keyA.size() < keyB.size() : a.row < b.row;
   });
   std::vector<std::size_t> rows;
   rows.reserve(keys.size());

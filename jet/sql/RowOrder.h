@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -34,14 +35,17 @@ class RowOrder {
 
  private:
   struct Key {
-    std::uint64_t first = 0;  ///< its first bytes as a number, which decides mostly
-    std::size_t begin = 0;    ///< in m_bytes
-    std::size_t end = 0;
+    std::uint64_t first = 0;  ///< its first bytes as a number, without those that all share; decides mostly
     std::size_t row = 0;
   };
 
   template <typename Append>
   void AddKey(const Append& append);
+  std::span<const std::byte> KeyOf(std::size_t row) const {
+    const std::size_t begin = row == 0 ? 0 : m_ends[row - 1];
+    return {m_bytes.data() + begin, m_ends[row] - begin};
+  }
+  std::size_t SharedByAll() const;
   std::vector<std::size_t> SortedByKeys() const;
   std::vector<std::size_t> SortedByValues() const;
 

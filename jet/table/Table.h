@@ -170,12 +170,22 @@ class TableScan {
   explicit TableScan(const Table& table) : m_table(&table) {}
   /// To the next row; false at the end.
   bool Next() {
+    return NextUnless([](std::span<const std::byte>) { return false; });
+  }
+  /// The same, passing over rows for whose bytes `skip` answers true. Rows that have moved to another page
+  /// are not passed over.
+  template <typename Skip>
+  bool NextUnless(const Skip& skip) {
     m_hasRow = false;
     do {
-      while (m_view && m_nextSlot < m_view->SlotCount()) {
-        m_slot = m_view->Slot(m_nextSlot++);
-        if (m_slot.flags == format::data_page::kLive || m_slot.flags == format::data_page::kMoved)
-          return true;
+      if (!m_view) continue;
+      const format::DataPageView view = *m_view;
+      while (m_nextSlot < view.SlotCount()) {
+        const format::RowSlot slot = view.Slot(m_nextSlot++);
+        const bool isLive = slot.flags == format::data_page::kLive;
+        if (isLive ? skip(view.Row(slot)) : slot.flags != format::data_page::kMoved) continue;
+        m_slot = slot;
+        return true;
       }
     } while (NextPage());
     return false;
@@ -183,10 +193,6 @@ class TableScan {
   RowId Id() const { return {m_page.Number(), static_cast<std::uint8_t>(m_nextSlot - 1)}; }
   /// The current row.
   const RowRef& Row();
-  /// The current row's bytes, until the scan goes on; none if the row has moved to another page.
-  std::span<const std::byte> HomeBytes() const {
-    return m_slot.flags == format::data_page::kLive ? m_view->Row(m_slot) : std::span<const std::byte>();
-  }
 
  private:
   bool NextPage();
