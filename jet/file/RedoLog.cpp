@@ -280,7 +280,7 @@ void RedoLog::Append(std::span<const ChangedPage> changes, PageNumber oldPageCou
                                              m_databaseName +
                                              "' takes no more changes. Close it and open it again.");
   }
-  if (m_file == nullptr) Create(oldPageCount);
+  m_file == nullptr ? Create(oldPageCount) : PutBackIfRemoved();
   const std::uint64_t end = m_end;
   const std::uint64_t sum = m_sum;
   bool isWhole = false;
@@ -405,6 +405,26 @@ void RedoLog::Create(PageNumber pageCount) {
   }
 }
 
+/// A log whose name is gone is lost with this process, and the changes that only it has.
+void RedoLog::PutBackIfRemoved() {
+  if (!m_file->IsRemoved()) return;
+  auto file = m_files->Open(m_name, {.exclusive = true, .readOnly = false, .create = true});
+  try {
+    for (std::uint64_t at = 0; at < m_end; at += m_buffer.size()) {
+      m_buffer.resize(static_cast<std::size_t>(std::min<std::uint64_t>(m_end - at, kLongestWrite)));
+      m_file->Read(at, m_buffer);
+      file->Write(at, m_buffer);
+    }
+    file->Sync();
+  } catch (...) {
+    file.reset();
+    m_files->Remove(m_name);
+    throw;
+  }
+  m_file = std::move(file);
+  m_ahead = m_end;
+}
+
 void RedoLog::WriteHeader(PageNumber pageCount) {
   Header header{};
   std::memcpy(header.mark, kMark, sizeof kMark);
@@ -424,6 +444,11 @@ void RedoLog::WriteHeader(PageNumber pageCount) {
 }
 
 void RedoLog::WritePages(File& database) {
+  try {
+    PutBackIfRemoved();
+  } catch (const Error&) {
+    // Better a checkpoint that no crash may interrupt than none.
+  }
   // From here on the log must be able to repair the database.
   if (!m_isSynced) UnlessItFails([&] { m_file->Sync(); });
   m_isSynced = true;

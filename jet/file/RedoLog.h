@@ -69,7 +69,8 @@ class RedoLog {
 
   /// Appends a unit; `oldPageCount` are the pages of the database before it, `pageCount` those after it. When
   /// it returns, the unit is as durable as wished. When it fails, the unit is not there. Should it be unknown
-  /// whether it is, every later Append is refused.
+  /// whether it is, every later Append is refused. A log that somebody removed is made anew, with all that
+  /// was in it.
   void Append(std::span<const ChangedPage> changes, PageNumber oldPageCount, PageNumber pageCount);
   /// Whether the log is so long that a checkpoint is due.
   bool IsLong() const { return m_end > m_longLog; }
@@ -110,6 +111,7 @@ class RedoLog {
   static void AddWritten(std::span<const std::byte> written, Hole hole, Checksum& sum);
 
   void Create(PageNumber pageCount);
+  void PutBackIfRemoved();
   void WriteHeader(PageNumber pageCount);
   bool ReadHeader();
   void ReadUnits();

@@ -144,26 +144,52 @@ TEST_F(SystemFilesTest, MissingRightsArePermissionDenied) {
   ::chmod(m_folder.Path().c_str(), 0755);
 }
 
-TEST_F(SystemFilesTest, LogLiesBesideTheFileAndNotBesideALinkToIt) {
-  WriteWholeFile(m_name, std::vector<std::byte>(2 * kPageSize));
-  const std::string link = m_folder.File("link.mdb");
-  std::filesystem::create_symlink(m_name, link);
-  const auto open = [](const std::string& name) {
+/// A file of two pages, opened with its log.
+class SystemLogTest : public SystemFilesTest {
+ protected:
+  void SetUp() override { WriteWholeFile(m_name, std::vector<std::byte>(2 * kPageSize)); }
+
+  static std::unique_ptr<PageStore> Open(const std::string& name) {
     auto file = SystemFiles()->Open(name, {});
     auto log = std::make_unique<RedoLog>(SystemFiles(), name, Durability::Full);
     log->Recover(*file, false);
     auto pages = std::make_unique<PageStore>(std::move(file), name, std::move(log));
     pages->Start(0);
     return pages;
-  };
-  const PageBytes before{};
-  PageBytes after{};
-  after.fill(std::byte{7});
-  const ChangedPage change{1, &before, &after};
-  open(link)->Apply(std::span(&change, 1), 2);  // and never closed
-  PageBytes found;
-  open(m_name)->Read(1, found);
-  EXPECT_EQ(found, after);
+  }
+  static void Fill(PageStore& pages, PageNumber number, int value) {
+    PageBytes before;
+    pages.Read(number, before);
+    PageBytes after;
+    after.fill(static_cast<std::byte>(value));
+    const ChangedPage change{number, &before, &after};
+    pages.Apply(std::span(&change, 1), 2);
+  }
+  static int First(PageStore& pages, PageNumber number) {
+    PageBytes page;
+    pages.Read(number, page);
+    return std::to_integer<int>(page[0]);
+  }
+};
+
+TEST_F(SystemLogTest, LiesBesideTheFileAndNotBesideALinkToIt) {
+  const std::string link = m_folder.File("link.mdb");
+  std::filesystem::create_symlink(m_name, link);
+  Fill(*Open(link), 1, 7);  // and never closed
+  EXPECT_EQ(First(*Open(m_name), 1), 7);
+}
+
+TEST_F(SystemLogTest, IsMadeAnewWhenItWasRemoved) {
+  {
+    const auto pages = Open(m_name);
+    Fill(*pages, 0, 7);
+    std::filesystem::remove(m_name + "-log");
+    Fill(*pages, 1, 8);
+  }  // and never closed
+  EXPECT_EQ(std::to_integer<int>(ReadWholeFile(m_name)[0]), 0);
+  const auto pages = Open(m_name);
+  EXPECT_EQ(First(*pages, 0), 7);
+  EXPECT_EQ(First(*pages, 1), 8);
 }
 
 TEST_F(SystemFilesTest, ReplacingALinkedFileKeepsTheLink) {
