@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 #include <stdexcept>
+#include <utility>
 
 #include "HLDataSrvc/CreateDataService.h"
 #include "HLDataSrvc/Host.h"
@@ -95,8 +96,12 @@ void FillMasters(jet::Database& database, std::size_t players) {
   database.CommitUpdates();
 }
 
-void FillSeason(HLIData::IDataService& service) {
-  service.CurrentSeasonYear(2026);
+constexpr std::int32_t kYear = 2026;  // of the current season; the others are of the years before
+
+/// Drafts every `step`th of the players in the order of their names, beginning with that of number `step`.
+void FillSeason(HLIData::IDataService& service, std::int32_t year,
+                const HLIData::KeyedCollection<HLIData::IPickable>& players, std::int32_t step) {
+  service.CurrentSeasonYear(year);
   auto season = service.GetCurrentSeasonInfo();
   season->NoOfManagers(kManagers);
   season->NoOfRounds(kRounds);
@@ -111,10 +116,19 @@ void FillSeason(HLIData::IDataService& service) {
   for (const auto& manager : *season->Managers())
     manager->Rank(manager->ID());
   Require(service.SaveManagersPlaying() && service.SaveRanking(), "the managers");
-  const auto players = service.Search(HLIData::SearchType::PlayersAndTeams, "", false, false);
   for (std::int32_t pick = 1; pick <= kPicks; ++pick)
-    season->UpdateDraft(players->Item(pick), pick, season->Managers()->Item(1 + pick % kManagers));
-  Require(service.SaveDrafts() && service.SaveSettings(), "the draft");
+    season->UpdateDraft(players.Item(pick * step), pick, season->Managers()->Item(1 + pick % kManagers));
+  Require(service.SaveDrafts(), "the draft");
+}
+
+void FillSeasons(HLIData::IDataService& service, std::int32_t seasons) {
+  const auto players = service.Search(HLIData::SearchType::PlayersAndTeams, "", false, false);
+  for (std::int32_t season = 0; season < seasons; ++season) {
+    const std::int32_t most = players->Count() / kPicks;
+    FillSeason(service, kYear - season, *players, 1 + season % most);
+  }
+  service.CurrentSeasonYear(kYear);
+  Require(service.SaveSettings(), "the settings");
   service.CloseDatabase();
 }
 
@@ -194,18 +208,22 @@ class StatementRecorder final : public jet::CallObserver {
 
 }  // namespace
 
-const League& League::WithPlayers(std::size_t count) {
-  static std::map<std::size_t, League> leagues;
-  const auto found = leagues.find(count);
-  return found != leagues.end() ? found->second : leagues.emplace(count, League(count)).first->second;
+const League& League::WithPlayers(std::size_t count, std::int32_t seasons) {
+  static std::map<std::pair<std::size_t, std::int32_t>, League> leagues;
+  const std::pair key{count, seasons};
+  const auto found = leagues.find(key);
+  return found != leagues.end() ? found->second : leagues.emplace(key, League(count, seasons)).first->second;
 }
 
-League::League(std::size_t players)
-    : m_folder(NewFolder("league-" + std::to_string(players))), m_sqlite(m_folder + "/league.sqlite") {
+League::League(std::size_t players, std::int32_t seasons)
+    : m_folder(NewFolder("league-" + std::to_string(players) + "-" + std::to_string(seasons))),
+      m_sqlite(m_folder + "/league.sqlite") {
   HLDataSrvc::LeagueFileOptions options;
   options.fill = [players](jet::Database& database) { FillMasters(database, players); };
   HLDataSrvc::CreateLeagueFile(m_folder + "/" + kFile, options);
-  FillSeason(*OpenService(m_folder));
+  UseDurability(jet::Durability::Off);
+  FillSeasons(*OpenService(m_folder), seasons);
+  UseDurability(jet::Durability::Full);
   CopyToSqlite(m_folder + "/" + kFile, m_sqlite);
 }
 

@@ -17,11 +17,11 @@ inline constexpr std::int32_t kManagers = 14;
 inline constexpr std::int32_t kRounds = 16;
 inline constexpr std::int32_t kPicks = kManagers * kRounds;
 
-/// A league with so many players and a current season of 14 managers and 16 rounds, fully drafted, once as a
-/// league file and once, with the same rows, keys and indexes, in SQLite. Made on first use.
+/// A league with so many players and a current season of 14 managers and some rounds, fully drafted, once as
+/// a league file and once, with the same rows, keys and indexes, in SQLite. Made on first use.
 class League {
  public:
-  static const League& WithPlayers(std::size_t count);
+  static const League& WithPlayers(std::size_t count, std::int32_t seasons = 1);
 
   /// A copy of the league file that may be changed, in a folder of its own; the next copy overwrites it.
   std::string FolderOfCopy() const;
@@ -29,7 +29,7 @@ class League {
   std::string SqliteCopy() const;
 
  private:
-  explicit League(std::size_t players);
+  League(std::size_t players, std::int32_t seasons);
 
   std::string m_folder;
   std::string m_sqlite;

@@ -48,6 +48,44 @@ void ColdSeasonSqlite(benchmark::State& state) {
 }
 BENCHMARK(ColdSeasonSqlite)->Name("ColdSeason/sqlite")->Unit(benchmark::kMillisecond);
 
+constexpr std::int32_t kSeasons = 45;
+
+void ReadAllSeasons(const std::string& folder) {
+  const auto service = OpenService(folder);
+  benchmark::DoNotOptimize(service->GetAllSeasons());
+}
+
+/// Loads 45 seasons: most of the work is looking up the players of 10,080 picks, each by its key, and making
+/// records of those that are not in the caches.
+void PlayerLookups(benchmark::State& state) {
+  const std::string folder =
+      League::WithPlayers(static_cast<std::size_t>(state.range(0)), kSeasons).FolderOfCopy();
+  for (auto _ : state)
+    ReadAllSeasons(folder);
+}
+BENCHMARK(PlayerLookups)
+    ->Name("PlayerLookups/jet")
+    ->Arg(kPlayers)
+    ->Arg(200000)
+    ->Unit(benchmark::kMillisecond);
+
+void PlayerLookupsSqlite(benchmark::State& state) {
+  const League& league = League::WithPlayers(static_cast<std::size_t>(state.range(0)), kSeasons);
+  const std::string folder = league.FolderOfCopy();
+  const auto statements = StatementsOf([&] { ReadAllSeasons(folder); });
+  const std::string file = league.SqliteCopy();
+  for (auto _ : state) {
+    SqliteDatabase database(file, SqliteDatabase::Mode::Read);
+    benchmark::DoNotOptimize(RunAll(database, statements));
+  }
+  state.counters["statements"] = static_cast<double>(statements.size());
+}
+BENCHMARK(PlayerLookupsSqlite)
+    ->Name("PlayerLookups/sqlite")
+    ->Arg(kPlayers)
+    ->Arg(200000)
+    ->Unit(benchmark::kMillisecond);
+
 /// Every pick changes; each is a change of its own.
 void SavePicks(benchmark::State& state, jet::Durability durability) {
   UseDurability(durability);
