@@ -31,7 +31,7 @@ Database::Database(std::shared_ptr<DatabaseCore> core) : m_core(std::move(core))
 Database::~Database() {
   try {
     m_core->Close();
-  } catch (const Error&) {
+  } catch (...) {
     // Who wants to know calls Close.
   }
 }

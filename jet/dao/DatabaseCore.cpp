@@ -18,7 +18,7 @@ DatabaseCore::DatabaseCore(std::string name, std::unique_ptr<Store> store, bool 
 DatabaseCore::~DatabaseCore() {
   try {
     Close();
-  } catch (const Error&) {
+  } catch (...) {
     // Who wants to know closes the database before the last reference goes.
   }
 }

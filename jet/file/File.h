@@ -46,7 +46,8 @@ class FileSystem {
   /// FileHeldExclusively or FileInUse (see OpenMode::exclusive), ObjectExists.
   virtual std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) = 0;
   virtual bool Exists(const std::string& name) = 0;
-  /// The name of the file that a link of this name leads to; any other name as it is.
+  /// The full name of a file that is there, which stays its name whatever folder the process goes to; of a
+  /// link, where the system can tell, that of the file it leads to.
   virtual std::string RealName(const std::string& name) { return name; }
   /// Removes a file, durably; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;

@@ -82,7 +82,7 @@ Store::~Store() {
   if (m_pager == nullptr) return;
   try {
     m_pager->Close();
-  } catch (const Error&) {
+  } catch (...) {
     // Who wants to know calls Close.
   }
 }

@@ -184,12 +184,7 @@ class PosixFileSystem final : public FileSystem {
     return !name.empty() && ::stat(ToSystemName(name).c_str(), &status) == 0;
   }
 
-  std::string RealName(const std::string& name) override {
-    struct stat status {};
-    const std::string systemName = ToSystemName(name);
-    const bool isLink = ::lstat(systemName.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-    return isLink ? FollowLinks(systemName) : name;
-  }
+  std::string RealName(const std::string& name) override { return FollowLinks(ToSystemName(name)); }
 
   void Remove(const std::string& name) override {
     file_names::Check(name);

@@ -26,6 +26,14 @@ std::wstring ToSystemName(const std::string& name) {
   return wide;
 }
 
+std::string FromSystemName(const std::wstring& systemName) {
+  const int units = static_cast<int>(systemName.size());
+  const int bytes = ::WideCharToMultiByte(CP_UTF8, 0, systemName.data(), units, nullptr, 0, nullptr, nullptr);
+  std::string name(static_cast<std::size_t>(bytes), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, systemName.data(), units, name.data(), bytes, nullptr, nullptr);
+  return name;
+}
+
 /// Raises what the system's `error` means for an open file or for a name.
 [[noreturn]] void RaiseFor(DWORD error, const std::string& name, const std::string& action) {
   switch (error) {
@@ -174,6 +182,14 @@ class WindowsFileSystem final : public FileSystem {
   bool Exists(const std::string& name) override {
     if (name.empty()) return false;
     return ::GetFileAttributesW(ToSystemName(name).c_str()) != INVALID_FILE_ATTRIBUTES;
+  }
+
+  std::string RealName(const std::string& name) override {
+    const std::wstring systemName = ToSystemName(name);
+    std::wstring full(::GetFullPathNameW(systemName.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(
+        ::GetFullPathNameW(systemName.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full.empty() ? name : FromSystemName(full);
   }
 
   void Remove(const std::string& name) override {

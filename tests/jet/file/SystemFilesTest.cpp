@@ -179,6 +179,17 @@ TEST_F(SystemLogTest, LiesBesideTheFileAndNotBesideALinkToIt) {
   EXPECT_EQ(First(*Open(m_name), 1), 7);
 }
 
+TEST_F(SystemLogTest, LiesBesideTheFileWhateverFolderTheProcessGoesTo) {
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(std::filesystem::path(m_name).parent_path());
+  {
+    const auto pages = Open(std::filesystem::path(m_name).filename().string());
+    std::filesystem::current_path(before);
+    Fill(*pages, 1, 7);
+  }  // and never closed
+  EXPECT_EQ(First(*Open(m_name), 1), 7);
+}
+
 TEST_F(SystemLogTest, IsMadeAnewWhenItWasRemoved) {
   {
     const auto pages = Open(m_name);
