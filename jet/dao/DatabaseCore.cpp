@@ -80,7 +80,11 @@ void DatabaseCore::CommitUpdates() {
     m_updates->Commit();
   } catch (...) {
     m_updates.reset();
-    ReloadAfterUndo();
+    try {
+      ReloadAfterUndo();
+    } catch (...) {
+      // The first error is the one to tell.
+    }
     throw;
   }
   m_updates.reset();
@@ -96,7 +100,12 @@ void DatabaseCore::RollbackUpdates() {
 
 void DatabaseCore::ReloadAfterUndo() {
   m_statements.Clear();
-  m_store->Reload();
+  try {
+    m_store->Reload();
+  } catch (...) {
+    TakeStore();  // what it knows of its tables may be of the changes that were undone
+    throw;
+  }
   // Tables made in the undone updates are gone, and with them what was opened on them.
   const std::vector<RecordsetCore*> recordsets = m_recordsets;
   for (RecordsetCore* recordset : recordsets) {

@@ -236,6 +236,30 @@ TEST_F(UpdateTest, RefusedRowsOfAUnitLeaveTheOthersInPlace) {
   EXPECT_TRUE(database->Check().findings.empty());
 }
 
+TEST_F(UpdateTest, ADatabaseThatCannotReadItsTablesAfterAnUndoIsClosed) {
+  database->Close();
+  EngineOptions options;
+  options.files = files;
+  options.cacheBytes = 0;
+  database = DBEngine(options).OpenDatabase("league.mdb", true, false, test::kFixtureConnect);
+  const auto players = Select("select * from [player info]");
+  database->BeginUpdates();
+  TableSpec table;
+  table.name = "fleeting";
+  table.columns = {test::MakeColumn("id", ColumnType::Long)};
+  database->CreateTable(table);
+  const auto fleeting = Select("select * from fleeting");
+  for (; !players->Eof(); players->MoveNext())
+    players->Fields("id").Value();  // so that the pages of the tables are in the cache no more
+  files->FailFrom(FileOperation::Read, 1, ErrorNumber::ReadFailed);
+  ExpectError(ErrorNumber::ReadFailed, [&] { database->RollbackUpdates(); });
+  ExpectError(ErrorNumber::ObjectClosed, [&] { fleeting->Eof(); });
+  ExpectError(ErrorNumber::ObjectClosed, [&] { Select("select * from [team info]"); });
+  files->Mend();
+  database = Open();
+  EXPECT_EQ(One("select count(*) from [team info]"), Value(32));
+}
+
 TEST_F(UpdateTest, UpdatesTogetherAreUndoneTogether) {
   const std::vector<std::byte> before = memory->Get("league.mdb");
   const auto rows = Select("select * from [position info]");
