@@ -182,10 +182,10 @@ void RecordsetCore::Update() {
   if (!m_edit)
     throw Error(ErrorNumber::NoEditInProgress,
                 "There is nothing to update: no row is being added or edited.");
-  const std::vector<ColumnValue> changes = m_edit->Changes();
+  std::vector<ColumnValue> changes = m_edit->Changes();
   if (m_edit->IsNew()) {
     m_database->PrepareChange();
-    rows.Append(rows.Table().Insert(changes));
+    rows.Append(rows.Table().Insert(std::move(changes)));
   } else if (const RowId id = rows.IdOf(m_row); !changes.empty()) {
     m_database->PrepareChange();
     rows.Table().Update(id, changes);

@@ -98,7 +98,7 @@ void CatalogWriter::AddRow(PageNumber page, std::vector<std::pair<const char*, V
   std::vector<ColumnValue> row;
   for (auto& [name, value] : values)
     row.push_back({Column(table, name), std::move(value)});
-  table.Insert(row);
+  table.Insert(std::move(row));
 }
 
 void CatalogWriter::AddObject(const CatalogObject& object) {

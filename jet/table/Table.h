@@ -78,7 +78,7 @@ class Table {
   /// Default values are the caller's business. Raises NullInPrimaryKey, NullInRequiredColumn, ZeroLengthText,
   /// DuplicateKey, NoReferredRow, RecordTooLarge, FileTooLarge, FeatureNotSupported (an index that cannot be
   /// kept).
-  RowId Insert(std::span<const ColumnValue> values);
+  RowId Insert(std::vector<ColumnValue> values);
   /// Changes columns of a row; the others keep their very bytes. Raises as Insert does, RowDeleted,
   /// RowIsReferred.
   void Update(RowId id, std::span<const ColumnValue> values);
@@ -134,7 +134,7 @@ class Table {
   void DeleteRow(RowId id, int depth);
   [[noreturn]] void RaiseDuplicate(std::size_t index, const RowValues& values) const;
   [[noreturn]] void RaiseNoKey(std::size_t index, const RowValues& values) const;
-  NewRow MakeRow(std::span<const ColumnValue> changes) const;
+  NewRow MakeRow(std::vector<ColumnValue>&& changes) const;
   std::optional<std::int32_t> GiveAutomaticValues(NewRow& row) const;
   std::vector<KeyOfRow> KeysOf(const NewRow& row) const;
   const Bytes& BuildRow(const NewRow& row);

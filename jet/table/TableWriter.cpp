@@ -147,13 +147,13 @@ std::optional<std::int32_t> Table::GiveAutomaticValues(NewRow& row) const {
   return lastGiven;
 }
 
-Table::NewRow Table::MakeRow(std::span<const ColumnValue> changes) const {
+Table::NewRow Table::MakeRow(std::vector<ColumnValue>&& changes) const {
   NewRow row{RowValues(m_definition.columns.size()), std::vector<bool>(m_definition.columns.size()), {}};
   for (std::size_t c = 0; c < row.values.size(); ++c) {
     if (m_definition.columns[c].type == ColumnType::YesNo) row.values[c] = false;
   }
-  for (const ColumnValue& change : changes) {
-    row.values[change.column] = change.value;
+  for (ColumnValue& change : changes) {
+    row.values[change.column] = std::move(change.value);
     row.given[change.column] = true;
   }
   row.lastAutoNumber = GiveAutomaticValues(row);
@@ -266,8 +266,8 @@ RowId Table::InsertAnywhere(const NewRow& row) {
   return id;
 }
 
-RowId Table::Insert(std::span<const ColumnValue> changes) {
-  const NewRow row = MakeRow(changes);
+RowId Table::Insert(std::vector<ColumnValue> changes) {
+  const NewRow row = MakeRow(std::move(changes));
   std::optional<ChangeUnit> unit;
   if (!m_store->Pages().InUnit()) unit.emplace(m_store->Pages());
   std::optional<RowId> id = InsertInPlace(row);
