@@ -1,6 +1,7 @@
 // A season through the data service, beside the same statements in SQLite.
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,16 +36,21 @@ void ColdSeason(benchmark::State& state) {
 }
 BENCHMARK(ColdSeason)->Name("ColdSeason/jet")->Unit(benchmark::kMillisecond);
 
-void ColdSeasonSqlite(benchmark::State& state) {
-  const League& league = League::WithPlayers(kPlayers);
+/// SQLite opens its file and runs what the service runs when `read` reads the league of a folder.
+void Replay(benchmark::State& state, const League& league,
+            const std::function<void(const std::string&)>& read) {
   const std::string folder = league.FolderOfCopy();
-  const auto statements = StatementsOf([&] { ReadSeason(folder); });
+  const auto statements = StatementsOf([&] { read(folder); });
   const std::string file = league.SqliteCopy();
   for (auto _ : state) {
     SqliteDatabase database(file, SqliteDatabase::Mode::Read);
     benchmark::DoNotOptimize(RunAll(database, statements));
   }
   state.counters["statements"] = static_cast<double>(statements.size());
+}
+
+void ColdSeasonSqlite(benchmark::State& state) {
+  Replay(state, League::WithPlayers(kPlayers), ReadSeason);
 }
 BENCHMARK(ColdSeasonSqlite)->Name("ColdSeason/sqlite")->Unit(benchmark::kMillisecond);
 
@@ -70,15 +76,7 @@ BENCHMARK(PlayerLookups)
     ->Unit(benchmark::kMillisecond);
 
 void PlayerLookupsSqlite(benchmark::State& state) {
-  const League& league = League::WithPlayers(static_cast<std::size_t>(state.range(0)), kSeasons);
-  const std::string folder = league.FolderOfCopy();
-  const auto statements = StatementsOf([&] { ReadAllSeasons(folder); });
-  const std::string file = league.SqliteCopy();
-  for (auto _ : state) {
-    SqliteDatabase database(file, SqliteDatabase::Mode::Read);
-    benchmark::DoNotOptimize(RunAll(database, statements));
-  }
-  state.counters["statements"] = static_cast<double>(statements.size());
+  Replay(state, League::WithPlayers(static_cast<std::size_t>(state.range(0)), kSeasons), ReadAllSeasons);
 }
 BENCHMARK(PlayerLookupsSqlite)
     ->Name("PlayerLookups/sqlite")
