@@ -71,7 +71,7 @@ void MakeJetFile(const std::string& file, const std::vector<Player>& players) {
   table.indexes = {Index("PrimaryKey", "id", true), Index("position id", "position id", false),
                    Index("team id", "team id", false)};
   database->CreateTable(table);
-  database->BeginUpdates();
+  database->BeginTrans();
   const auto one = database->OpenRecordset("select * from [settings]");
   one->AddNew();
   one->Fields("id").Value(1);
@@ -88,7 +88,7 @@ void MakeJetFile(const std::string& file, const std::vector<Player>& players) {
     rows->Fields("is retired").Value(player.isRetired);
     rows->Update();
   }
-  database->CommitUpdates();
+  database->CommitTrans();
 }
 
 void MakeSqliteFile(const std::string& file, const std::vector<Player>& players) {

@@ -106,10 +106,10 @@ void AddsAtOnce(benchmark::State& state) {
     auto database = Open(CopyOf(JetFile(2500)), jet::Durability::Normal);
     const auto rows = database->OpenRecordset("select * from [player info] where [id] = 0");
     state.ResumeTiming();
-    database->BeginUpdates();
+    database->BeginTrans();
     for (const Player& player : players)
       Add(*rows, player);
-    database->CommitUpdates();
+    database->CommitTrans();
     state.PauseTiming();
     database->Close();
     state.ResumeTiming();

@@ -61,7 +61,7 @@ std::string Numbered(const char* name, std::int32_t number) {
 }
 
 void FillMasters(jet::Database& database, std::size_t players) {
-  database.BeginUpdates();
+  database.BeginTrans();
   std::vector<Row> rows;
   for (std::int32_t id = 1; id <= 8; ++id)
     rows.push_back({{"id", id}, {"abbr", Numbered("P", id)}, {"desc", Numbered("Position ", id)}});
@@ -93,7 +93,7 @@ void FillMasters(jet::Database& database, std::size_t players) {
                     {"is retired", player.isRetired}});
   }
   AddRows(database, Schema::Player::kTable, rows);
-  database.CommitUpdates();
+  database.CommitTrans();
 }
 
 constexpr std::int32_t kYear = 2026;  // of the current season; the others are of the years before

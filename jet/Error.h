@@ -17,6 +17,7 @@ enum class ErrorNumber : int {
   CannotUpdate = 3027,      ///< the recordset or the database is open for reading only
   FileNotFound = 3024,
   PasswordRejected = 3031,  ///< wrong or missing password
+  NoTransaction = 3034,     ///< CommitTrans or Rollback without BeginTrans
   PathNotFound = 3044,      ///< the folder does not exist
   FileInUse = 3045,         ///< someone else has the file open and does not share it
   RecordTooLarge = 3047,    ///< a row, or an index key, too long for a page

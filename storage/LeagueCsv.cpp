@@ -16,6 +16,7 @@
 #include "jet/Value.h"
 #include "jet/dao/Database.h"
 #include "jet/dao/Recordset.h"
+#include "jet/dao/Transaction.h"
 #include "platform/Paths.h"
 #include "storage/Schema.h"
 
@@ -80,31 +81,6 @@ const std::vector<TableFile>& TableFiles() {
   return files;
 }
 
-// Everything from here to Commit is in the database together or not at all.
-class UnitOfUpdates {
- public:
-  explicit UnitOfUpdates(jet::Database& database) : m_database(database) { m_database.BeginUpdates(); }
-  ~UnitOfUpdates() {
-    if (m_isCommitted) return;
-    try {
-      m_database.RollbackUpdates();
-    } catch (const std::exception&) {
-      // The error that brought us here is the one to report.
-    }
-  }
-  UnitOfUpdates(const UnitOfUpdates&) = delete;
-  UnitOfUpdates& operator=(const UnitOfUpdates&) = delete;
-
-  void Commit() {
-    m_database.CommitUpdates();
-    m_isCommitted = true;
-  }
-
- private:
-  jet::Database& m_database;
-  bool m_isCommitted = false;
-};
-
 std::string LowerCase(std::string text) {
   for (char& c : text) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
@@ -135,7 +111,7 @@ class TableFiller {
 
   std::int32_t Fill() {
     ReadHeader();
-    UnitOfUpdates unit(m_database);
+    jet::Transaction unit(m_database);
     const auto rows = m_database.OpenRecordset(std::string("select * from [") + m_file.table + "]");
     std::vector<std::string> fields;
     std::int32_t count = 0;

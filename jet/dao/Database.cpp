@@ -106,17 +106,17 @@ void Database::SetPassword(const std::string& password) {
   SchemaWriter(m_core->StoreForSchema()).SetPassword(password);
 }
 
-void Database::BeginUpdates() {
-  m_core->Observe("Database.BeginUpdates");
-  m_core->BeginUpdates();
+void Database::BeginTrans() {
+  m_core->BeginTrans();
 }
-void Database::CommitUpdates() {
-  m_core->Observe("Database.CommitUpdates");
-  m_core->CommitUpdates();
+void Database::CommitTrans() {
+  m_core->CommitTrans();
 }
-void Database::RollbackUpdates() {
-  m_core->Observe("Database.RollbackUpdates");
-  m_core->RollbackUpdates();
+void Database::Rollback() {
+  m_core->Rollback();
+}
+std::size_t Database::TransactionDepth() const {
+  return m_core->TransactionDepth();
 }
 
 CheckReport Database::Check() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,7 +19,8 @@ struct CheckReport;
 /// An open database file: runs select statements and changes the schema.
 ///
 /// Handed out by DBEngine; closes when the last reference goes or `Close` is called, and its recordsets with
-/// it. Every member but `Close`, `Name` and `IsOpen` raises ObjectClosed after that.
+/// it. Open transactions are rolled back then. Every member but `Close`, `Name`, `IsOpen` and
+/// `TransactionDepth` raises ObjectClosed after that.
 class Database {
  public:
   explicit Database(std::shared_ptr<DatabaseCore> core);
@@ -54,17 +56,28 @@ class Database {
   /// Sets the password, up to 20 UTF-16 units; empty removes it.
   void SetPassword(const std::string& password);
 
-  /// Several changes as one: everything between `BeginUpdates` and `CommitUpdates` is handed to the file
-  /// together; `RollbackUpdates` undoes it. For bulk filling of new files. Not nested.
-  void BeginUpdates();
-  void CommitUpdates();
-  void RollbackUpdates();
+  /// Starts a transaction: all changes until the matching `CommitTrans` reach the file together, or not at
+  /// all. Transactions nest to any depth; an inner one becomes part of the outer one when it is committed. A
+  /// statement that fails undoes its own changes only, and the transaction continues. jet::Transaction is the
+  /// same as a scope.
+  void BeginTrans();
+  /// Commits the innermost transaction. The outermost reaches the disk in one write and one sync, or none if
+  /// nothing changed. If that fails the transaction is rolled back, and the error is raised. Raises
+  /// NoTransaction without a transaction, and what writing the file raises.
+  void CommitTrans();
+  /// Undoes the innermost transaction and closes the recordsets that were opened, added to or deleted from in
+  /// it; other recordsets stay open. Raises NoTransaction; ReadFailed or DamagedFile if the schema changed in
+  /// the transaction and cannot be read again, and the database is closed then.
+  void Rollback();
+  /// Transactions that are open, one inside the other; 0 also for a closed database.
+  std::size_t TransactionDepth() const;
 
   /// Checks the whole file: structure, usage maps, indexes against rows, relationships. Reads every page.
   CheckReport Check() const;
 
  private:
   friend class DBEngine;
+  friend class Transaction;
 
   std::shared_ptr<DatabaseCore> m_core;
 };

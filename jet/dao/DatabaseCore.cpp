@@ -44,6 +44,7 @@ Store& DatabaseCore::StoreForSchema() {
   Store& store = WritableStore();
   ReleaseRows();
   m_statements.Clear();
+  if (!m_transactions.empty()) m_transactions.back().changesSchema = true;
   return store;
 }
 
@@ -57,59 +58,77 @@ void DatabaseCore::ReleaseRows() {
     recordset->ReleaseRow();
 }
 
-void DatabaseCore::BeginUpdates() {
-  Store& store = WritableStore();
-  if (m_updates) {
-    throw Error(ErrorNumber::FeatureNotSupported,
-                "The database '" + m_name + "' has updates in progress already; they cannot be nested.");
-  }
+void DatabaseCore::BeginTrans() {
+  Observe("Database.BeginTrans");
+  Store& store = OpenStore();
   ReleaseRows();
-  m_updates.emplace(store.Pages());
+  m_transactions.emplace_back(store.Pages());
 }
 
-void DatabaseCore::CheckInUpdates() const {
-  if (m_updates) return;
-  throw Error(ErrorNumber::NoEditInProgress, "The database '" + m_name + "' has no updates in progress.");
+void DatabaseCore::CheckInTransaction() const {
+  if (!m_transactions.empty()) return;
+  throw Error(ErrorNumber::NoTransaction, "The database '" + m_name + "' has no transaction to end.");
 }
 
-void DatabaseCore::CommitUpdates() {
+void DatabaseCore::CommitTrans() {
+  Observe("Database.CommitTrans");
   OpenStore();
-  CheckInUpdates();
+  CheckInTransaction();
   ReleaseRows();
   try {
-    m_updates->Commit();
+    m_transactions.back().unit.Commit();
   } catch (...) {
-    m_updates.reset();
     try {
-      ReloadAfterUndo();
+      Undo();
     } catch (...) {
-      // The first error is the one to tell.
+      // Report the original error.
     }
     throw;
   }
-  m_updates.reset();
+  const bool changesSchema = m_transactions.back().changesSchema;
+  m_transactions.pop_back();
+  if (changesSchema && !m_transactions.empty()) m_transactions.back().changesSchema = true;
+  for (RecordsetCore* recordset : m_recordsets)
+    recordset->MoveToTransaction(m_transactions.size());
 }
 
-void DatabaseCore::RollbackUpdates() {
+void DatabaseCore::Rollback() {
+  Observe("Database.Rollback");
   OpenStore();
-  CheckInUpdates();
-  ReleaseRows();
-  m_updates.reset();
-  ReloadAfterUndo();
+  CheckInTransaction();
+  RollbackFrom(m_transactions.size());
 }
 
-void DatabaseCore::ReloadAfterUndo() {
+void DatabaseCore::RollbackFrom(std::size_t depth) {
+  ReleaseRows();
+  while (!m_transactions.empty() && m_transactions.size() >= depth)
+    Undo();
+}
+
+/// Undoes the innermost transaction, unless a commit that failed has undone its pages already.
+void DatabaseCore::Undo() {
+  const std::size_t depth = m_transactions.size();
+  const bool changesSchema = m_transactions.back().changesSchema;
+  m_transactions.pop_back();
+  CloseRecordsetsOf(depth);
+  if (changesSchema) ReloadSchema();
+}
+
+/// Closes the recordsets whose row ids rest on a transaction that was undone: they may name other rows now.
+void DatabaseCore::CloseRecordsetsOf(std::size_t depth) {
+  const std::vector<RecordsetCore*> recordsets = m_recordsets;
+  for (RecordsetCore* recordset : recordsets) {
+    if (recordset->Transaction() >= depth) recordset->Close();
+  }
+}
+
+void DatabaseCore::ReloadSchema() {
   m_statements.Clear();
   try {
     m_store->Reload();
   } catch (...) {
-    TakeStore();  // what it knows of its tables may be of the changes that were undone
+    TakeStore();  // its tables may be those of the changes that were undone
     throw;
-  }
-  // Tables made in the undone updates are gone, and with them what was opened on them.
-  const std::vector<RecordsetCore*> recordsets = m_recordsets;
-  for (RecordsetCore* recordset : recordsets) {
-    if (!recordset->HasItsTable(*m_store)) recordset->Close();
   }
 }
 
@@ -126,7 +145,8 @@ std::unique_ptr<Store> DatabaseCore::TakeStore() {
   const std::vector<RecordsetCore*> recordsets = std::exchange(m_recordsets, {});
   for (RecordsetCore* recordset : recordsets)
     recordset->Close();
-  m_updates.reset();
+  while (!m_transactions.empty())
+    m_transactions.pop_back();
   return std::move(m_store);
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <deque>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,21 +51,34 @@ class DatabaseCore {
   /// The store, ready for a change of the schema, which is a unit of its own.
   Store& StoreForSchema();
 
-  void BeginUpdates();
-  void CommitUpdates();
-  void RollbackUpdates();
+  /// See Database.
+  void BeginTrans();
+  void CommitTrans();
+  void Rollback();
+  std::size_t TransactionDepth() const { return m_transactions.size(); }
+  /// Rolls back the transactions that are open at `depth` and deeper. For destructors: no observer sees it.
+  void RollbackFrom(std::size_t depth);
 
-  /// Closes the recordsets and the file; unfinished updates are undone. Twice is harmless.
+  /// Rolls back open transactions and closes the recordsets and the file. Twice is harmless.
   void Close();
   /// The same, and hands out the file, which is locked still. Raises ObjectClosed.
   std::unique_ptr<File> Release();
 
  private:
+  /// Rolls back its changes when destroyed before its unit was committed.
+  struct OpenTransaction {
+    explicit OpenTransaction(Pager& pager) : unit(pager) {}
+    ChangeUnit unit;
+    bool changesSchema = false;
+  };
+
   Store& WritableStore();
   std::unique_ptr<Store> TakeStore();
   void ReleaseRows();
-  void CheckInUpdates() const;
-  void ReloadAfterUndo();
+  void CheckInTransaction() const;
+  void Undo();
+  void CloseRecordsetsOf(std::size_t depth);
+  void ReloadSchema();
 
   std::string m_name;
   std::unique_ptr<Store> m_store;  // none once closed
@@ -72,7 +86,7 @@ class DatabaseCore {
   std::shared_ptr<CallObserver> m_observer;
   sql::StatementCache m_statements;
   std::vector<RecordsetCore*> m_recordsets;
-  std::optional<ChangeUnit> m_updates;  // goes before the store does
+  std::deque<OpenTransaction> m_transactions;  // outermost first; destroyed before the store
 };
 
 }  // namespace jet

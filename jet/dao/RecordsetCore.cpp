@@ -70,7 +70,8 @@ inline void RecordsetCore::MoveTo(std::size_t row) {
 RecordsetCore::RecordsetCore(std::shared_ptr<DatabaseCore> database, const std::string& sql)
     : m_database(std::move(database)),
       m_select(m_database->Statements().Get(sql, m_database->OpenStore())),
-      m_numbers(m_database->Statements().Numbers()) {
+      m_numbers(m_database->Statements().Numbers()),
+      m_transaction(m_database->TransactionDepth()) {
   const sql::Query& query = m_select->Bound();
   if (query.IsPlain()) {
     Table& table = *query.sources.front().table;
@@ -108,10 +109,6 @@ void RecordsetCore::Close() {
 
 void RecordsetCore::CheckOpen() const {
   if (!m_isOpen) throw Error(ErrorNumber::ObjectClosed, "The recordset is closed, or its database is.");
-}
-
-bool RecordsetCore::HasItsTable(Store& store) const {
-  return !m_dynaset || store.FindTable(m_tableName) == &m_dynaset->Table();
 }
 
 bool RecordsetCore::IsUpdatable() const {
@@ -186,6 +183,7 @@ void RecordsetCore::Update() {
   if (m_edit->IsNew()) {
     m_database->PrepareChange();
     rows.Append(rows.Table().Insert(std::move(changes)));
+    m_transaction = m_database->TransactionDepth();
   } else if (const RowId id = rows.IdOf(m_row); !changes.empty()) {
     m_database->PrepareChange();
     rows.Table().Update(id, changes);
@@ -200,6 +198,7 @@ void RecordsetCore::Delete() {
   m_database->PrepareChange();
   rows.Table().Delete(id);
   rows.MarkDeleted(m_row);
+  m_transaction = m_database->TransactionDepth();
   m_state = State::Deleted;
   m_edit.reset();
 }

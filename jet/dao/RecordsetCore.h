@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -72,8 +73,10 @@ class RecordsetCore {
     m_ready = nullptr;
     m_rows->Release();
   }
-  /// Whether the table that the rows are of is still there.
-  bool HasItsTable(Store& store) const;
+  /// Depth of the innermost open transaction in which rows were found, added or deleted; 0: of none.
+  std::size_t Transaction() const { return m_transaction; }
+  /// The transactions deeper than `depth` were committed.
+  void MoveToTransaction(std::size_t depth) { m_transaction = std::min(m_transaction, depth); }
   /// Twice is harmless.
   void Close();
 
@@ -101,6 +104,7 @@ class RecordsetCore {
   std::string m_plan;               // once it was asked for
   State m_state = State::AtEnd;
   std::size_t m_row = 0;
+  std::size_t m_transaction;
   bool m_noMatch = false;
   std::size_t m_nextField = 0;  // the one behind the field found last
   std::optional<RowEdit> m_edit;

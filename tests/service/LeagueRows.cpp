@@ -172,12 +172,12 @@ std::vector<std::byte> SmallLeague(bool isLoose, const Tables& added) {
     }
     database = loose;
   }
-  database->BeginUpdates();
+  database->BeginTrans();
   for (const auto& [table, rows] : kSmallLeague)
     AddRows(*database, table, rows);
   for (const auto& [table, rows] : added)
     AddRows(*database, table, rows);
-  database->CommitUpdates();
+  database->CommitTrans();
   const std::string name = database->Name();
   database->Close();
   return files->Get(name);

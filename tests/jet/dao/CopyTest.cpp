@@ -79,12 +79,12 @@ TEST_F(CopyTest, CopyHasWhatIsInTheLogAndNotWhatIsUnderWay) {
   prizes->Edit();
   prizes->Fields("desc").Value("Changed");
   prizes->Update();
-  database->BeginUpdates();
+  database->BeginTrans();
   prizes->Edit();
   prizes->Fields("desc").Value("Under way");
   prizes->Update();
   Engine().CopyDatabase(*database, "copy.mdb");
-  database->RollbackUpdates();
+  database->Rollback();
   const auto copy = OpenCopy();
   EXPECT_EQ(Difference(*copy, *database), "");
   EXPECT_EQ(Findings(*copy), std::vector<std::string>());

@@ -80,7 +80,7 @@ TEST_F(DBEngineTest, NothingButClosingWorksOnAClosedDatabase) {
   EXPECT_EQ(opened->Name(), "league.mdb");
   ExpectError(ErrorNumber::ObjectClosed, [&] { opened->OpenRecordset("select * from [player info]"); });
   ExpectError(ErrorNumber::ObjectClosed, [&] { opened->Tables(); });
-  ExpectError(ErrorNumber::ObjectClosed, [&] { opened->BeginUpdates(); });
+  ExpectError(ErrorNumber::ObjectClosed, [&] { opened->BeginTrans(); });
   ExpectError(ErrorNumber::ObjectClosed, [&] { opened->SetPassword("x"); });
   ExpectError(ErrorNumber::ObjectClosed, [&] { opened->Check(); });
   ExpectError(ErrorNumber::ObjectClosed, [&] { rows->MoveNext(); });
@@ -102,7 +102,9 @@ TEST_F(DBEngineTest, ReadOnlyDatabasesCannotBeChanged) {
   ExpectError(ErrorNumber::CannotUpdate, [&] { rows->Delete(); });
   ExpectError(ErrorNumber::CannotUpdate, [&] { rows->Fields("id").Value(1); });
   ExpectError(ErrorNumber::CannotUpdate, [&] { opened->CreateTable({}); });
-  ExpectError(ErrorNumber::CannotUpdate, [&] { opened->BeginUpdates(); });
+  opened->BeginTrans();
+  ExpectError(ErrorNumber::CannotUpdate, [&] { rows->AddNew(); });
+  opened->CommitTrans();
   opened->Close();
   EXPECT_EQ(memory->Get("league.mdb"), before);
 }

@@ -216,7 +216,7 @@ TEST_F(UpdateTest, RefusedRowsOfAUnitLeaveTheOthersInPlace) {
   constexpr int kRows = 1999;  // a prime, so that the steps below meet every number
   const auto idOf = [](int i) { return 701 * i % kRows; };
   const auto nameOf = [](int id) { return "name " + std::to_string(7919 * id % kRows); };
-  database->BeginUpdates();
+  database->BeginTrans();
   for (int i = 0; i < kRows; ++i) {
     add(idOf(i), nameOf(idOf(i)), i % 50 == 0);
     add(kRows + i, {}, false);  // Nulls are not the same
@@ -229,79 +229,11 @@ TEST_F(UpdateTest, RefusedRowsOfAUnitLeaveTheOthersInPlace) {
     ExpectError(ErrorNumber::DuplicateKey, [&] { add(id, "new", false); });
     ExpectError(ErrorNumber::DuplicateKey, [&] { add(-1, nameOf(id), false); });
   }
-  database->CommitUpdates();
+  database->CommitTrans();
   EXPECT_EQ(One("select count(*) from numbered"), Value(2 * kRows));
   EXPECT_EQ(One("select count(*) from numbered where name = 'new' or id < 0"), Value(0));
   EXPECT_EQ(One("select count(*) from numbered where remark is not null"), Value(40));
   EXPECT_TRUE(database->Check().findings.empty());
-}
-
-TEST_F(UpdateTest, ADatabaseThatCannotReadItsTablesAfterAnUndoIsClosed) {
-  database->Close();
-  EngineOptions options;
-  options.files = files;
-  options.cacheBytes = 0;
-  database = DBEngine(options).OpenDatabase("league.mdb", true, false, test::kFixtureConnect);
-  const auto players = Select("select * from [player info]");
-  database->BeginUpdates();
-  TableSpec table;
-  table.name = "fleeting";
-  table.columns = {test::MakeColumn("id", ColumnType::Long)};
-  database->CreateTable(table);
-  const auto fleeting = Select("select * from fleeting");
-  for (; !players->Eof(); players->MoveNext())
-    players->Fields("id").Value();  // so that the pages of the tables are in the cache no more
-  files->FailFrom(FileOperation::Read, 1, ErrorNumber::ReadFailed);
-  ExpectError(ErrorNumber::ReadFailed, [&] { database->RollbackUpdates(); });
-  ExpectError(ErrorNumber::ObjectClosed, [&] { fleeting->Eof(); });
-  ExpectError(ErrorNumber::ObjectClosed, [&] { Select("select * from [team info]"); });
-  files->Mend();
-  database = Open();
-  EXPECT_EQ(One("select count(*) from [team info]"), Value(32));
-}
-
-TEST_F(UpdateTest, UpdatesTogetherAreUndoneTogether) {
-  const std::vector<std::byte> before = memory->Get("league.mdb");
-  const auto rows = Select("select * from [position info]");
-  ExpectError(ErrorNumber::NoEditInProgress, [&] { database->CommitUpdates(); });
-  database->BeginUpdates();
-  ExpectError(ErrorNumber::FeatureNotSupported, [&] { database->BeginUpdates(); });
-  rows->AddNew();
-  rows->Fields("id").Value(700);
-  rows->Update();
-  TableSpec table;
-  table.name = "fleeting";
-  table.columns = {test::MakeColumn("id", ColumnType::Long)};
-  database->CreateTable(table);
-  const auto fleeting = Select("select * from fleeting");
-  fleeting->AddNew();
-  fleeting->Fields("id").Value(1);
-  fleeting->Update();
-  fleeting->MoveFirst();
-  EXPECT_EQ(fleeting->Fields("id").Value(), Value(1));
-  database->RollbackUpdates();
-  EXPECT_EQ(memory->Get("league.mdb"), before);
-  ExpectError(ErrorNumber::ObjectClosed, [&] { fleeting->Eof(); });
-  ExpectError(ErrorNumber::UnknownTable, [&] { Select("select * from fleeting"); });
-  EXPECT_EQ(One("select count(*) from [position info] where id = 700"), Value(0));
-  rows->FindFirst("id = 700");
-  EXPECT_TRUE(rows->NoMatch());
-  database->BeginUpdates();
-  rows->AddNew();
-  rows->Fields("id").Value(701);
-  rows->Update();
-  EXPECT_FALSE(memory->Exists(LogNameFor("league.mdb")));  // nothing goes to the disk before the commit
-  database->CommitUpdates();
-  EXPECT_TRUE(memory->Exists(LogNameFor("league.mdb")));
-  EXPECT_EQ(One("select count(*) from [position info] where id = 701"), Value(1));
-  // What was not committed when the database closes did not happen.
-  database->BeginUpdates();
-  rows->AddNew();
-  rows->Fields("id").Value(702);
-  rows->Update();
-  database->Close();
-  database = Open();
-  EXPECT_EQ(One("select count(*) from [position info] where id > 700"), Value(1));
 }
 
 TEST_F(UpdateTest, FailingWritesLeaveTheEngineAsItWas) {

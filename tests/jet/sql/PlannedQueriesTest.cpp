@@ -114,7 +114,7 @@ class PlannedQueriesTest : public testing::Test {
     std::shuffle(keys.begin(), keys.end(), random);
     const auto indexed = database->OpenRecordset("select * from indexed");
     const auto plain = database->OpenRecordset("select * from [plain]");
-    database->BeginUpdates();
+    database->BeginTrans();
     for (const std::int32_t key : keys) {
       indexed->AddNew();
       plain->AddNew();
@@ -133,7 +133,7 @@ class PlannedQueriesTest : public testing::Test {
         if (*rows->Fields("n").Value().As<std::int32_t>() % 7 == 0) rows->Delete();
       }
     }
-    database->CommitUpdates();
+    database->CommitTrans();
   }
 
   std::string RandomCondition(const std::string& prefix, int depth) {

@@ -143,13 +143,13 @@ TEST_F(StatementCacheTest, PlansAnewWhenTheSchemaChanges) {
   EXPECT_EQ(plan, "t: index s = '54'");
   EXPECT_EQ(before->Plan(), "scan of t");
 
-  database->BeginUpdates();
+  database->BeginTrans();
   TableSpec table;
   table.name = "u";
   table.columns = {Column("n", ColumnType::Long)};
   database->CreateTable(table);
   database->OpenRecordset("select * from u where n = 1");
-  database->RollbackUpdates();
+  database->Rollback();
   EXPECT_THROW(database->OpenRecordset("select * from u where n = 2"), Error);
 }
 

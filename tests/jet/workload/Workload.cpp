@@ -57,7 +57,9 @@ unsigned WorkloadSeed() {
 
 std::string Workload::Summary() const {
   return std::to_string(m_adds) + " added, " + std::to_string(m_edits) + " edited, " +
-         std::to_string(m_deletes) + " deleted, " + std::to_string(m_refused) + " refused";
+         std::to_string(m_deletes) + " deleted, " + std::to_string(m_refused) +
+         " refused; transactions: " + std::to_string(m_committed) + " committed, " +
+         std::to_string(m_rolledBack) + " rolled back";
 }
 
 std::string Workload::Run(Database& database, std::size_t count) {
@@ -65,13 +67,35 @@ std::string Workload::Run(Database& database, std::size_t count) {
     const std::int64_t dice = m_values.Number(0, 99);
     std::string trouble;
     try {
+      if (m_values.Number(0, 49) == 0) BeginOrEndTransaction(database);
       trouble = dice < 48 ? Add(database) : dice < 80 ? Edit(database) : Delete(database);
     } catch (const Error& error) {
       trouble = "error " + std::to_string(static_cast<int>(error.Number())) + ": " + error.what();
     }
     if (!trouble.empty()) return "change " + std::to_string(i) + ": " + trouble;
   }
+  for (; !m_before.empty(); m_before.pop_back())
+    database.CommitTrans();
   return {};
+}
+
+void Workload::BeginOrEndTransaction(Database& database) {
+  constexpr std::size_t kDeepest = 10;
+  const std::int64_t dice = m_values.Number(0, 2);
+  if (m_before.empty() || (dice == 0 && m_before.size() < kDeepest)) {
+    database.BeginTrans();
+    m_before.push_back(*m_model);
+    return;
+  }
+  if (dice == 1) {
+    database.CommitTrans();
+    ++m_committed;
+  } else {
+    database.Rollback();
+    *m_model = std::move(m_before.back());
+    ++m_rolledBack;
+  }
+  m_before.pop_back();
 }
 
 ModelTable& Workload::AnyTable() {

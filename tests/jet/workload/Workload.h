@@ -16,14 +16,16 @@ class Workload {
   /// Borrows the model.
   Workload(Model& model, unsigned seed) : m_model(&model), m_values(seed) {}
 
-  /// Adds, edits and deletes `count` times, also with values that must be refused. Empty when database and
-  /// model always agreed on what is refused; else what went wrong.
+  /// Adds, edits and deletes `count` times, also with values that must be refused, inside and outside of
+  /// transactions, which it commits and rolls back. Empty when database and model always agreed on what is
+  /// refused; else what went wrong.
   std::string Run(Database& database, std::size_t count);
 
   /// How often something was done and how often refused, for people.
   std::string Summary() const;
 
  private:
+  void BeginOrEndTransaction(Database& database);
   std::string Add(Database& database);
   std::string Edit(Database& database);
   std::string Delete(Database& database);
@@ -38,10 +40,13 @@ class Workload {
 
   Model* m_model;
   ValueSource m_values;
+  std::vector<Model> m_before;  ///< the model when each open transaction began, outermost first
   std::size_t m_adds = 0;
   std::size_t m_edits = 0;
   std::size_t m_deletes = 0;
   std::size_t m_refused = 0;
+  std::size_t m_committed = 0;
+  std::size_t m_rolledBack = 0;
 };
 
 /// What the random numbers of a run start from: of the environment's HALCYRA_TEST_SEED if that is set, else

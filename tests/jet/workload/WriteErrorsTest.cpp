@@ -149,14 +149,14 @@ TEST_F(UnderFileErrors, AFileThatCanNoLongerBeWrittenRefusesChangesAndStaysReada
 
 TEST_F(UnderFileErrors, AGroupOfUpdatesIsUndoneWhole) {
   FailEach(FileOperation::Write, [](Database& database) {
-    database.BeginUpdates();
+    database.BeginTrans();
     try {
       AddPlayer(database);
       LengthenPlayer(database);
-      database.CommitUpdates();
+      database.CommitTrans();
     } catch (const Error&) {
       try {
-        database.RollbackUpdates();
+        database.Rollback();
       } catch (const Error&) {
         // The commit that failed has ended the group already.
       }
