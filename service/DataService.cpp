@@ -7,6 +7,7 @@
 #include "jet/dao/Database.h"
 #include "records/SeasonInfo.h"
 #include "records/SettingInfo.h"
+#include "service/Writes.h"
 
 namespace HLDataSrvc {
 
@@ -16,8 +17,7 @@ DataService::~DataService() {
   try {
     CloseDatabase();
   } catch (const std::exception&) {
-    // Nobody is left to be told. Rows were written one by one when they were updated; the file is let go
-    // below.
+    // A destructor must not throw. Committed changes stay in the log, and opening the file replays it.
   }
   m_database.reset();
   if (m_settings) m_settings->RemoveObserver(*this);
@@ -45,6 +45,22 @@ void DataService::SettingsChanged() {
 jet::Database& DataService::Database() const {
   if (!m_database) throw HLIData::Error(HLIData::ErrorNumber::ObjectNotSet, "The database is not open.");
   return *m_database;
+}
+
+void DataService::Write(const std::function<void(Writes& writes)>& write) {
+  Writes writes(*this);
+  std::exception_ptr error;
+  try {
+    write(writes);
+  } catch (...) {
+    error = std::current_exception();
+  }
+  try {
+    writes.Commit();
+  } catch (...) {
+    if (!error) throw;
+  }
+  if (error) std::rethrow_exception(error);
 }
 
 }  // namespace HLDataSrvc

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -17,10 +18,12 @@ class Value;
 
 namespace HLDataSrvc {
 
+class DraftInfo;
 class PlayerInfo;
 class SeasonInfo;
 class SettingInfo;
 class TeamInfo;
+class Writes;
 
 /// The data service: holds the open database, the settings object and the caches, and knows the current
 /// season.
@@ -32,7 +35,7 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
  public:
   /// Closed, with nothing loaded and no current season.
   explicit DataService(std::shared_ptr<Host> host);
-  /// Closes the database, lets go of the settings and forgets all records.
+  /// Closes the database and releases the settings and all records.
   ~DataService() override;
   DataService(const DataService&) = delete;
   DataService& operator=(const DataService&) = delete;
@@ -84,12 +87,11 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   ServiceCaches& Caches() { return m_caches; }
   /// The settings object, empty before the first GetSettings; for this component only.
   const std::shared_ptr<SettingInfo>& Settings() const { return m_settings; }
+  /// The open database; for this component only. Raises ObjectNotSet when none is open.
+  jet::Database& Database() const;
 
  private:
   void SettingsChanged() override;
-
-  /// The open database; raises ObjectNotSet when none is open.
-  jet::Database& Database() const;
 
   // Loaders. They keep what they load, answer an empty reference for what there is no row of, and raise what
   // goes wrong unless they say that they show it.
@@ -125,17 +127,28 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
 
   // Steps of saving. They raise what goes wrong.
 
+  /// Runs the writing part of an operation as one transaction, inside that of the client if there is one. It
+  /// is committed also when `write` raises, and then the error is passed on: an error leaves what was written
+  /// before it, a crash leaves nothing.
+  ///
+  /// Nothing is loaded, shown or announced in `write`: a message box or an event may call the service.
+  void Write(const std::function<void(Writes& writes)>& write);
   /// SeasonByID as the first step of an operation whose later errors go to the caller: shows its failure with
   /// the operation's sentence, and answers false.
   bool FetchSeason(std::int32_t seasonID, const std::string& sentence, std::shared_ptr<SeasonInfo>& season);
-  void ReplaceMoneyDistribution(std::int32_t seasonID, const SeasonInfo& season);
+  /// Adds or edits the row of a pick of the current season. Raises ObjectNotSet for one without a manager.
+  void WritePick(Writes& writes, const DraftInfo& pick);
+  void ReplaceMoneyDistribution(Writes& writes, std::int32_t seasonID, const SeasonInfo& season);
   /// Sets a yes/no column of the current season's row.
   void WriteLock(const std::string& column);
-  void DeleteWinningRow(std::int32_t id);
+  /// Adds and deletes the rows of dirty winnings; their flags and identifiers follow on commit.
+  void WriteWinnings(Writes& writes,
+                     const std::shared_ptr<HLIData::KeyedCollection<HLIData::IWinningInfo>>& winnings);
   /// The identifier for a new row of a table.
   std::int32_t NextID(const std::string& table);
-  /// A new row of a table, its identifier set, or the stored one of an identifier, ready to be filled in.
-  std::shared_ptr<jet::Recordset> StartWriting(const std::string& table, const jet::Value& id, bool isNew);
+  /// Adds a row with an identifier to a table, or edits the one that has it; `fill` assigns other columns.
+  void WriteRecord(const std::string& table, const jet::Value& id, bool isNew,
+                   const std::function<void(jet::Recordset& row)>& fill);
   void RemoveFromCache(HLIData::DeleteType deleteType, std::int32_t id);
 
   std::shared_ptr<Host> m_host;

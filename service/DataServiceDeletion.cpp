@@ -7,6 +7,7 @@
 #include "records/References.h"
 #include "service/DataService.h"
 #include "service/Rows.h"
+#include "service/Writes.h"
 #include "storage/Schema.h"
 
 namespace HLDataSrvc {
@@ -61,7 +62,10 @@ bool DataService::Delete(DeleteType deleteType, std::int32_t id, std::string& er
   }
   bool isDeleted = false;
   try {
-    rows->Delete();
+    Write([&](Writes& writes) {
+      writes.Database();
+      rows->Delete();
+    });
     isDeleted = true;
   } catch (const std::exception&) {
     errorMessage = kIsReferred;  // whatever it was

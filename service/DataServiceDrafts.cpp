@@ -12,6 +12,7 @@
 #include "records/TeamInfo.h"
 #include "service/DataService.h"
 #include "service/Rows.h"
+#include "service/Writes.h"
 #include "storage/Schema.h"
 
 namespace HLDataSrvc {
@@ -126,33 +127,41 @@ bool DataService::SaveDrafts() {
   return ShowFailure<bool>(*m_host, "Error in saving drafts.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
     const auto drafts = Required(season, kNoSeason).Drafts();
-    for (const auto& item : Required(drafts, "The season has no draft.").Items()) {
-      DraftInfo& pick = *OwnRecord<DraftInfo>(item, "A pick");
-      if (!pick.IsChanged()) continue;
-      const PickIDs ids = IDsOf(pick);
-      const auto rows = Database().OpenRecordset(SelectPicks(m_currentSeasonID) +
-                                                 " and [draft no] = " + std::to_string(pick.DraftNo()));
-      if (rows->Eof()) {
-        rows->AddNew();
-      } else {
-        rows->Edit();
+    Write([&](Writes& writes) {
+      for (const auto& item : Required(drafts, "The season has no draft.").Items()) {
+        const auto pick = OwnRecord<DraftInfo>(item, "A pick");
+        if (!pick->IsChanged()) continue;
+        WritePick(writes, *pick);
+        writes.OnCommit([pick] { pick->IsChanged(false); });
       }
-      rows->Fields(Schema::Draft::kSeasonID).Value(m_currentSeasonID);
-      rows->Fields(Schema::Draft::kDraftNo).Value(pick.DraftNo());
-      WriteIDs(*rows, ids);
-      rows->Update();
-      rows->Close();
-      pick.IsChanged(false);
-    }
+    });
     result = true;
   });
 }
 
+void DataService::WritePick(Writes& writes, const DraftInfo& pick) {
+  const PickIDs ids = IDsOf(pick);
+  const auto rows = writes.Database().OpenRecordset(SelectPicks(m_currentSeasonID) +
+                                                    " and [draft no] = " + std::to_string(pick.DraftNo()));
+  if (rows->Eof()) {
+    rows->AddNew();
+  } else {
+    rows->Edit();
+  }
+  rows->Fields(Schema::Draft::kSeasonID).Value(m_currentSeasonID);
+  rows->Fields(Schema::Draft::kDraftNo).Value(pick.DraftNo());
+  WriteIDs(*rows, ids);
+  rows->Update();
+  rows->Close();
+}
+
 bool DataService::DeleteDrafts() {
   return ShowFailure<bool>(*m_host, "Error in deleting drafts.", [this](bool& result) {
-    const auto rows = Database().OpenRecordset(SelectPicks(m_currentSeasonID));
-    Rows::DeleteAll(*rows);
-    rows->Close();
+    Write([this](Writes& writes) {
+      const auto rows = writes.Database().OpenRecordset(SelectPicks(m_currentSeasonID));
+      Rows::DeleteAll(*rows);
+      rows->Close();
+    });
     const auto season = SeasonByID(m_currentSeasonID);
     Required(season, kNoSeason).Drafts(LoadDrafts(*season));
     result = true;

@@ -1,7 +1,7 @@
 // Writing seasons: their own row and money, who takes part, the ranking, the two locks, and new seasons.
 //
-// Nothing here is a transaction: rows are deleted and added again one by one, and a failure half way leaves
-// what was done until then.
+// An error half way leaves what was written until then, also deleted rows that were not added again; a crash
+// leaves the rows from before the operation (DataService::Write).
 
 #include <exception>
 
@@ -10,6 +10,7 @@
 #include "records/SeasonInfo.h"
 #include "service/DataService.h"
 #include "service/Rows.h"
+#include "service/Writes.h"
 #include "storage/Schema.h"
 
 namespace HLDataSrvc {
@@ -61,23 +62,26 @@ bool DataService::SaveCurrentSeasonInfo() {
       m_currentSeasonID;  // the rows to write, also when looking up makes another current
   return ShowFailure<bool>(*m_host, "Error in saving season info.", [this, seasonID](bool& result) {
     const auto season = SeasonByID(seasonID);
-    const auto rows = Database().OpenRecordset("select * from [season info] " + WhereID(seasonID));
-    if (!rows->Eof()) {
-      rows->Edit();
-      WriteSeason(*rows, Required(season, kNoSeason));
-      rows->Update();
-    }
-    rows->Close();
-    // An identifier without a season has its money replaced all the same: by nothing.
-    ReplaceMoneyDistribution(seasonID, season ? *season : SeasonInfo());
+    Write([&](Writes& writes) {
+      const auto rows = writes.Database().OpenRecordset("select * from [season info] " + WhereID(seasonID));
+      if (!rows->Eof()) {
+        rows->Edit();
+        WriteSeason(*rows, Required(season, kNoSeason));
+        rows->Update();
+      }
+      rows->Close();
+      // The money of an identifier without a season is replaced too: by nothing.
+      ReplaceMoneyDistribution(writes, seasonID, season ? *season : SeasonInfo());
+    });
     DiscardCurrentSeasonInfo();
     SeasonByID(seasonID);
     result = true;
   });
 }
 
-void DataService::ReplaceMoneyDistribution(std::int32_t seasonID, const SeasonInfo& season) {
-  const auto rows = Database().OpenRecordset(SelectOfSeason(Schema::MoneyDistribution::kTable, seasonID));
+void DataService::ReplaceMoneyDistribution(Writes& writes, std::int32_t seasonID, const SeasonInfo& season) {
+  const auto rows =
+      writes.Database().OpenRecordset(SelectOfSeason(Schema::MoneyDistribution::kTable, seasonID));
   Rows::DeleteAll(*rows);
   if (const auto prizes = season.Prizes()) {
     for (const auto& prize : prizes->Items()) {
@@ -98,19 +102,21 @@ bool DataService::SaveManagersPlaying() {
 
   // From here on errors go to the caller, deliberately.
   const auto managers = ManagersOf(season);
-  const auto rows = Database().OpenRecordset(SelectOfSeason(Schema::Playing::kTable, seasonID));
-  Rows::DeleteAll(*rows);
-  if (managers) {
-    for (const auto& manager : managers->Items()) {
-      rows->AddNew();
-      rows->Fields(Schema::Playing::kSeasonID).Value(seasonID);
-      rows->Fields(Schema::Playing::kManagerID).Value(manager->ID());
-      rows->Fields(Schema::Playing::kFeePaid).Value(manager->IsFeePaid());
-      WriteRank(*rows, *manager);
-      rows->Update();
+  Write([&](Writes& writes) {
+    const auto rows = writes.Database().OpenRecordset(SelectOfSeason(Schema::Playing::kTable, seasonID));
+    Rows::DeleteAll(*rows);
+    if (managers) {
+      for (const auto& manager : managers->Items()) {
+        rows->AddNew();
+        rows->Fields(Schema::Playing::kSeasonID).Value(seasonID);
+        rows->Fields(Schema::Playing::kManagerID).Value(manager->ID());
+        rows->Fields(Schema::Playing::kFeePaid).Value(manager->IsFeePaid());
+        WriteRank(*rows, *manager);
+        rows->Update();
+      }
     }
-  }
-  rows->Close();
+    rows->Close();
+  });
   const auto loaded = LoadManagers(seasonID);
   Required(season, kNoSeason).Managers(loaded);
   return true;
@@ -124,14 +130,16 @@ bool DataService::SaveRanking() {
   if (!managers) return true;
 
   // From here on errors go to the caller, deliberately; that of a manager without a row among them.
-  const auto rows = Database().OpenRecordset(SelectOfSeason(Schema::Playing::kTable, seasonID));
-  for (const auto& manager : managers->Items()) {
-    rows->FindFirst("[manager id] = " + std::to_string(manager->ID()));
-    rows->Edit();
-    WriteRank(*rows, *manager);
-    rows->Update();
-  }
-  rows->Close();
+  Write([&](Writes& writes) {
+    const auto rows = writes.Database().OpenRecordset(SelectOfSeason(Schema::Playing::kTable, seasonID));
+    for (const auto& manager : managers->Items()) {
+      rows->FindFirst("[manager id] = " + std::to_string(manager->ID()));
+      rows->Edit();
+      WriteRank(*rows, *manager);
+      rows->Update();
+    }
+    rows->Close();
+  });
   season->Drafts(LoadDrafts(*season));
   return true;
 }
@@ -163,12 +171,14 @@ bool DataService::DisableDrafting() {
 }
 
 void DataService::WriteLock(const std::string& column) {
-  const auto rows =
-      Database().OpenRecordset("select [" + column + "] from [season info] " + WhereID(m_currentSeasonID));
-  rows->Edit();
-  rows->Fields(column).Value(true);
-  rows->Update();
-  rows->Close();
+  Write([&](Writes& writes) {
+    const auto rows = writes.Database().OpenRecordset("select [" + column + "] from [season info] " +
+                                                      WhereID(m_currentSeasonID));
+    rows->Edit();
+    rows->Fields(column).Value(true);
+    rows->Update();
+    rows->Close();
+  });
 }
 
 std::shared_ptr<ISeasonInfo> DataService::AddSeason(std::int32_t seasonYear) {
@@ -181,12 +191,14 @@ std::shared_ptr<ISeasonInfo> DataService::AddSeason(std::int32_t seasonYear) {
 
   // From here on errors go to the caller, deliberately.
   const std::int32_t newID = Rows::NextID(*highest);
-  const auto rows = Database().OpenRecordset("select * from [season info]");
-  rows->AddNew();
-  rows->Fields(Schema::Season::kID).Value(newID);
-  rows->Fields(Schema::Season::kYear).Value(seasonYear);
-  rows->Update();
-  rows->Close();
+  Write([&](Writes& writes) {
+    const auto rows = writes.Database().OpenRecordset("select * from [season info]");
+    rows->AddNew();
+    rows->Fields(Schema::Season::kID).Value(newID);
+    rows->Fields(Schema::Season::kYear).Value(seasonYear);
+    rows->Update();
+    rows->Close();
+  });
   return LoadSeason(0, seasonYear);
 }
 

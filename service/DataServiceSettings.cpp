@@ -9,6 +9,7 @@
 #include "records/Failures.h"
 #include "records/SettingInfo.h"
 #include "service/DataService.h"
+#include "service/Writes.h"
 #include "storage/Schema.h"
 
 namespace HLDataSrvc {
@@ -41,16 +42,18 @@ bool DataService::SaveSettings() {
   return ShowFailure<bool>(*m_host, "Error in saving settings.", [this](bool& result) {
     // The changed flag stays set after a save: from then on every save writes the row.
     if (m_settings && m_settings->IsChanged()) {
-      const auto rows = Database().OpenRecordset(kSelectSettings);
-      if (rows->Eof()) {
-        rows->AddNew();
-        rows->Fields(Schema::Settings::kID).Value("1");
-      } else {
-        rows->Edit();
-      }
-      rows->Fields(Schema::Settings::kCurrentSeasonID).Value(m_settings->CurrentSeason());
-      rows->Update();
-      rows->Close();
+      Write([this](Writes& writes) {
+        const auto rows = writes.Database().OpenRecordset(kSelectSettings);
+        if (rows->Eof()) {
+          rows->AddNew();
+          rows->Fields(Schema::Settings::kID).Value("1");
+        } else {
+          rows->Edit();
+        }
+        rows->Fields(Schema::Settings::kCurrentSeasonID).Value(m_settings->CurrentSeason());
+        rows->Update();
+        rows->Close();
+      });
     }
     result = true;
   });

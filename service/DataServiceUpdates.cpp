@@ -17,6 +17,7 @@
 #include "records/TeamInfo.h"
 #include "service/DataService.h"
 #include "service/Rows.h"
+#include "service/Writes.h"
 #include "storage/Schema.h"
 
 namespace HLDataSrvc {
@@ -68,18 +69,22 @@ std::int32_t DataService::NextID(const std::string& table) {
   return Rows::NextID(*Database().OpenRecordset(Rows::SelectHighestID(table)));
 }
 
-std::shared_ptr<jet::Recordset> DataService::StartWriting(const std::string& table, const jet::Value& id,
-                                                          bool isNew) {
+void DataService::WriteRecord(const std::string& table, const jet::Value& id, bool isNew,
+                              const std::function<void(jet::Recordset& row)>& fill) {
   const std::string select = "select * from [" + table + "]";
-  if (isNew) {
-    auto rows = Database().OpenRecordset(select);
-    rows->AddNew();
-    rows->Fields("id").Value(id);
-    return rows;
-  }
-  auto rows = Database().OpenRecordset(select + " where [id] = " + id.ToText());
-  rows->Edit();
-  return rows;
+  Write([&](Writes& writes) {
+    const auto rows =
+        writes.Database().OpenRecordset(isNew ? select : select + " where [id] = " + id.ToText());
+    if (isNew) {
+      rows->AddNew();
+      rows->Fields("id").Value(id);
+    } else {
+      rows->Edit();
+    }
+    fill(*rows);
+    rows->Update();
+    rows->Close();
+  });
 }
 
 bool DataService::UpdatePlayer(const std::string& lastName, const std::string& firstName,
@@ -106,14 +111,13 @@ bool DataService::UpdatePlayer(const std::string& lastName, const std::string& f
     player->IsDirty(false);
     if (isNew) Keep(m_caches.players, player);
 
-    const auto row = StartWriting(Schema::Player::kTable, id, isNew);
-    row->Fields(Schema::Player::kLastName).Value(lastName);
-    row->Fields(Schema::Player::kFirstName).Value(firstName);
-    row->Fields(Schema::Player::kIsRetired).Value(isRetired);
-    if (position > 0) row->Fields(Schema::Player::kPositionID).Value(position);
-    if (team > 0) row->Fields(Schema::Player::kTeamID).Value(team);
-    row->Update();
-    row->Close();
+    WriteRecord(Schema::Player::kTable, id, isNew, [&](jet::Recordset& row) {
+      row.Fields(Schema::Player::kLastName).Value(lastName);
+      row.Fields(Schema::Player::kFirstName).Value(firstName);
+      row.Fields(Schema::Player::kIsRetired).Value(isRetired);
+      if (position > 0) row.Fields(Schema::Player::kPositionID).Value(position);
+      if (team > 0) row.Fields(Schema::Player::kTeamID).Value(team);
+    });
     oNewPlayer = player;
   });
 }
@@ -136,11 +140,10 @@ bool DataService::UpdatePosition(const std::string& desc, const std::string& abb
     if (isNew) Keep(m_caches.positions, position);
 
     // Positions take their identifier as a text, which the engine converts.
-    const auto row = StartWriting(Schema::Position::kTable, std::to_string(id), isNew);
-    row->Fields(Schema::Position::kDesc).Value(desc);
-    row->Fields(Schema::Position::kAbbr).Value(abbr);
-    row->Update();
-    row->Close();
+    WriteRecord(Schema::Position::kTable, std::to_string(id), isNew, [&](jet::Recordset& row) {
+      row.Fields(Schema::Position::kDesc).Value(desc);
+      row.Fields(Schema::Position::kAbbr).Value(abbr);
+    });
     oNewPosition = position;
   });
 }
@@ -161,11 +164,10 @@ bool DataService::UpdateManager(const std::string& lastName, const std::string& 
     manager->LastName(lastName);
     if (isNew) Keep(m_caches.managers, manager);
 
-    const auto row = StartWriting(Schema::Manager::kTable, id, isNew);
-    row->Fields(Schema::Manager::kLastName).Value(lastName);
-    row->Fields(Schema::Manager::kFirstName).Value(firstName);
-    row->Update();
-    row->Close();
+    WriteRecord(Schema::Manager::kTable, id, isNew, [&](jet::Recordset& row) {
+      row.Fields(Schema::Manager::kLastName).Value(lastName);
+      row.Fields(Schema::Manager::kFirstName).Value(firstName);
+    });
     oNewManagerTmpl = manager;
   });
 }
@@ -188,11 +190,10 @@ bool DataService::UpdatePrize(const std::string& desc, std::int32_t prizeTypeID,
         Required(m_caches.prizeTypes, "The prize types are not loaded.").Item(RecordKey(prizeTypeID)));
     if (isNew) Keep(m_caches.prizeTmpls, prize);
 
-    const auto row = StartWriting(Schema::Prize::kTable, id, isNew);
-    row->Fields(Schema::Prize::kDesc).Value(desc);
-    if (prizeTypeID > 0) row->Fields(Schema::Prize::kTypeID).Value(prizeTypeID);
-    row->Update();
-    row->Close();
+    WriteRecord(Schema::Prize::kTable, id, isNew, [&](jet::Recordset& row) {
+      row.Fields(Schema::Prize::kDesc).Value(desc);
+      if (prizeTypeID > 0) row.Fields(Schema::Prize::kTypeID).Value(prizeTypeID);
+    });
     oNewPrize = prize;
   });
 }

@@ -1,6 +1,7 @@
 // The prizes won in a season.
 
 #include <exception>
+#include <set>
 
 #include "records/Conversions.h"
 #include "records/Failures.h"
@@ -9,6 +10,7 @@
 #include "records/WinningInfo.h"
 #include "service/DataService.h"
 #include "service/Rows.h"
+#include "service/Writes.h"
 #include "storage/Schema.h"
 
 namespace HLDataSrvc {
@@ -57,6 +59,12 @@ void WriteNew(jet::Recordset& rows, const WinningInfo& winning, std::int32_t id,
   rows.Update();
 }
 
+void DeleteRow(jet::Database& database, std::int32_t id) {
+  const auto rows = database.OpenRecordset("select * from [winning info] where [id] = " + std::to_string(id));
+  if (!rows->Eof()) rows->Delete();
+  rows->Close();
+}
+
 }  // namespace
 
 std::shared_ptr<KeyedCollection<IWinningInfo>> DataService::LoadWinnings(std::int32_t seasonID) {
@@ -98,44 +106,51 @@ bool DataService::SaveWinnings() {
   return ShowFailure<bool>(*m_host, "Error in saving winnings.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
     const auto winnings = Required(season, kNoSeason).Winnings();
-    NewWinningIDs ids;
-    std::shared_ptr<jet::Recordset> additions;  // opened for the first new winning, for all of them
-    for (const auto& item : Required(winnings, kNoWinnings).Items()) {
-      WinningInfo& winning = *OwnRecord<WinningInfo>(item, "A winning");
-      if (!winning.IsDirty()) continue;
-      switch (winning.Action()) {
-        case WinningAction::Add:
-          // One for which there is no identifier is dropped without a word, deliberately. One saved before
-          // and changed since is added once more.
-          if (ids.Next(Database())) {
-            if (!additions) {
-              additions = Database().OpenRecordset("select * from [winning info] where [season id] = " +
-                                                   std::to_string(m_currentSeasonID));
-            }
-            WriteNew(*additions, winning, ids.ID(), m_currentSeasonID);
-            winning.ID(ids.ID());
-            winning.IsSaved(true);
-          }
-          winning.IsDirty(false);
-          break;
-        case WinningAction::Delete:
-          if (winning.IsSaved()) DeleteWinningRow(winning.ID());
-          winnings->Remove(winning.Key());
-          break;
-        default:
-          winning.IsDirty(false);  // changes of a stored winning are never written
-      }
-    }
-    if (additions) additions->Close();
+    Required(winnings, kNoWinnings);
+    Write([&](Writes& writes) { WriteWinnings(writes, winnings); });
     result = true;
   });
 }
 
-void DataService::DeleteWinningRow(std::int32_t id) {
-  const auto rows =
-      Database().OpenRecordset("select * from [winning info] where [id] = " + std::to_string(id));
-  if (!rows->Eof()) rows->Delete();
-  rows->Close();
+void DataService::WriteWinnings(Writes& writes,
+                                const std::shared_ptr<KeyedCollection<IWinningInfo>>& winnings) {
+  NewWinningIDs ids;
+  std::shared_ptr<jet::Recordset> additions;  // opened for the first new winning, for all of them
+  std::set<WinningInfo*> written;             // one winning may stand under several keys
+  for (const auto& item : winnings->Items()) {
+    const auto winning = OwnRecord<WinningInfo>(item, "A winning");
+    if (!winning->IsDirty() || !written.insert(winning.get()).second) continue;
+    const auto keepClean = [winning] { winning->IsDirty(false); };
+    switch (winning->Action()) {
+      case WinningAction::Add: {
+        // A winning that gets no identifier is dropped without a message, deliberately. One that was saved
+        // before and changed since is added once more.
+        if (!ids.Next(writes.Database())) {
+          writes.OnCommit(keepClean);
+          break;
+        }
+        if (!additions) {
+          additions = writes.Database().OpenRecordset("select * from [winning info] where [season id] = " +
+                                                      std::to_string(m_currentSeasonID));
+        }
+        WriteNew(*additions, *winning, ids.ID(), m_currentSeasonID);
+        writes.OnCommit([winning, id = ids.ID()] {
+          winning->ID(id);
+          winning->IsSaved(true);
+          winning->IsDirty(false);
+        });
+        break;
+      }
+      case WinningAction::Delete:
+        if (winning->IsSaved()) DeleteRow(writes.Database(), winning->ID());
+        winnings->Item(winning->Key());  // raises now, rather than after the commit
+        writes.OnCommit([winnings, winning] { winnings->Remove(winning->Key()); });
+        break;
+      default:
+        writes.OnCommit(keepClean);  // changes of a stored winning are never written
+    }
+  }
+  if (additions) additions->Close();
 }
 
 }  // namespace HLDataSrvc

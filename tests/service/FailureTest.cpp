@@ -18,7 +18,12 @@ using test::Tables;
 constexpr char kFailure[] = "The engine failed.";
 
 /// What the file holds after a failure.
-enum class Rows { SoFar, All, Unchecked };  // SoFar: the changes made before the call that failed
+enum class Rows {
+  SoFar,
+  All,
+  Unchecked
+};  // SoFar: the changes made before the call that failed, but none of
+    // the transaction if that call was to commit it
 /// What asking again without a failure does.
 enum class Again { Succeeds, ServesWhatThereIs, Unchecked };
 
@@ -103,7 +108,7 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
  protected:
   struct Step {
     std::string place;
-    std::size_t changesBefore;
+    std::size_t changesBefore;  // that stay when the call fails
   };
   struct Course {
     std::vector<Step> steps;
@@ -139,16 +144,21 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
     Course course{{}, {Stored()}, {}};
     std::vector<std::string> open;  // statements whose recordsets are
     bool isChange = false;
+    bool isCommit = false;
+    std::size_t committed = 0;
     const auto keepRows = [&] {
-      if (std::exchange(isChange, false)) course.rows.push_back(Stored());
+      if (std::exchange(isChange, false)) course.rows.push_back(Seen());
+      if (std::exchange(isCommit, false)) committed = course.rows.size() - 1;
     };
     m_engine->onCall = [&](const std::string& call) {
       keepRows();
       const std::string& told = m_engine->calls.back();
       if (call == "Database.OpenRecordset") open.push_back(told.substr(call.size() + 1));
       const std::size_t changes = course.rows.size() - 1;
+      isCommit = call == "Database.CommitTrans";
       course.steps.push_back(
-          {(open.empty() ? "" : open.back()) + (changes > 0 ? " changed # " : " # ") + told, changes});
+          {(open.empty() ? "" : open.back()) + (changes > 0 ? " changed # " : " # ") + told,
+           isCommit ? committed : changes});
       if (call == "Recordset.Close" && !open.empty()) open.pop_back();
       isChange = call == "Recordset.Update" || call == "Recordset.Delete";
     };
@@ -229,7 +239,9 @@ TEST_P(FailureTest, IsMetAtEveryCall) {
     // Of the many calls that read a row one will do.
     const std::string statement = step.place.substr(0, step.place.find(" # "));
     const bool isNew = triedAgain.emplace(statement, step.changesBefore).second;
-    if (!isNew && !step.place.ends_with(".Update") && !step.place.ends_with(".Close")) continue;
+    const bool isWrite = step.place.ends_with(".Update") || step.place.ends_with(".Close") ||
+                         step.place.ends_with(".CommitTrans");
+    if (!isNew && !isWrite) continue;
     m_engine->calls.clear();
     if (ending.again == Again::Succeeds) {
       EXPECT_EQ(Run(), course.outcome) << "again";

@@ -63,6 +63,15 @@ const Tables& LeagueTest::Stored() {
   return m_stored;
 }
 
+Tables LeagueTest::Seen() {
+  const auto onCall = std::exchange(m_engine->onCall, nullptr);
+  auto calls = m_engine->calls;
+  Tables rows = RowsOf(m_service->Database());
+  m_engine->onCall = onCall;
+  m_engine->calls = std::move(calls);
+  return rows;
+}
+
 void LeagueTest::ExpectStored(const Tables& before, std::int32_t seasonID, const Tables& written) {
   const Tables& after = Stored();
   Tables expected = before;

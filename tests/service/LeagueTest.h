@@ -34,6 +34,8 @@ class LeagueTest : public ServiceTest {
   std::vector<std::byte> Bytes() const;
   /// All rows as they stand in the file.
   const Tables& Stored();
+  /// All rows as the service sees them, with those of an open transaction; the engine's observer is not told.
+  Tables Seen();
   /// Checks that the rows of a season in these tables are stored, that every other row is that of `before`,
   /// and that mdb-export, if it is there, reads the same.
   void ExpectStored(const Tables& before, std::int32_t seasonID, const Tables& written);
