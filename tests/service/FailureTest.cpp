@@ -1,5 +1,5 @@
-// Every operation with every one of its calls of the engine failing in turn: what it answers and shows, what
-// memory holds, and which rows are stored.
+// Every operation with every one of its calls of the engine failing in turn, and every write and sync of its
+// commits: what it answers and shows, what memory holds, and which rows are stored.
 
 #include <algorithm>
 #include <set>
@@ -7,11 +7,13 @@
 #include "HLIData/ITeamInfo.h"
 #include "jet/Error.h"
 #include "tests/service/LeagueTest.h"
+#include "tests/support/FaultyFileSystem.h"
 
 namespace HLDataSrvc {
 namespace {
 
 using namespace HLIData;
+using jet::test::FileOperation;
 using test::Lines;
 using test::Tables;
 
@@ -53,6 +55,8 @@ void PrintTo(const Operation& operation, std::ostream* stream) {
 
 class FailureTest : public test::LeagueTest, public testing::WithParamInterface<Operation> {
  public:
+  FailureTest() { HLServiceUtils::ReplaceEngine({.files = m_faults, .observer = m_engine}); }
+
   // What is there before an operation.
 
   static void Nothing(FailureTest&) {}
@@ -124,17 +128,17 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
     m_engine->calls.clear();
   }
 
-  /// Runs the operation; its answer and what it shows.
-  std::string Run() {
+  /// Runs the operation; its answer and what it shows, without the description `known`.
+  std::string Run(const std::string& known = kFailure) {
     std::string outcome;
     try {
       outcome = GetParam().run(*m_service);
     } catch (const std::runtime_error& error) {
-      outcome = error.what() == std::string(kFailure) ? "raised" : std::string("raised: ") + error.what();
+      outcome = error.what() == known ? "raised" : std::string("raised: ") + error.what();
     }
     for (const std::string& text : Boxes()) {
       outcome += ": " + text;
-      const std::string failure = std::string("\r\n") + kFailure;
+      const std::string failure = "\r\n" + known;
       if (outcome.ends_with(failure)) outcome.resize(outcome.size() - failure.size());
     }
     return outcome;
@@ -143,6 +147,7 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
   Course RunToTheEnd() {
     Course course{{}, {Stored()}, {}};
     std::vector<std::string> open;  // statements whose recordsets are
+    std::string last;               // statement
     bool isChange = false;
     bool isCommit = false;
     std::size_t committed = 0;
@@ -153,12 +158,18 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
     m_engine->onCall = [&](const std::string& call) {
       keepRows();
       const std::string& told = m_engine->calls.back();
-      if (call == "Database.OpenRecordset") open.push_back(told.substr(call.size() + 1));
+      if (call == "Database.OpenRecordset") {
+        last = told.substr(call.size() + 1);
+        open.push_back(last);
+        // A transaction begins with its first statement.
+        const bool begins = !course.steps.empty() && course.steps.back().place.ends_with(".BeginTrans");
+        if (begins) course.steps.back().place.insert(0, last);
+      }
       const std::size_t changes = course.rows.size() - 1;
       isCommit = call == "Database.CommitTrans";
+      const std::string statement = isCommit ? last : open.empty() ? "" : open.back();
       course.steps.push_back(
-          {(open.empty() ? "" : open.back()) + (changes > 0 ? " changed # " : " # ") + told,
-           isCommit ? committed : changes});
+          {statement + (changes > 0 ? " changed # " : " # ") + told, isCommit ? committed : changes});
       if (call == "Recordset.Close" && !open.empty()) open.pop_back();
       isChange = call == "Recordset.Update" || call == "Recordset.Delete";
     };
@@ -212,6 +223,8 @@ class FailureTest : public test::LeagueTest, public testing::WithParamInterface<
     }
   }
 
+  const std::shared_ptr<jet::test::FaultyFileSystem> m_faults =
+      std::make_shared<jet::test::FaultyFileSystem>(m_files);
   std::shared_ptr<SeasonInfo> m_season;  // the current one, if it was loaded before
   std::shared_ptr<KeyedCollection<IManagerInfo>> m_managers;
   std::shared_ptr<KeyedCollection<IDraftInfo>> m_drafts;
@@ -249,6 +262,45 @@ TEST_P(FailureTest, IsMetAtEveryCall) {
     } else if (ending.again == Again::ServesWhatThereIs) {
       EXPECT_EQ(Run(), "something") << "again";
       EXPECT_TRUE(m_engine->calls.empty());
+    }
+  }
+}
+
+TEST_P(FailureTest, StoresNothingWhenTheCommitFails) {
+  Begin();
+  const std::size_t syncs = m_faults->Count(FileOperation::Sync);
+  const Course course = RunToTheEnd();
+  std::vector<Step> commits;
+  std::copy_if(course.steps.begin(), course.steps.end(), std::back_inserter(commits),
+               [](const Step& step) { return step.place.ends_with("Database.CommitTrans"); });
+  const bool isChanged = course.rows.front() != course.rows.back();
+  EXPECT_EQ(m_faults->Count(FileOperation::Sync) - syncs, isChanged ? commits.size() : 0) << "one sync each";
+  EXPECT_EQ(commits.empty(), course.rows.size() == 1) << "rows are changed in transactions only";
+  for (const FileOperation operation : {FileOperation::Write, FileOperation::Sync}) {
+    const std::string known =
+        operation == FileOperation::Write ? "A write was made to fail." : "A sync was made to fail.";
+    for (std::size_t nth = 1; !commits.empty() && !HasFailure(); ++nth) {
+      SCOPED_TRACE(known + " " + std::to_string(nth));
+      Begin();
+      m_faults->FailOnce(operation, nth);
+      const std::string outcome = Run(known);
+      const bool hasFailed = m_faults->HasFailed();
+      m_faults->Mend();
+      if (!hasFailed) break;
+      if (outcome == course.outcome) {  // zeros ahead of the log's end are not needed
+        EXPECT_EQ(Stored(), course.rows.back());
+        continue;
+      }
+      const Step& failed = commits.at(m_engine->Count("Database.CommitTrans") - 1);
+      const Ending& ending = EndingAt(failed);
+      ExpectOutcome(outcome, ending);
+      if (ending.memory) {
+        EXPECT_EQ(Memory(), ending.memory);
+      }
+      EXPECT_EQ(Stored(), course.rows[failed.changesBefore]);
+      if (ending.again != Again::Succeeds) continue;
+      EXPECT_EQ(Run(), course.outcome) << "again";
+      EXPECT_EQ(Stored(), course.rows.back());
     }
   }
 }

@@ -64,11 +64,9 @@ const Tables& LeagueTest::Stored() {
 }
 
 Tables LeagueTest::Seen() {
-  const auto onCall = std::exchange(m_engine->onCall, nullptr);
-  auto calls = m_engine->calls;
+  m_engine->isPaused = true;
   Tables rows = RowsOf(m_service->Database());
-  m_engine->onCall = onCall;
-  m_engine->calls = std::move(calls);
+  m_engine->isPaused = false;
   return rows;
 }
 

@@ -21,6 +21,7 @@ namespace HLDataSrvc::test {
 /// Keeps the calls that reach the engine, and fails those it is told to.
 struct EngineObserver final : jet::CallObserver {
   void OnCall(const char* call, const std::string& detail) override {
+    if (isPaused) return;
     calls.push_back(detail.empty() ? call : std::string(call) + " " + detail);
     if (onCall) onCall(call);
   }
@@ -32,6 +33,7 @@ struct EngineObserver final : jet::CallObserver {
   }
   std::vector<std::string> calls;
   std::function<void(const std::string&)> onCall;
+  bool isPaused = false;
 };
 
 /// A folder with copies of fixtures under the names of a league, a host that finds them, and a service. The
