@@ -84,8 +84,8 @@ class ProcessTest : public testing::Test {
     static const std::vector<std::byte> start = SmallLeague();
     return start;
   }
-  static const std::vector<Tables>& States() {
-    static const std::vector<Tables> states = SeasonStates(Start());
+  static const SeasonStates& States() {
+    static const SeasonStates states = PlayedSeason(Start());
     return states;
   }
   void Put() const { jet::test::WriteWholeFile(m_path, Start()); }
@@ -109,7 +109,7 @@ class ProcessTest : public testing::Test {
 
   void KillAtRandomMoments(int times) {
     std::mt19937 random(std::random_device{}());
-    const std::size_t changes = States().size() - 1;
+    const std::size_t changes = States().Commits();
     std::size_t inMidSeason = 0;
     std::size_t withLog = 0;
     for (int i = 0; i < times && !HasFailure(); ++i) {
@@ -124,7 +124,7 @@ class ProcessTest : public testing::Test {
       SCOPED_TRACE("killed after " + std::to_string(told) + " changes");
       inMidSeason += told < changes ? 1u : 0u;
       withLog += std::filesystem::exists(m_path + "-log") ? 1u : 0u;
-      ExpectAcknowledged(States(), Rows(), told);
+      ExpectWhole(States(), Rows(), told);
       EXPECT_FALSE(std::filesystem::exists(m_path + "-log"));
       if (i % 10 == 0) {
         EXPECT_EQ(jet::test::IndependentCheck(m_path, false, HLServiceUtils::kDatabasePassword), "");
@@ -181,7 +181,7 @@ TEST_F(ProcessTest, FullDiskLosesNothing) {
     EXPECT_EQ(child.Wait(), 2);
     // The change that failed was seen to return, with an error.
     const Tables rows = Rows();
-    EXPECT_TRUE(rows == States()[changes] || (changes > 0 && rows == States()[changes - 1]))
+    EXPECT_TRUE(rows == States().After(changes) || (changes > 0 && rows == States().After(changes - 1)))
         << "not the rows after " << changes << " changes";
   }
 }
@@ -211,7 +211,7 @@ TEST_F(ProcessTest, LostPermissionIsToldAndLosesNothing) {
     return true;
   });
   EXPECT_EQ(child.Wait(), 0);
-  EXPECT_TRUE(Rows() == States().back());
+  EXPECT_TRUE(Rows() == States().Last());
 }
 
 TEST_F(ProcessTest, FileThatIsRemovedTakesNoMoreChanges) {
@@ -237,7 +237,7 @@ TEST_F(ProcessTest, FileThatIsRemovedTakesNoMoreChanges) {
     for (step = 3; step < SeasonScript::kSteps; ++step)
       script.Play(static_cast<int>(step));
   }
-  EXPECT_TRUE(Rows() == States().back());
+  EXPECT_TRUE(Rows() == States().Last());
 }
 
 TEST_F(ProcessTest, OneOfTwoRacersWins) {

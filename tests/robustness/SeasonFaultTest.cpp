@@ -48,13 +48,13 @@ class SeasonFaultTest : public testing::Test {
  protected:
   SeasonFaultTest() {
     m_start[m_name] = SmallLeague();
-    m_states = SeasonStates(m_start[m_name]);
+    m_states = PlayedSeason(m_start[m_name]);
     const FilesPtr files = Up(m_start);
     const auto count = Use(files);
     EXPECT_EQ(Play(0), SeasonScript::kSteps);
     m_changes = files->Operations();
     m_calls = files->Calls();
-    EXPECT_EQ(m_states.size(), count->Count() + 1);
+    EXPECT_EQ(m_states.Commits(), count->Count());
   }
   ~SeasonFaultTest() override { HLServiceUtils::ReplaceEngine({}); }
 
@@ -93,11 +93,11 @@ class SeasonFaultTest : public testing::Test {
       }
       again = Up(again->Survivors());
     }
-    ExpectAcknowledged(m_states, SoundRows(again, m_name), observer->Count());
+    ExpectWhole(m_states, SoundRows(again, m_name), observer->Count());
     if (askWitness) Ask(again);
     Use(again);
     EXPECT_EQ(Play(std::min(step, SeasonScript::kSteps - 1)), SeasonScript::kSteps);
-    EXPECT_TRUE(SoundRows(again, m_name) == m_states.back()) << "going on from step " << step;
+    EXPECT_TRUE(SoundRows(again, m_name) == m_states.Last()) << "going on from step " << step;
   }
 
   void TryFailure(std::size_t nth, const Fault& fault, bool askWitness) {
@@ -117,13 +117,13 @@ class SeasonFaultTest : public testing::Test {
           }
           if (attempt == 0) {
             for (const Crash crash : {Crash::Kill, Crash::LoseUnsynced})
-              ExpectAcknowledged(m_states, SoundRows(Up(files->Survivors(crash)), m_name), observer->Count());
+              ExpectUpToAnError(m_states, SoundRows(Up(files->Survivors(crash)), m_name), observer->Count());
           }
           files->Mend();
           script.Play(step);  // the user tries again; should it fail again, starts the program again
           ++step;
         }
-        EXPECT_TRUE(SoundRows(Up(files->Survivors(Crash::LoseUnsynced)), m_name) == m_states.back());
+        EXPECT_TRUE(SoundRows(Up(files->Survivors(Crash::LoseUnsynced)), m_name) == m_states.Last());
         script.Close();
         ++step;
       } catch (const std::exception&) {
@@ -132,7 +132,7 @@ class SeasonFaultTest : public testing::Test {
     }
     ASSERT_TRUE(files->HasFailed());
     if (askWitness) Ask(files);
-    EXPECT_TRUE(SoundRows(files, m_name) == m_states.back());
+    EXPECT_TRUE(SoundRows(files, m_name) == m_states.Last());
     EXPECT_FALSE(files->Exists(m_name + "-log"));
   }
 
@@ -154,14 +154,14 @@ class SeasonFaultTest : public testing::Test {
         if (!fault.crash) TryFailure(nth, fault, askWitness);
       }
     }
-    std::cout << "A season of " << m_states.size() - 1 << " changes, " << m_changes << " changing and "
+    std::cout << "A season of " << m_states.Commits() << " transactions, " << m_changes << " changing and "
               << m_calls << " operations in all: " << tried << " points tried, " << tried / witnessed
               << " of them also by the independent checker.\n";
   }
 
   const std::string m_name = ScriptFile(kFolder);
   Bytes m_start;
-  std::vector<Tables> m_states;  // after each change
+  SeasonStates m_states;  // after each change
   std::size_t m_changes = 0;
   std::size_t m_calls = 0;
 };

@@ -1,5 +1,9 @@
 #include "tests/robustness/SeasonRun.h"
 
+#include <algorithm>
+#include <string>
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include "jet/Check.h"
@@ -12,13 +16,44 @@ namespace HLDataSrvc::test {
 using jet::test::MemoryFileSystem;
 
 void Acknowledged::OnCall(const char* call, const std::string&) {
-  if (m_isChange && m_isWell()) {
+  if (m_isCommit && m_isWell()) {
     ++m_count;
-    if (m_onChange) m_onChange();
+    if (m_onCommit) m_onCommit();
   }
-  const std::string name = call;
-  m_isChange = name == "Recordset.Update" || name == "Recordset.Delete";
+  m_isCommit = call == std::string("Database.CommitTrans");
 }
+
+namespace {
+
+/// Notes the rows that a service sees after each change, and which changes were made before each commit.
+class StateKeeper final : public jet::CallObserver {
+ public:
+  explicit StateKeeper(SeasonStates& states) : m_states(states) {}
+  void OnCall(const char* call, const std::string&) override {
+    if (m_isReading) return;
+    KeepAfter(std::exchange(m_last, call));
+  }
+  void Watch(SeasonScript& script) { m_script = &script; }
+  /// The script has ended.
+  void End() { KeepAfter(std::exchange(m_last, {})); }
+
+ private:
+  void KeepAfter(const std::string& call) {
+    if (call == "Recordset.Update" || call == "Recordset.Delete") {
+      m_isReading = true;
+      m_states.rows.push_back(RowsOf(m_script->Database()));
+      m_isReading = false;
+    }
+    if (call == "Database.CommitTrans") m_states.commits.push_back(m_states.rows.size() - 1);
+  }
+
+  SeasonStates& m_states;
+  SeasonScript* m_script = nullptr;
+  std::string m_last;
+  bool m_isReading = false;
+};
+
+}  // namespace
 
 Tables SoundRows(const std::shared_ptr<jet::FileSystem>& files, const std::string& name) {
   const auto database = jet::DBEngine({.files = files, .observer = {}})
@@ -30,35 +65,40 @@ Tables SoundRows(const std::shared_ptr<jet::FileSystem>& files, const std::strin
   return rows;
 }
 
-std::vector<Tables> SeasonStates(const std::vector<std::byte>& start) {
+SeasonStates PlayedSeason(const std::vector<std::byte>& start) {
   const auto files = std::make_shared<MemoryFileSystem>();
   const std::string name = ScriptFile("league");
-  const std::string log = jet::LogNameFor(name);
   files->Put(name, start);
-  std::vector<Tables> states;
-  const auto keep = [&] {
-    const auto copy = std::make_shared<MemoryFileSystem>();
-    copy->Put(name, files->Get(name));
-    if (files->Exists(log)) copy->Put(log, files->Get(log));
-    states.push_back(SoundRows(copy, name));
-  };
-  keep();
-  HLServiceUtils::ReplaceEngine(
-      {.files = files, .observer = std::make_shared<Acknowledged>([] { return true; }, keep)});
+  SeasonStates states;
+  states.rows.push_back(SoundRows(files, name));
+  states.commits.push_back(0);
+  const auto keeper = std::make_shared<StateKeeper>(states);
+  HLServiceUtils::ReplaceEngine({.files = files, .observer = keeper});
   SeasonScript script(std::make_shared<ScriptHost>("league"));
+  keeper->Watch(script);
   for (int step = 0; step < SeasonScript::kSteps; ++step)
     script.Play(step);
+  keeper->End();
   script.Close();
   HLServiceUtils::ReplaceEngine({});
-  EXPECT_TRUE(SoundRows(files, name) == states.back());
+  EXPECT_TRUE(SoundRows(files, name) == states.Last());
   return states;
 }
 
-void ExpectAcknowledged(const std::vector<Tables>& states, const Tables& rows, std::size_t acknowledged) {
-  ASSERT_LT(acknowledged, states.size());
-  EXPECT_TRUE(rows == states[acknowledged] ||
-              (acknowledged + 1 < states.size() && rows == states[acknowledged + 1]))
-      << "not the rows after " << acknowledged << " changes";
+void ExpectWhole(const SeasonStates& states, const Tables& rows, std::size_t commits) {
+  ASSERT_LE(commits, states.Commits());
+  EXPECT_TRUE(rows == states.After(commits) ||
+              (commits < states.Commits() && rows == states.After(commits + 1)))
+      << "not the rows after " << commits << " commits";
+}
+
+void ExpectUpToAnError(const SeasonStates& states, const Tables& rows, std::size_t commits) {
+  ASSERT_LE(commits, states.Commits());
+  const auto from = states.rows.begin() + static_cast<std::ptrdiff_t>(states.commits[commits]);
+  const auto to = commits < states.Commits()
+                      ? states.rows.begin() + static_cast<std::ptrdiff_t>(states.commits[commits + 1]) + 1
+                      : states.rows.end();
+  EXPECT_NE(std::find(from, to, rows), to) << "not rows from commit " << commits << " on";
 }
 
 }  // namespace HLDataSrvc::test

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "service/DataService.h"
+
 namespace HLDataSrvc::test {
 namespace {
 
@@ -30,6 +32,10 @@ SeasonScript::SeasonScript(std::shared_ptr<ScriptHost> host)
     : m_host(std::move(host)), m_service(CreateDataService(m_host)) {
   std::string message;
   Want(m_service->Initialize(DBType::Live, message), message);
+}
+
+jet::Database& SeasonScript::Database() {
+  return dynamic_cast<DataService&>(*m_service).Database();
 }
 
 void SeasonScript::Play(int step) {

@@ -9,6 +9,10 @@
 #include "HLDataSrvc/Host.h"
 #include "HLIData/IDataService.h"
 
+namespace jet {
+class Database;
+}
+
 namespace HLDataSrvc::test {
 
 /// The name of the league file as the service asks for it on ScriptHost.
@@ -42,6 +46,8 @@ class SeasonScript {
   explicit SeasonScript(std::shared_ptr<ScriptHost> host);
   /// Does a step, from 0. Raises std::runtime_error when the service does not do it, or shows a message.
   void Play(int step);
+  /// The database that the service has open.
+  jet::Database& Database();
   /// Closes the file, raising what goes wrong.
   void Close() { m_service->CloseDatabase(); }
 

@@ -273,8 +273,11 @@ TEST_P(FailureTest, StoresNothingWhenTheCommitFails) {
   std::vector<Step> commits;
   std::copy_if(course.steps.begin(), course.steps.end(), std::back_inserter(commits),
                [](const Step& step) { return step.place.ends_with("Database.CommitTrans"); });
-  const bool isChanged = course.rows.front() != course.rows.back();
-  EXPECT_EQ(m_faults->Count(FileOperation::Sync) - syncs, isChanged ? commits.size() : 0) << "one sync each";
+  const std::size_t made = m_faults->Count(FileOperation::Sync) - syncs;
+  EXPECT_LE(made, commits.size());
+  if (course.rows.front() != course.rows.back()) {
+    EXPECT_EQ(made, commits.size()) << "one sync each";
+  }
   EXPECT_EQ(commits.empty(), course.rows.size() == 1) << "rows are changed in transactions only";
   for (const FileOperation operation : {FileOperation::Write, FileOperation::Sync}) {
     const std::string known =
