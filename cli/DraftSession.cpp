@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "cli/BoardPage.h"
-#include "cli/DraftSaver.h"
 #include "cli/Find.h"
 #include "cli/League.h"
+#include "cli/SaveDraft.h"
 
 namespace cli {
 
@@ -28,8 +28,8 @@ void DraftSession::Synchronize() {
   const auto season = CurrentSeason(m_league);
   if (season == m_season && season->Drafts() == m_drafts) return;
   const bool isSameDraft = m_season && m_season->ID() == season->ID();
-  const bool keeps = isSameDraft && !Unsaved().empty();
   Picks stored = PicksOf(*season);
+  const bool keeps = isSameDraft && (stored == m_stored || !Unsaved().empty());
   Step again;
   if (keeps) {
     for (const std::int32_t number : DifferingPicks(stored, m_picks))
@@ -38,17 +38,25 @@ void DraftSession::Synchronize() {
     m_picks = stored;
     m_steps.clear();
   }
-  m_season = season;
-  m_stored = std::move(stored);
+  Take(season, std::move(stored));
   Put(again);
-  m_drafts = season->Drafts();
+}
+
+void DraftSession::Take(std::shared_ptr<HLIData::ISeasonInfo> season, Picks stored) {
+  m_season = std::move(season);
+  m_drafts = m_season->Drafts();
+  m_stored = std::move(stored);
+  m_touched.clear();
+  m_isTouchedTwice = false;
 }
 
 void DraftSession::Put(const Step& picks) {
   for (const auto& [number, pick] : picks)
-    m_season->RemoveDraft(number);  // all first, so that nobody is in the way
-  for (const auto& [number, pick] : picks)
+    m_season->RemoveDraft(number);  // clear all first: a pick may still hold a player who moves
+  for (const auto& [number, pick] : picks) {
     PutPick(*m_season, number, pick);
+    if (!m_touched.insert(number).second) m_isTouchedTwice = true;
+  }
 }
 
 void DraftSession::Change(const std::vector<std::pair<std::int32_t, Pick>>& picks) {
@@ -76,14 +84,15 @@ std::vector<std::int32_t> DraftSession::TakeBack() {
   return numbers;
 }
 
-std::size_t DraftSession::Save() {
+void DraftSession::Save() {
   Synchronize();
-  const Picks wanted = m_picks;
-  const std::size_t written = DraftSaver(m_league).Save(wanted);
-  m_season = CurrentSeason(m_league);
-  m_drafts = m_season->Drafts();
-  m_stored = wanted;
-  return written;
+  if (Unsaved().empty()) return;
+  if (m_isTouchedTwice) {
+    m_league.Service().DiscardCurrentSeasonInfo();
+    Synchronize();
+  }
+  SaveDraft(m_league, m_stored, m_picks);
+  Take(CurrentSeason(m_league), m_picks);
 }
 
 void DraftSession::Revert() {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,8 +41,8 @@ class DraftSession {
   /// Takes the last step back that was not taken back yet; the numbers of its picks. None when there is none.
   std::vector<std::int32_t> TakeBack();
 
-  /// Stores the picks, and answers how many were written; see DraftSaver. After a failure they are kept here.
-  std::size_t Save();
+  /// Stores the picks; see SaveDraft. After a failure they are kept here.
+  void Save();
   /// Drops what is not saved, and reads the season again.
   void Revert();
 
@@ -55,6 +55,8 @@ class DraftSession {
   using Step = std::vector<std::pair<std::int32_t, Pick>>;  ///< the picks as they were before
 
   void Synchronize();
+  /// Makes a season with its stored picks the one that is played.
+  void Take(std::shared_ptr<HLIData::ISeasonInfo> season, Picks stored);
   /// Puts the picks into the season that is loaded.
   void Put(const Step& picks);
 
@@ -65,6 +67,10 @@ class DraftSession {
   Picks m_picks;
   Picks m_stored;
   std::vector<Step> m_steps;
+  std::set<std::int32_t> m_touched;  ///< picks that were put into the season since it was loaded or saved
+  /// A pick was put twice: it may be marked changed though it is empty, or hold a team under a player's key.
+  /// The season has to be loaded again before it is saved.
+  bool m_isTouchedTwice = false;
   std::shared_ptr<BoardFile> m_page;
 };
 

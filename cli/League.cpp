@@ -5,11 +5,11 @@
 #include <thread>
 
 #include "HLDataSrvc/CreateDataService.h"
+#include "HLDataSrvc/ServiceDatabase.h"
 #include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "jet/Error.h"
 #include "jet/dao/DBEngine.h"
-#include "jet/dao/Database.h"
 #include "storage/HLServiceUtils.h"
 
 namespace cli {
@@ -20,6 +20,7 @@ namespace HLServiceUtils = HLDataSrvc::HLServiceUtils;
 using namespace std::chrono_literals;
 
 constexpr auto kBetweenTries = 50ms;
+constexpr const char* kNothingChanged = "Nothing was changed.";
 
 /// Why the service did not open a file that is there. Its message has no number, so the engine is asked; when
 /// it opens the file by now, somebody else has just let go of it.
@@ -49,19 +50,6 @@ auto WhileInUse(std::chrono::milliseconds patience, Work&& work) {
   }
 }
 
-/// The lengths of the columns of text in a file, under table and column.
-std::map<std::pair<std::string, std::string>, std::size_t> TextLengthsIn(const std::string& path) {
-  const auto database = HLServiceUtils::Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/true,
-                                                              HLServiceUtils::GetConnectString());
-  std::map<std::pair<std::string, std::string>, std::size_t> lengths;
-  for (const jet::TableInfo& table : database->Tables()) {
-    for (const jet::ColumnSpec& column : table.columns) {
-      if (column.type == jet::ColumnType::Text) lengths[{table.name, column.name}] = column.length;
-    }
-  }
-  return lengths;
-}
-
 }  // namespace
 
 void LeagueHost::ShowMessage(const std::string& text, const std::string& title) {
@@ -72,20 +60,31 @@ void LeagueHost::ShowMessage(const std::string& text, const std::string& title) 
 }
 
 League::League(const Context& context, std::chrono::milliseconds patience)
-    : m_host(std::make_shared<LeagueHost>(context.folder)),
-      m_service(HLDataSrvc::CreateDataService(m_host)),
+    : m_context(context),
+      m_host(std::make_shared<LeagueHost>(context.folder)),
       m_draft(std::make_unique<DraftSession>(*this)) {
+  Open(patience);
+}
+
+void League::Open(std::chrono::milliseconds patience) {
+  auto service = HLDataSrvc::CreateDataService(m_host);
   try {
     WhileInUse(patience, [&] {
       std::string message;
-      const bool isOpen = m_service->Initialize(context.Kind(), message);
-      m_path = HLServiceUtils::GetDatabasePath(*m_host, context.Kind(), "", "");
+      const bool isOpen = service->Initialize(m_context.Kind(), message);
+      m_path = HLServiceUtils::GetDatabasePath(*m_host, m_context.Kind(), "", "");
       if (!isOpen) throw jet::Error(ReasonNotOpened(m_path), message);
     });
   } catch (const jet::Error& error) {
-    RaiseNotOpened(context, error);
+    RaiseNotOpened(error);
   }
   RaiseShownMessages();
+  m_service = std::move(service);
+}
+
+HLIData::IDataService& League::Service() {
+  if (!m_service) Open(kPatience);
+  return *m_service;
 }
 
 League::~League() = default;
@@ -99,31 +98,50 @@ void League::RaiseShownMessages() {
   throw Failure(ExitCode::Refused, shown.front(), others);
 }
 
-void League::Reopen(bool forget) {
+void League::Transact(const std::string& failure, const std::function<void()>& work) {
+  if (m_isInTransaction) return work();
+  HLIData::IDataService& service = Service();
+  const auto fail = [&](ExitCode code, const std::string& reason, const std::string& details) {
+    m_isInTransaction = false;
+    Renew();
+    throw Failure(code, failure + " " + reason, details + (details.empty() ? "" : "\n") + kNothingChanged);
+  };
+  m_isInTransaction = true;
   try {
-    WhileInUse(kPatience, [&] {
-      std::string message;
-      if (!m_service->OpenDatabase(forget, message)) throw jet::Error(ReasonNotOpened(m_path), message);
+    HLDataSrvc::RunInTransaction(service, [&] {
+      work();
+      RaiseShownMessages();
+      return true;
     });
+  } catch (const Failure& error) {
+    fail(error.Code(), error.what(), error.Hint());
   } catch (const jet::Error& error) {
-    throw Failure(ExitCodeOf(error.Number()), error.what());
+    std::string details;
+    for (const std::string& context : error.Context())
+      details += (details.empty() ? "in " : "\nin ") + context;
+    fail(ExitCodeOf(error.Number()), error.what(), details);
+  } catch (const std::exception& error) {
+    fail(ExitCode::Refused, error.what(), {});
+  }
+  m_isInTransaction = false;
+}
+
+/// Drops the service, whose records are those of a transaction that was rolled back. A shell opens another at
+/// once, so that nobody takes the file from it; if that fails, the next command tries again.
+void League::Renew() {
+  m_host->TakeShown();
+  m_service.reset();
+  if (!m_context.inShell) return;
+  try {
+    Open(kPatience);
+  } catch (const Failure&) {
+    // Report the failure that caused the rollback.
   }
 }
 
 std::size_t League::TextLength(const std::string& table, const std::string& column) {
-  if (m_textLengths.empty()) {
-    // The service has the file to itself, and does not tell about columns.
-    m_service->CloseDatabase();
-    try {
-      m_textLengths = WhileInUse(kPatience, [this] { return TextLengthsIn(m_path); });
-    } catch (const jet::Error&) {
-      Reopen(/*forget=*/false);
-      throw;
-    }
-    Reopen(/*forget=*/false);
-  }
-  const auto found = m_textLengths.find({table, column});
-  return found == m_textLengths.end() ? std::numeric_limits<std::size_t>::max() : found->second;
+  return HLDataSrvc::TextColumnLength(Service(), table, column)
+      .value_or(std::numeric_limits<std::size_t>::max());
 }
 
 void League::RefuseUnsavedPicks(const std::string& command) {
@@ -135,16 +153,16 @@ void League::RefuseUnsavedPicks(const std::string& command) {
       "'draft save' saves them, 'draft revert' drops them.");
 }
 
-void League::RaiseNotOpened(const Context& context, const jet::Error& error) const {
+void League::RaiseNotOpened(const jet::Error& error) const {
   const std::string live = HLServiceUtils::GetDatabaseFileName(HLIData::DBType::Live, "", "");
   if (HLServiceUtils::GetDatabaseFolder(*m_host).empty()) {
     throw Failure(ExitCode::CannotOpen, error.what(),
-                  "The folder " + context.folder + " has no '" + live +
+                  "The folder " + m_context.folder + " has no '" + live +
                       "', by which a league's folder is known; 'halcyra create' makes one.");
   }
   if (m_host->FindFile(m_path).empty()) {
     throw Failure(ExitCode::CannotOpen, error.what(),
-                  "'halcyra --kind " + context.kindName + " create' makes one.");
+                  "'halcyra --kind " + m_context.kindName + " create' makes one.");
   }
   throw Failure(ExitCodeOf(error.Number()), error.what());
 }

@@ -2,7 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
-#include <map>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -43,25 +43,29 @@ class League {
   /// How long to try when others have the file.
   static constexpr std::chrono::milliseconds kPatience{1000};
 
-  /// Raises Failure with the service's message when the league does not open, or others have its file for
-  /// longer than `patience`.
+  /// `context` must outlive it. Raises Failure with the service's message when the league does not open, or
+  /// others have its file for longer than `patience`.
   explicit League(const Context& context, std::chrono::milliseconds patience = kPatience);
   ~League();
   League(const League&) = delete;
   League& operator=(const League&) = delete;
 
-  HLIData::IDataService& Service() { return *m_service; }
+  /// The service. Another one once a transaction was rolled back: records of before belong to the old one.
+  /// Raises Failure when the file had to be opened again and could not be.
+  HLIData::IDataService& Service();
   /// The file that is open.
   const std::string& Path() const { return m_path; }
   /// Raises Failure if the service has shown a message box since the last call: an operation of it has
   /// failed. To be called after every operation that shows them, so that one failure is not told as
   /// another's.
   void RaiseShownMessages();
-  /// Forgets all records that the service has read, so that whatever follows goes on from what is stored: for
-  /// after an operation that failed half way. Raises Failure when the file cannot be read any more.
-  void ForgetRecords() { Reopen(/*forget=*/true); }
-  /// How many UTF-16 units a column of text takes, of any length if it is none. The service lets go of the
-  /// file to ask for it the first time. Raises what opening the file raises.
+  /// Runs `work` as one transaction, or as part of the one that is open: everything that it saves is stored,
+  /// or nothing. When it raises, the file is as it was before, and all records are read again.
+  ///
+  /// Raises Failure, whose text begins with the sentence `failure` ("The prizes could not be saved."), for an
+  /// exception or a message box of `work`, and if what it saved cannot be stored.
+  void Transact(const std::string& failure, const std::function<void()>& work);
+  /// How many UTF-16 units a column of text takes; no limit for a column that is none.
   std::size_t TextLength(const std::string& table, const std::string& column);
 
   /// The draft of the current season, with the picks that are not saved yet.
@@ -72,14 +76,16 @@ class League {
   void RefuseUnsavedPicks(const std::string& command);
 
  private:
-  void Reopen(bool forget);
-  [[noreturn]] void RaiseNotOpened(const Context& context, const jet::Error& error) const;
+  void Open(std::chrono::milliseconds patience);
+  void Renew();
+  [[noreturn]] void RaiseNotOpened(const jet::Error& error) const;
 
+  const Context& m_context;
   std::shared_ptr<LeagueHost> m_host;
-  std::shared_ptr<HLIData::IDataService> m_service;
+  std::shared_ptr<HLIData::IDataService> m_service;  ///< empty after a rollback, until it is needed again
   std::string m_path;
   std::unique_ptr<DraftSession> m_draft;
-  std::map<std::pair<std::string, std::string>, std::size_t> m_textLengths;  ///< under table and column
+  bool m_isInTransaction = false;
 };
 
 }  // namespace cli

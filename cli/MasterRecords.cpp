@@ -29,11 +29,12 @@ void RequireFits(League& league, const std::string& table, const std::string& co
 void SaveRecord(League& league, const std::string& what,
                 const std::function<bool(std::string& errMessage)>& update) {
   std::string message;
-  if (update(message)) return;
+  league.Transact(what + " could not be saved.", [&] {
+    if (update(message) || !message.empty()) return;
+    league.RaiseShownMessages();
+    throw Failure(ExitCode::Refused, "The service has not said why.");
+  });
   if (!message.empty()) throw Failure(ExitCode::Refused, message);
-  league.ForgetRecords();
-  league.RaiseShownMessages();
-  throw Failure(ExitCode::Refused, what + " could not be saved in " + league.Path() + ".");
 }
 
 void DeleteRecord(Context& context, const Deletion& deletion, bool isSure) {
@@ -42,11 +43,16 @@ void DeleteRecord(Context& context, const Deletion& deletion, bool isSure) {
                   context.canAsk ? "" : "'--yes' answers the question that a terminal is asked.");
   }
   std::string message;
-  try {
-    if (context.TheLeague().Service().Delete(deletion.type, deletion.id, message)) return;
-  } catch (const HLIData::Error&) {
-    return;  // the row is gone; the record was in no list of the service, from which it would be taken
-  }
+  bool isDeleted = false;
+  League& league = context.TheLeague();
+  league.Transact(deletion.text + " could not be deleted.", [&] {
+    try {
+      isDeleted = league.Service().Delete(deletion.type, deletion.id, message);
+    } catch (const HLIData::Error&) {
+      isDeleted = true;  // the row is; the record was in no list of the service
+    }
+  });
+  if (isDeleted) return;
   message.erase(std::remove(message.begin(), message.end(), '\r'), message.end());
   std::replace(message.begin(), message.end(), '\n', ' ');
   throw Failure(ExitCode::Refused, deletion.text + " was not deleted. " + message,

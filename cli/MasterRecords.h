@@ -20,9 +20,9 @@ std::string JoinedWords(const std::vector<std::string>& words);
 void RequireFits(League& league, const std::string& table, const std::string& column, const std::string& what,
                  const std::string& text);
 
-/// Saves a record through one of the service's Update operations, which `update` calls. Raises Failure with
-/// its message when a value is missing. When the record cannot be written, the service keeps the change in
-/// memory all the same; here everything is forgotten then, and the failure told. `what`: "The player".
+/// Saves a record through one of the service's Update operations, which `update` calls, as one transaction.
+/// Raises Failure with its message when a value is missing, and when the record cannot be written. `what`:
+/// "The player".
 void SaveRecord(League& league, const std::string& what,
                 const std::function<bool(std::string& errMessage)>& update);
 

@@ -254,23 +254,19 @@ void PlayerImport::RequireComplete(const PlayerValues& values) const {
 }
 
 void PlayerImport::Apply(const std::function<void()>& advance) {
-  for (auto line = m_lines.begin(); line != m_lines.end(); ++line) {
-    if (line->kind != Kind::Same) {
-      try {
-        line->id = SavePlayer(m_league, line->values, line->id)->ID();
-      } catch (const Failure& failure) {
-        m_refused.push_back({line->number, failure.what()});
-        for (auto rest = line + 1; rest != m_lines.end(); ++rest)
-          m_refused.push_back({rest->number, "It was left out after the failure on line " +
-                                                 std::to_string(line->number) + "."});
-        m_lines.erase(line, m_lines.end());
-        std::sort(m_refused.begin(), m_refused.end(),
-                  [](const Refusal& a, const Refusal& b) { return a.number < b.number; });
-        return;
+  m_league.Transact("The players could not be saved.", [&] {
+    for (Line& line : m_lines) {
+      if (line.kind != Kind::Same) {
+        try {
+          line.id = SavePlayer(m_league, line.values, line.id)->ID();
+        } catch (const Failure& failure) {
+          throw Failure(failure.Code(), "Line " + std::to_string(line.number) + ": " + failure.what(),
+                        failure.Hint());
+        }
       }
+      advance();
     }
-    advance();
-  }
+  });
 }
 
 std::string PlayerImport::TextOf(const PlayerValues& values) const {

@@ -43,8 +43,8 @@ class PlayerImport {
 
   /// Looks at all lines. Raises Failure for a first line that does not name the columns.
   void Read(std::istream& in, const std::string& file);
-  /// Adds and changes the players; `advance` is called for each. A line that cannot be saved is refused with
-  /// all that follow.
+  /// Adds and changes the players as one transaction; `advance` is called for each. Raises Failure when one
+  /// of them cannot be saved, and then none is.
   void Apply(const std::function<void()>& advance);
 
   const std::vector<Line>& Lines() const { return m_lines; }

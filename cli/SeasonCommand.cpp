@@ -28,24 +28,16 @@ void List(Context& context) {
       "No season is the current one; 'season use YEAR' makes one of them, or a new one, it.");
 }
 
-/// Makes the season of the year current in the service and in the file. When it cannot be stored, the one
-/// that was current before is again.
+/// Makes the season of the year current, and creates it if there is none. The season and the settings that
+/// name it are stored together.
 void MakeCurrent(League& league, std::int32_t year) {
-  const std::int32_t before = league.Service().CurrentSeasonID();
-  std::string reason;
-  try {
+  league.Transact("The season " + std::to_string(year) + " could not be made the current one.", [&] {
     league.Service().CurrentSeasonYear(year);
     league.RaiseShownMessages();
-    // Of a season that could not be made nothing is said: the one before stays current.
-    if (league.Service().CurrentSeasonYear() == year && CurrentSeason(league)->Year() == year) return;
-    reason = "The service has not said why.";
-  } catch (const std::exception& error) {
-    reason = error.what();
-  }
-  league.Service().GetSettings()->CurrentSeason(before);
-  throw Failure(ExitCode::Refused,
-                "The season " + std::to_string(year) + " could not be made the current one. " + reason,
-                "'season list' shows the seasons that there are.");
+    // The service says nothing when it cannot create a season: the one before stays current.
+    if (league.Service().CurrentSeasonYear() != year || CurrentSeason(league)->Year() != year)
+      throw Failure(ExitCode::Refused, "The service has not said why.");
+  });
 }
 
 void Use(Context& context, std::int32_t year, bool create) {

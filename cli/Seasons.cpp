@@ -21,23 +21,6 @@ HLIData::KeyedCollection<Record>& Loaded(const std::shared_ptr<HLIData::KeyedCol
                 "The " + what + " of the season " + std::to_string(season.Year()) + " could not be loaded.");
 }
 
-/// Forgets message boxes whose failure is told already.
-void DropShownMessages(League& league) {
-  try {
-    league.RaiseShownMessages();
-  } catch (const Failure&) {
-    // The failure that is under way is the one to tell.
-  }
-}
-
-/// The failure of a save as one that the user can do something about.
-[[noreturn]] void RaiseNotSaved(const std::string& what, ExitCode code, const std::string& reason,
-                                const std::string& details) {
-  std::string hint = what + " may be stored in part now: look at them before trying again.";
-  if (!details.empty()) hint = details + "\n" + hint;
-  throw Failure(code, what + " could not be saved. " + reason, hint);
-}
-
 /// The service's list of all seasons, of which one that cannot be loaded keeps the others away.
 std::shared_ptr<HLIData::KeyedCollection<ISeasonInfo>> LoadAllSeasons(League& league) {
   try {
@@ -131,28 +114,12 @@ PicksMade PicksMadeIn(const ISeasonInfo& season) {
 }
 
 void ChangeAndSave(League& league, const std::string& what, const std::function<bool()>& changeAndSave) {
-  const auto forget = [&league] {
-    DropShownMessages(league);
-    league.Service().DiscardCurrentSeasonInfo();
-  };
-  try {
+  league.Transact(what + " could not be saved.", [&] {
     const bool saved = changeAndSave();
     league.RaiseShownMessages();
     if (!saved) throw Failure(ExitCode::Refused, "The service has not said why.");
-  } catch (const Failure& failure) {
-    forget();
-    RaiseNotSaved(what, failure.Code(), failure.what(), failure.Hint());
-  } catch (const jet::Error& error) {
-    forget();
-    std::string details;
-    for (const std::string& context : error.Context())
-      details += (details.empty() ? "in " : "\nin ") + context;
-    RaiseNotSaved(what, ExitCodeOf(error.Number()), error.what(), details);
-  } catch (const std::exception& error) {
-    forget();
-    RaiseNotSaved(what, ExitCode::Refused, error.what(), {});
-  }
-  forget();
+  });
+  league.Service().DiscardCurrentSeasonInfo();
 }
 
 }  // namespace cli

@@ -46,11 +46,9 @@ struct PicksMade {
 };
 PicksMade PicksMadeIn(const HLIData::ISeasonInfo& season);
 
-/// Changes the current season in memory and saves it; `what` is what could not be changed or saved when that
-/// fails: "The prizes". Afterwards, also after a failure, the season is forgotten, so that whatever follows
-/// goes on from what is stored. Check all that can be checked before: a save that fails half way leaves what
-/// it has done.
-/// Raises Failure for an exception, a message box or a false result of `changeAndSave`.
+/// Changes the current season in memory and saves it, as one transaction; `what` could not be saved when that
+/// fails: "The prizes". Afterwards the season is discarded, so that it is loaded as it is stored. Raises
+/// Failure for an exception, a message box or a false result of `changeAndSave`; nothing is stored then.
 void ChangeAndSave(League& league, const std::string& what, const std::function<bool()>& changeAndSave);
 
 }  // namespace cli

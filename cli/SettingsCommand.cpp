@@ -16,10 +16,10 @@ void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
   const auto settings = league.Service().GetSettings();
   league.RaiseShownMessages();
   if (newSeason) {
-    settings->CurrentSeason(*newSeason);
-    const bool saved = league.Service().SaveSettings();
-    league.RaiseShownMessages();
-    if (!saved) throw Failure(ExitCode::Refused, "The settings could not be saved.");
+    league.Transact("The settings could not be saved.", [&] {
+      settings->CurrentSeason(*newSeason);
+      league.Service().SaveSettings();
+    });
   }
   if (context.json) {
     Json document;

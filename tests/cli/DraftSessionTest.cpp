@@ -49,7 +49,7 @@ TEST_F(DraftSessionTest, KeepsItsPicksWhenSavingFails) {
   const Picks first = Draft().Current();
   Draft().Change({{1, first[11]}, {12, first[0]}, {3, Pick()}});
   const Picks played = Draft().Current();
-  for (const int calls : {0, 30, 60, 100, 200}) {
+  for (const int calls : {0, 20, 40, 80, 120}) {
     m_engine->callsLeft = calls;
     EXPECT_THROW(Draft().Save(), Failure) << calls;
     m_engine->callsLeft = -1;
@@ -76,7 +76,7 @@ TEST_F(DraftSessionTest, RevertsToWhatIsStored) {
 TEST_F(DraftSessionTest, ForgetsTheStepsOfAnotherSeason) {
   Draft().Change({{1, Pick()}});
   Draft().Save();
-  League().Service().CurrentSeasonID(11);
+  UseSeason(11);
   EXPECT_EQ(Draft().Current().size(), 192U);
   EXPECT_TRUE(Draft().TakeBack().empty());
 }

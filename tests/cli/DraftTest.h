@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -22,17 +23,21 @@
 
 namespace cli::test {
 
-/// Fails the engine's call of a number, and perhaps every one after it, and counts the deletions.
+/// Fails the engine's call of a number, and perhaps every one after it, and keeps the calls.
 struct FailingEngine final : jet::CallObserver {
-  void OnCall(const char* call, const std::string&) override {
-    if (std::string(call) == "Recordset.Delete") ++deletions;
+  void OnCall(const char* call, const std::string& detail) override {
+    calls.push_back(std::string(call) + " " + detail);
     if (callsLeft < 0 || --callsLeft >= 0) return;
     if (!failsOnce) callsLeft = 0;
     throw jet::Error(jet::ErrorNumber::DiskFull, std::string("There is no room for ") + call + ".");
   }
   int callsLeft = -1;  ///< calls that still succeed; -1: all do
+  std::ptrdiff_t Count(const std::string& text) const {
+    return std::count_if(calls.begin(), calls.end(),
+                         [&](const std::string& call) { return call.find(text) != std::string::npos; });
+  }
   bool failsOnce = false;
-  int deletions = 0;
+  std::vector<std::string> calls;
 };
 
 /// A copy of the league of the fixtures, whose current season is one of 4 managers and 3 rounds with all of
@@ -45,7 +50,7 @@ class DraftTest : public testing::Test {
     std::filesystem::copy_file(jet::test::FixturePath("league.mdb"), m_folder.File("Halcyra - Live.mdb"));
     HLDataSrvc::HLServiceUtils::ReplaceEngine({.files = {}, .observer = m_engine});
     Reopen();
-    m_context->TheLeague().Service().CurrentSeasonID(kSeason);
+    UseSeason(kSeason);
   }
   ~DraftTest() override {
     m_context.reset();
@@ -60,7 +65,11 @@ class DraftTest : public testing::Test {
     m_context.reset();
     m_context = std::make_unique<Context>(m_output, m_messages);
     m_context->folder = m_folder.Path();
-    League().Service().CurrentSeasonID(kSeason);
+  }
+  /// Makes a season the current one in the file.
+  void UseSeason(std::int32_t id) {
+    League().Service().GetSettings()->CurrentSeason(id);
+    League().Service().SaveSettings();
   }
   /// The picks that a fresh service finds in the file.
   Picks StoredPicks() {
