@@ -1,4 +1,5 @@
 #include <HLDataSrvc/CreateDataService.h>
+#include <HLDataSrvc/ServiceDatabase.h>
 #include <HLIData/Error.h>
 #include <gtest/gtest.h>
 
@@ -37,6 +38,7 @@ TEST(Client, CatchesTheLibrarysErrors) {
   } catch (const HLIData::Error& error) {
     EXPECT_EQ(error.Number(), HLIData::ErrorNumber::ObjectNotSet);
   }
+  EXPECT_THROW(HLDataSrvc::RunInTransaction(*service, [] { return true; }), HLIData::Error);
 }
 
 TEST(Client, HasAHostOfTheSystemWithoutOneOfItsOwn) {

@@ -1,0 +1,99 @@
+// Preloaded into a program, ends it as a kill does at one of its calls that change files.
+//
+// HALCYRA_TEST_CRASH_AT is the call's number, from 1, and HALCYRA_TEST_CRASH_HOW says when: "before" it, "in"
+// it (a write leaves its first half), or "after" it. Without a number the program runs to its end.
+// HALCYRA_TEST_CALLS names a file that receives the number of calls, outside of the count itself.
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <dlfcn.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+namespace {
+
+long calls = 0;
+
+template <typename Function>
+Function* Original(const char* name) {
+  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+const char* HowToCrash() {
+  const char* const at = std::getenv("HALCYRA_TEST_CRASH_AT");
+  const char* const how = std::getenv("HALCYRA_TEST_CRASH_HOW");
+  return at != nullptr && how != nullptr && std::strtol(at, nullptr, 10) == calls ? how : "";
+}
+
+void Die() {
+  ::kill(::getpid(), SIGKILL);
+  ::pause();
+}
+
+/// Counts a call, and dies at the one that is meant; `half` does a part of it.
+template <typename Call, typename Half>
+auto Enter(const Call& call, const Half& half) {
+  ++calls;
+  const char* const how = HowToCrash();
+  if (std::strcmp(how, "before") == 0) Die();
+  if (std::strcmp(how, "in") == 0) {
+    half();
+    Die();
+  }
+  const auto result = call();
+  if (std::strcmp(how, "after") == 0) Die();
+  return result;
+}
+template <typename Call>
+auto Enter(const Call& call) {
+  return Enter(call, [] {});
+}
+
+struct Report {
+  ~Report() {
+    const char* const name = std::getenv("HALCYRA_TEST_CALLS");
+    if (name == nullptr) return;
+    std::FILE* const file = std::fopen(name, "w");
+    if (file == nullptr) return;
+    std::fprintf(file, "%ld", calls);
+    std::fclose(file);
+  }
+} report;
+
+}  // namespace
+
+extern "C" {
+
+ssize_t pwrite(int file, const void* bytes, size_t size, off_t offset) {
+  auto* const original = Original<ssize_t(int, const void*, size_t, off_t)>("pwrite");
+  return Enter([&] { return original(file, bytes, size, offset); },
+               [&] { return original(file, bytes, size / 2, offset); });
+}
+ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t offset) {
+  auto* const original = Original<ssize_t(int, const void*, size_t, off64_t)>("pwrite64");
+  return Enter([&] { return original(file, bytes, size, offset); },
+               [&] { return original(file, bytes, size / 2, offset); });
+}
+int ftruncate(int file, off_t size) noexcept {
+  return Enter([&] { return Original<int(int, off_t)>("ftruncate")(file, size); });
+}
+int ftruncate64(int file, off64_t size) noexcept {
+  return Enter([&] { return Original<int(int, off64_t)>("ftruncate64")(file, size); });
+}
+int fsync(int file) {
+  return Enter([&] { return Original<int(int)>("fsync")(file); });
+}
+int fdatasync(int file) {
+  return Enter([&] { return Original<int(int)>("fdatasync")(file); });
+}
+int unlink(const char* name) noexcept {
+  return Enter([&] { return Original<int(const char*)>("unlink")(name); });
+}
+int rename(const char* from, const char* to) noexcept {
+  return Enter([&] { return Original<int(const char*, const char*)>("rename")(from, to); });
+}
+
+}  // extern "C"
