@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 /// Constants that several parts of the component share.
 namespace HLDataSrvc::HLConsts {
 
@@ -11,5 +13,7 @@ inline constexpr char kLineBreak[] = "\r\n";
 inline constexpr char kRecordKeyPrefix[] = "K";
 /// Begins the key of a record that has no identifier yet; a running number follows.
 inline constexpr char kNewRecordKeyPrefix[] = "KNEW";
+/// Picks that a draft may have, managers times rounds. A season with more is loaded with an empty draft.
+inline constexpr std::int32_t kMostPicks = 10000;
 
 }  // namespace HLDataSrvc::HLConsts

@@ -26,6 +26,7 @@ DataService::~DataService() {
 }
 
 void DataService::CurrentSeasonYear(std::int32_t seasonYear) {
+  const Operation operation(*this);
   auto season = FindCached(m_caches.seasonsByYear, seasonYear);
   if (!season) season = LoadSeason(0, seasonYear);
   if (!season) season = AddSeason(seasonYear);
@@ -36,6 +37,17 @@ void DataService::CurrentSeasonYear(std::int32_t seasonYear) {
   if (!m_settings) throw HLIData::Error(HLIData::ErrorNumber::ObjectNotSet, "The settings are not loaded.");
   m_settings->CurrentSeason(m_currentSeasonID);
   SaveSettings();
+}
+
+void DataService::ShowPartialDrafts() noexcept {
+  try {
+    std::string text;
+    for (const std::string& problem : std::exchange(m_partialDrafts, {}))
+      text += HLConsts::kLineBreak + problem;
+    if (!text.empty()) m_host->ShowMessage("Error in loading drafts." + text, HLConsts::kServiceTitle);
+  } catch (...) {
+    // The host cannot show it.
+  }
 }
 
 void DataService::SettingsChanged() {

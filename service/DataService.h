@@ -4,10 +4,13 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "HLDataSrvc/Host.h"
 #include "HLIData/IDataService.h"
 #include "HLIData/ISettingInfo.h"
+#include "records/Failures.h"
 #include "service/ServiceCaches.h"
 
 namespace jet {
@@ -93,6 +96,31 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
  private:
   void SettingsChanged() override;
 
+  /// One operation that is under way, perhaps as a step of another. At the end of the outermost a message box
+  /// names the drafts that were loaded in part.
+  class Operation {
+   public:
+    explicit Operation(DataService& service) : m_service(service) {
+      if (service.m_operations++ == 0) service.m_shown = {};
+    }
+    ~Operation() {
+      if (--m_service.m_operations == 0) m_service.ShowPartialDrafts();
+    }
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+   private:
+    DataService& m_service;
+  };
+  void ShowPartialDrafts() noexcept;
+
+  /// Runs an operation that shows its failure; see ShowFailure.
+  template <typename Result, typename Work>
+  Result Trap(const std::string& sentence, Work&& work) {
+    const Operation operation(*this);
+    return ShowFailure<Result>(*m_host, sentence, std::forward<Work>(work));
+  }
+
   // Loaders. They keep what they load, answer an empty reference for what there is no row of, and raise what
   // goes wrong unless they say that they show it.
 
@@ -102,8 +130,16 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   std::shared_ptr<SeasonInfo> LoadSeason(std::int32_t seasonID, std::int32_t seasonYear);
   /// Who takes part in a season, in ranking order.
   std::shared_ptr<HLIData::KeyedCollection<HLIData::IManagerInfo>> LoadManagers(std::int32_t seasonID);
-  /// The picks of a season of which numbers, managers and rounds are known.
-  std::shared_ptr<HLIData::KeyedCollection<HLIData::IDraftInfo>> LoadDrafts(const SeasonInfo& season);
+  /// The picks of a season, a pick for every number, and why a row ended the loading: it does not fit.
+  struct LoadedDrafts {
+    std::shared_ptr<HLIData::KeyedCollection<HLIData::IDraftInfo>> drafts;
+    std::string problem;  ///< empty when every row was placed, or when a message box has named the problem
+  };
+  /// The draft of a season of which numbers, managers and rounds are known.
+  LoadedDrafts LoadDrafts(const SeasonInfo& season);
+  /// Loads the draft of a season and gives it to it. What could not be placed is shown at the operation's
+  /// end.
+  void ReloadDrafts(SeasonInfo& season);
   void PlaceStoredPick(HLIData::KeyedCollection<HLIData::IDraftInfo>& drafts, jet::Recordset& row,
                        const SeasonInfo& season);
   /// The prizes of a season with their amounts.
@@ -155,7 +191,16 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   std::shared_ptr<jet::Database> m_database;
   std::int32_t m_currentSeasonID = 0;
   std::int32_t m_currentSeasonYear = 0;
-  std::int32_t m_newWinnings = 0;  // handed out so far by AddWinning, whatever the season
+  /// Lists whose loading has failed, and was shown, in the operation that is under way.
+  struct ShownLists {
+    bool positions = false;
+    bool teams = false;
+    bool prizes = false;
+  };
+  ShownLists m_shown;
+  std::int32_t m_operations = 0;             // under way, one inside the other
+  std::vector<std::string> m_partialDrafts;  // to be shown at the end of the outermost
+  std::int32_t m_newWinnings = 0;            // handed out so far by AddWinning, whatever the season
   ServiceCaches m_caches;
   std::shared_ptr<SettingInfo> m_settings;  // we are registered with it for as long as we hold it
   HLIData::DBType m_databaseKind{};

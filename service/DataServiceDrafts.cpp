@@ -1,5 +1,10 @@
 // The draft picks of a season.
 
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <utility>
+
 #include "HLIData/Error.h"
 #include "records/Conversions.h"
 #include "records/DraftInfo.h"
@@ -52,11 +57,13 @@ PickIDs ReadIDs(jet::Recordset& row) {
 }
 
 /// Raises ObjectNotSet for a pick without a manager.
-PickIDs IDsOf(const DraftInfo& pick) {
-  PickIDs ids{.manager = Required(pick.Manager(), "The pick has no manager.").ID()};
+PickIDs IDsOf(const DraftInfo& pick, std::int32_t seasonID) {
+  const std::string who = "Pick " + std::to_string(pick.DraftNo()) + " of season " + std::to_string(seasonID);
+  PickIDs ids{.manager = Required(pick.Manager(), (who + " has no manager.").c_str()).ID()};
   if (pick.PickType() == PickType::Player)
-    ids.player = Required(pick.Player(), "The pick has no player.").ID();
-  if (pick.PickType() == PickType::Team) ids.team = Required(pick.Team(), "The pick has no team.").ID();
+    ids.player = Required(pick.Player(), (who + " has no player.").c_str()).ID();
+  if (pick.PickType() == PickType::Team)
+    ids.team = Required(pick.Team(), (who + " has no team.").c_str()).ID();
   return ids;
 }
 
@@ -79,11 +86,36 @@ std::string SelectPicks(std::int32_t seasonID) {
 
 }  // namespace
 
-std::shared_ptr<KeyedCollection<IDraftInfo>> DataService::LoadDrafts(const SeasonInfo& season) {
-  auto drafts = EmptyDraft(Conversions::CheckedMultiply(season.NoOfManagers(), season.NoOfRounds()));
-  Rows::ForEach(Database(), SelectPicks(season.ID()) + " order by [draft no]",
-                [&](jet::Recordset& row) { PlaceStoredPick(*drafts, row, season); });
-  return drafts;
+DataService::LoadedDrafts DataService::LoadDrafts(const SeasonInfo& season) {
+  LoadedDrafts loaded;
+  const std::int64_t noOfPicks = std::int64_t{season.NoOfManagers()} * season.NoOfRounds();
+  const bool isTooLarge = noOfPicks > HLConsts::kMostPicks;
+  loaded.drafts =
+      EmptyDraft(isTooLarge ? 0 : static_cast<std::int32_t>(std::max<std::int64_t>(noOfPicks, 0)));
+  if (isTooLarge) {
+    loaded.problem = "Season " + std::to_string(season.ID()) + " has " +
+                     std::to_string(season.NoOfManagers()) + " x " + std::to_string(season.NoOfRounds()) +
+                     " picks, more than the " + std::to_string(HLConsts::kMostPicks) +
+                     " that a draft may have.";
+    return loaded;
+  }
+  try {
+    Rows::ForEach(Database(), SelectPicks(season.ID()) + " order by [draft no]",
+                  [&](jet::Recordset& row) { PlaceStoredPick(*loaded.drafts, row, season); });
+  } catch (const ShownError&) {
+    // The picks placed so far are the draft.
+  } catch (const Error& error) {
+    loaded.problem = error.what();
+  }
+  return loaded;
+}
+
+void DataService::ReloadDrafts(SeasonInfo& season) {
+  LoadedDrafts loaded = LoadDrafts(season);
+  season.Drafts(loaded.drafts);
+  const bool isNew =
+      std::find(m_partialDrafts.begin(), m_partialDrafts.end(), loaded.problem) == m_partialDrafts.end();
+  if (!loaded.problem.empty() && isNew) m_partialDrafts.push_back(std::move(loaded.problem));
 }
 
 void DataService::PlaceStoredPick(KeyedCollection<IDraftInfo>& drafts, jet::Recordset& row,
@@ -94,37 +126,49 @@ void DataService::PlaceStoredPick(KeyedCollection<IDraftInfo>& drafts, jet::Reco
     throw Error(ErrorNumber::BadPosition, StoredPick(number, season) + "lies outside its draft of " +
                                               std::to_string(drafts.Count()) + " picks.");
   }
-  const auto pick = OwnRecord<DraftInfo>(drafts.Item(number), "A pick");
-  pick->DraftNo(number);
-  pick->IsStored(true);
-  pick->Manager(FindCached(season.Managers(), ids.manager));
-  if (!pick->Manager()) {
+  const auto manager = FindCached(season.Managers(), ids.manager);
+  if (!manager) {
     throw Error(ErrorNumber::UnknownKey, StoredPick(number, season) + "is of manager " +
                                              std::to_string(ids.manager) + ", who does not take part.");
   }
-
-  std::string key = HLUtils::MakePickKey(PickType::None, number);
-  pick->PickType(PickType::None);
-  if (ids.player >= 1) {
-    pick->Player(PlayerByID(ids.player));
-    pick->PickType(PickType::Player);  // also when there is no such player
-    key = HLUtils::MakePickKey(PickType::Player, ids.player);
-  } else if (ids.team >= 1) {
-    pick->Team(TeamByID(ids.team));
-    pick->PickType(PickType::Team);
-    key = HLUtils::MakePickKey(PickType::Team, ids.team);
+  PickType type = PickType::None;
+  std::shared_ptr<PlayerInfo> player;
+  std::shared_ptr<TeamInfo> team;
+  try {
+    if (ids.player >= 1) {
+      type = PickType::Player;  // also when there is no such player
+      player = PlayerByID(ids.player);
+    } else if (ids.team >= 1) {
+      type = PickType::Team;
+      team = TeamByID(ids.team);
+    }
+  } catch (const ShownError&) {
+    throw;
+  } catch (const Error& error) {
+    throw Error(error.Number(), StoredPick(number, season) + "cannot be loaded. " + error.what());
   }
-  pick->IsChanged(false);
-  drafts.Remove(number);
-  if (const auto other = drafts.Find(key)) {
+  const std::string key = type == PickType::Player ? HLUtils::MakePickKey(type, ids.player)
+                          : type == PickType::Team ? HLUtils::MakePickKey(type, ids.team)
+                                                   : HLUtils::MakePickKey(type, number);
+  const auto pick = OwnRecord<DraftInfo>(drafts.Item(number), "A pick");
+  if (const auto other = drafts.Find(key); other && other != pick) {
     throw Error(ErrorNumber::DuplicateKey,
                 StoredPick(number, season) + "is the same as pick " + std::to_string(other->DraftNo()) + ".");
   }
+
+  pick->DraftNo(number);
+  pick->IsStored(true);
+  pick->Manager(manager);
+  if (type == PickType::Player) pick->Player(player);
+  if (type == PickType::Team) pick->Team(team);
+  pick->PickType(type);
+  pick->IsChanged(false);
+  drafts.Remove(number);
   HLUtils::PutPickBack(drafts, number, pick, key);
 }
 
 bool DataService::SaveDrafts() {
-  return ShowFailure<bool>(*m_host, "Error in saving drafts.", [this](bool& result) {
+  return Trap<bool>("Error in saving drafts.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
     const auto drafts = Required(season, kNoSeason).Drafts();
     Write([&](Writes& writes) {
@@ -140,7 +184,7 @@ bool DataService::SaveDrafts() {
 }
 
 void DataService::WritePick(Writes& writes, const DraftInfo& pick) {
-  const PickIDs ids = IDsOf(pick);
+  const PickIDs ids = IDsOf(pick, m_currentSeasonID);
   const auto rows = writes.Database().OpenRecordset(SelectPicks(m_currentSeasonID) +
                                                     " and [draft no] = " + std::to_string(pick.DraftNo()));
   if (rows->Eof()) {
@@ -156,14 +200,14 @@ void DataService::WritePick(Writes& writes, const DraftInfo& pick) {
 }
 
 bool DataService::DeleteDrafts() {
-  return ShowFailure<bool>(*m_host, "Error in deleting drafts.", [this](bool& result) {
+  return Trap<bool>("Error in deleting drafts.", [this](bool& result) {
     Write([this](Writes& writes) {
       const auto rows = writes.Database().OpenRecordset(SelectPicks(m_currentSeasonID));
       Rows::DeleteAll(*rows);
       rows->Close();
     });
     const auto season = SeasonByID(m_currentSeasonID);
-    Required(season, kNoSeason).Drafts(LoadDrafts(*season));
+    ReloadDrafts(Required(season, kNoSeason));
     result = true;
   });
 }

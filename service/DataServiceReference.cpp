@@ -1,5 +1,6 @@
 // Positions, teams and players: the master records that can be drafted, and what they refer to.
 
+#include "HLIData/Error.h"
 #include "records/Failures.h"
 #include "records/PlayerInfo.h"
 #include "records/PositionInfo.h"
@@ -22,12 +23,22 @@ namespace {
 constexpr char kNoPositions[] = "The positions are not loaded.";
 constexpr char kNoTeams[] = "The teams are not loaded.";
 
+/// The record under an identifier in a list. Raises UnknownKey; `what` has it, in which table it is missing.
+template <typename Record>
+std::shared_ptr<Record> Referred(const ServiceCaches::Cache<Record>& list, std::int32_t id,
+                                 const char* notLoaded, const std::string& what, const std::string& table) {
+  if (auto record = Required(list, notLoaded).Find(RecordKey(id))) return record;
+  throw HLIData::Error(HLIData::ErrorNumber::UnknownKey,
+                       what + " " + std::to_string(id) + ", which is not in [" + table + "].");
+}
+
 }  // namespace
 
 std::shared_ptr<KeyedCollection<IPositionInfo>> DataService::GetPlayerPositions() {
   if (m_caches.positions) return m_caches.positions;
   using Result = std::shared_ptr<KeyedCollection<IPositionInfo>>;
-  return ShowFailure<Result>(*m_host, "Error in loading positions.", [this](Result& result) {
+  const Operation operation(*this);
+  auto loaded = Trap<Result>("Error in loading positions.", [this](Result& result) {
     // Kept before it is filled: what a failure leaves in it is served from then on.
     const auto positions = m_caches.positions = std::make_shared<KeyedCollection<IPositionInfo>>();
     Rows::ForEach(Database(), "select * from [position info] order by [id]", [&](jet::Recordset& row) {
@@ -39,12 +50,15 @@ std::shared_ptr<KeyedCollection<IPositionInfo>> DataService::GetPlayerPositions(
     });
     result = positions;
   });
+  m_shown.positions = !loaded;
+  return loaded;
 }
 
 std::shared_ptr<KeyedCollection<ITeamInfo>> DataService::GetTeams() {
   if (m_caches.teams) return m_caches.teams;
   using Result = std::shared_ptr<KeyedCollection<ITeamInfo>>;
-  return ShowFailure<Result>(*m_host, "Error in loading teams.", [this](Result& result) {
+  const Operation operation(*this);
+  auto loaded = Trap<Result>("Error in loading teams.", [this](Result& result) {
     GetPlayerPositions();
     const auto teams = m_caches.teams = std::make_shared<KeyedCollection<ITeamInfo>>();  // as above
     Rows::ForEach(Database(), "select * from [team info] order by [id]", [&](jet::Recordset& row) {
@@ -55,17 +69,25 @@ std::shared_ptr<KeyedCollection<ITeamInfo>> DataService::GetTeams() {
       team->Nickname(Rows::Text(row, Schema::Team::kNickname));
       const std::int32_t positionID = Rows::LeadingInt32(row, Schema::Team::kPositionID);
       if (positionID > 0) {
-        team->Position(Required(m_caches.positions, kNoPositions).Item(RecordKey(positionID)));
+        const std::string who = "Team " + std::to_string(team->ID()) + " in [team info] has the position";
+        team->Position(Referred(m_caches.positions, positionID, kNoPositions, who, Schema::Position::kTable));
       }
       teams->Add(team, RecordKey(team->ID()));
     });
     result = teams;
   });
+  m_shown.teams = !loaded;
+  return loaded;
 }
 
 std::shared_ptr<TeamInfo> DataService::TeamByID(std::int32_t teamID) {
-  GetTeams();  // shows its own failure; a team that it did not reach is missing below
-  return OwnRecord<TeamInfo>(Required(m_caches.teams, kNoTeams).Item(RecordKey(teamID)), "A team");
+  GetTeams();  // shows its failure; a team that it did not reach is missing below
+  return LookUpIn(m_shown.teams, [&] {
+    const auto team = Required(m_caches.teams, kNoTeams).Find(RecordKey(teamID));
+    if (team) return OwnRecord<TeamInfo>(team, "A team");
+    throw HLIData::Error(HLIData::ErrorNumber::UnknownKey,
+                         "Team " + std::to_string(teamID) + " is not in [team info].");
+  });
 }
 
 std::shared_ptr<PlayerInfo> DataService::PlayerByID(std::int32_t playerID) {
@@ -80,6 +102,7 @@ std::shared_ptr<PlayerInfo> DataService::PlayerByID(std::int32_t playerID) {
       Database().OpenRecordset("select * from [player info] where [id] = " + std::to_string(playerID));
   std::shared_ptr<PlayerInfo> player;
   if (!rows->Eof()) {
+    const std::string who = "Player " + std::to_string(playerID) + " in [player info] has the ";
     player = std::make_shared<PlayerInfo>();
     player->ID(playerID);
     player->FirstName(Rows::Text(*rows, Schema::Player::kFirstName));
@@ -87,10 +110,19 @@ std::shared_ptr<PlayerInfo> DataService::PlayerByID(std::int32_t playerID) {
     const std::int32_t positionID = Rows::LeadingInt32(*rows, Schema::Player::kPositionID);
     if (positionID != 0) {
       GetPlayerPositions();  // as in TeamByID
-      player->Position(Required(m_caches.positions, kNoPositions).Item(RecordKey(positionID)));
+      player->Position(LookUpIn(m_shown.positions, [&] {
+        return Referred(m_caches.positions, positionID, kNoPositions, who + "position",
+                        Schema::Position::kTable);
+      }));
     }
     const std::int32_t teamID = Rows::LeadingInt32(*rows, Schema::Player::kTeamID);
-    if (teamID != 0) player->Team(TeamByID(teamID));
+    if (teamID != 0) {
+      GetTeams();
+      player->Team(LookUpIn(m_shown.teams, [&] {
+        return OwnRecord<TeamInfo>(
+            Referred(m_caches.teams, teamID, kNoTeams, who + "team", Schema::Team::kTable), "A team");
+      }));
+    }
     player->IsRetired(Rows::Boolean(*rows, Schema::Player::kIsRetired));
     player->IsSaved(true);
     player->IsDirty(false);

@@ -132,8 +132,9 @@ std::shared_ptr<Found> DataService::SearchPrizes(const std::string& text, bool c
         curSeasonOnly ? SelectPrizesPutUp(text, m_currentSeasonID) : SelectPrizes(text);
     Rows::ForEach(Database(), statement, [&](jet::Recordset& row) {
       const auto prizes = GetPrizeTmpls();
-      const auto& prize =
-          Required(prizes, "The prizes are not loaded.").Item(RecordKey(Rows::LeadingInt32(row, "id")));
+      const std::int32_t id = Rows::LeadingInt32(row, "id");
+      const auto prize = LookUpIn(
+          m_shown.prizes, [&] { return Required(prizes, "The prizes are not loaded.").Item(RecordKey(id)); });
       found.Add(OwnRecord<PrizeTmplInfo>(prize, "A prize"));
     });
   });
@@ -143,8 +144,10 @@ std::shared_ptr<Found> DataService::SearchPositions(const std::string& text) {
   return ShowSearch("Error in searching positions.", [&](Found& found) {
     Rows::ForEach(Database(), SelectPositions(text), [&](jet::Recordset& row) {
       const auto positions = GetPlayerPositions();
-      const auto& position =
-          Required(positions, "The positions are not loaded.").Item(RecordKey(Rows::LeadingInt32(row, "id")));
+      const std::int32_t id = Rows::LeadingInt32(row, "id");
+      const auto position = LookUpIn(m_shown.positions, [&] {
+        return Required(positions, "The positions are not loaded.").Item(RecordKey(id));
+      });
       found.Add(OwnRecord<PositionInfo>(position, "A position"));
     });
   });
@@ -152,7 +155,7 @@ std::shared_ptr<Found> DataService::SearchPositions(const std::string& text) {
 
 template <typename Work>
 std::shared_ptr<Found> DataService::ShowSearch(const char* sentence, Work&& work) {
-  return ShowFailure<std::shared_ptr<Found>>(*m_host, sentence, [&](std::shared_ptr<Found>& result) {
+  return Trap<std::shared_ptr<Found>>(sentence, [&](std::shared_ptr<Found>& result) {
     auto found = std::make_shared<Found>();
     work(*found);
     result = std::move(found);

@@ -5,6 +5,7 @@
 
 #include <exception>
 
+#include "jet/Error.h"
 #include "records/Failures.h"
 #include "records/References.h"
 #include "records/SeasonInfo.h"
@@ -50,6 +51,18 @@ void WriteRank(jet::Recordset& row, const IManagerInfo& manager) {
   row.Fields(Schema::Playing::kRanking).Value(manager.Rank() < 1 ? jet::Value() : jet::Value(manager.Rank()));
 }
 
+/// Starts to edit the row that a search has found. Raises NoCurrentRecord, naming the manager, if it has not.
+void EditRowOf(jet::Recordset& rows, std::int32_t managerID, std::int32_t seasonID) {
+  try {
+    rows.Edit();
+  } catch (const jet::Error& error) {
+    if (error.Number() != jet::ErrorNumber::NoCurrentRecord) throw;
+    throw jet::Error(error.Number(), "Manager " + std::to_string(managerID) +
+                                         " has no row in [playing info] of season " +
+                                         std::to_string(seasonID) + ".");
+  }
+}
+
 /// The managers of a season; a season that there is not has none.
 std::shared_ptr<KeyedCollection<IManagerInfo>> ManagersOf(const std::shared_ptr<SeasonInfo>& season) {
   return season ? season->Managers() : nullptr;
@@ -60,7 +73,7 @@ std::shared_ptr<KeyedCollection<IManagerInfo>> ManagersOf(const std::shared_ptr<
 bool DataService::SaveCurrentSeasonInfo() {
   const std::int32_t seasonID =
       m_currentSeasonID;  // the rows to write, also when looking up makes another current
-  return ShowFailure<bool>(*m_host, "Error in saving season info.", [this, seasonID](bool& result) {
+  return Trap<bool>("Error in saving season info.", [this, seasonID](bool& result) {
     const auto season = SeasonByID(seasonID);
     Write([&](Writes& writes) {
       const auto rows = writes.Database().OpenRecordset("select * from [season info] " + WhereID(seasonID));
@@ -123,6 +136,7 @@ bool DataService::SaveManagersPlaying() {
 }
 
 bool DataService::SaveRanking() {
+  const Operation operation(*this);
   const std::int32_t seasonID = m_currentSeasonID;
   std::shared_ptr<SeasonInfo> season;
   if (!FetchSeason(seasonID, "Error in saving ranking info.", season)) return false;
@@ -134,26 +148,26 @@ bool DataService::SaveRanking() {
     const auto rows = writes.Database().OpenRecordset(SelectOfSeason(Schema::Playing::kTable, seasonID));
     for (const auto& manager : managers->Items()) {
       rows->FindFirst("[manager id] = " + std::to_string(manager->ID()));
-      rows->Edit();
+      EditRowOf(*rows, manager->ID(), seasonID);
       WriteRank(*rows, *manager);
       rows->Update();
     }
     rows->Close();
   });
-  season->Drafts(LoadDrafts(*season));
+  ReloadDrafts(*season);
   return true;
 }
 
 bool DataService::FetchSeason(std::int32_t seasonID, const std::string& sentence,
                               std::shared_ptr<SeasonInfo>& season) {
-  return ShowFailure<bool>(*m_host, sentence, [&](bool& result) {
+  return Trap<bool>(sentence, [&](bool& result) {
     season = SeasonByID(seasonID);
     result = true;
   });
 }
 
 bool DataService::DisableRanking() {
-  return ShowFailure<bool>(*m_host, "Error in disabling ranking.", [this](bool& result) {
+  return Trap<bool>("Error in disabling ranking.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
     Required(season, kNoSeason).IsRankingLocked(true);
     WriteLock(Schema::Season::kIsRankingLocked);
@@ -162,7 +176,7 @@ bool DataService::DisableRanking() {
 }
 
 bool DataService::DisableDrafting() {
-  return ShowFailure<bool>(*m_host, "Error in disabling drafting.", [this](bool& result) {
+  return Trap<bool>("Error in disabling drafting.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
     Required(season, kNoSeason).IsDraftLocked(true);
     WriteLock(Schema::Season::kIsDraftLocked);
@@ -190,6 +204,7 @@ std::shared_ptr<ISeasonInfo> DataService::AddSeason(std::int32_t seasonYear) {
   }
 
   // From here on errors go to the caller, deliberately.
+  const Operation operation(*this);
   const std::int32_t newID = Rows::NextID(*highest);
   Write([&](Writes& writes) {
     const auto rows = writes.Database().OpenRecordset("select * from [season info]");

@@ -1,12 +1,15 @@
 // Seasons: the caches of them, and loading one with its managers.
 //
-// The loaders show nothing: what goes wrong in them is raised, so that the operation that asked tells of it
-// in its own style. A season of which a part cannot be loaded is not kept: saving it would write back less
-// than is stored. Winnings alone can be missing, because their loader shows its failure itself; they cannot
-// be saved then.
+// The loaders show nothing: they raise, and the operation reports the error in its own style. A season whose
+// prizes or managers cannot be loaded is not kept: saving it would write back less than is stored. Winnings
+// can be missing, because their loader shows its failure itself; they cannot be saved then. A draft can be
+// partial, because saving it writes changed picks only.
 
 #include <chrono>
+#include <exception>
+#include <string>
 
+#include "HLIData/Error.h"
 #include "records/Failures.h"
 #include "records/ManagerInfo.h"
 #include "records/ManagerTmplInfo.h"
@@ -19,6 +22,8 @@
 
 namespace HLDataSrvc {
 
+using HLIData::Error;
+using HLIData::ErrorNumber;
 using HLIData::IManagerInfo;
 using HLIData::IManagerTmplInfo;
 using HLIData::ISeasonInfo;
@@ -26,7 +31,7 @@ using HLIData::KeyedCollection;
 
 namespace {
 
-constexpr char kLoading[] = "Error in loading season info.";
+const std::string kLoading = "Error in loading season info.";
 
 std::shared_ptr<SeasonInfo> ReadSeason(jet::Recordset& row) {
   auto season = std::make_shared<SeasonInfo>();
@@ -48,18 +53,28 @@ std::shared_ptr<SeasonInfo> ReadSeason(jet::Recordset& row) {
 
 std::shared_ptr<ISeasonInfo> DataService::GetCurrentSeasonInfo() {
   using Result = std::shared_ptr<ISeasonInfo>;
-  return ShowFailure<Result>(*m_host, kLoading,
-                             [this](Result& result) { result = SeasonByID(m_currentSeasonID); });
+  return Trap<Result>(kLoading, [this](Result& result) { result = SeasonByID(m_currentSeasonID); });
 }
 
 std::shared_ptr<KeyedCollection<ISeasonInfo>> DataService::GetAllSeasons() {
   using Result = std::shared_ptr<KeyedCollection<ISeasonInfo>>;
-  return ShowFailure<Result>(*m_host, kLoading, [this](Result& result) {
+  return Trap<Result>(kLoading, [this](Result& result) {
     if (!m_caches.areAllSeasonsLoaded) {
-      Rows::ForEach(Database(), "select id from [season info]", [this](jet::Recordset& row) {
-        SeasonByID(Rows::LeadingInt32(row, Schema::Season::kID));
+      std::string problems;
+      bool isComplete = true;
+      Rows::ForEach(Database(), "select id from [season info]", [&](jet::Recordset& row) {
+        const std::int32_t id = Rows::LeadingInt32(row, Schema::Season::kID);
+        try {
+          SeasonByID(id);
+        } catch (const ShownError&) {
+          isComplete = false;
+        } catch (const std::exception& error) {
+          isComplete = false;
+          problems += HLConsts::kLineBreak + ("Season " + std::to_string(id) + ": ") + error.what();
+        }
       });
-      m_caches.areAllSeasonsLoaded = true;
+      m_caches.areAllSeasonsLoaded = isComplete;
+      if (!problems.empty()) m_host->ShowMessage(kLoading + problems, HLConsts::kServiceTitle);
     }
     result = m_caches.seasonsByID;
   });
@@ -99,7 +114,7 @@ std::shared_ptr<SeasonInfo> DataService::LoadSeason(std::int32_t seasonID, std::
     season->Prizes(LoadMoneyDistribution(season->ID()));
     season->Managers(LoadManagers(season->ID()));
     season->Winnings(LoadWinnings(season->ID()));
-    season->Drafts(LoadDrafts(*season));
+    ReloadDrafts(*season);
   } catch (...) {
     m_caches.Forget(season);
     throw;
@@ -119,7 +134,13 @@ std::shared_ptr<KeyedCollection<IManagerInfo>> DataService::LoadManagers(std::in
     manager->ManagerTmpl(ManagerTmplByID(managerID));
     manager->Rank(Rows::LeadingInt32(row, Schema::Playing::kRanking));
     manager->IsFeePaid(Rows::Boolean(row, Schema::Playing::kFeePaid));
-    managers->Add(manager, RecordKey(managerID));
+    const std::string key = RecordKey(managerID);
+    if (managers->Find(key)) {
+      throw Error(ErrorNumber::DuplicateKey, "Manager " + std::to_string(managerID) +
+                                                 " stands twice in [playing info] of season " +
+                                                 std::to_string(seasonID) + ".");
+    }
+    managers->Add(manager, key);
   });
   return managers;
 }

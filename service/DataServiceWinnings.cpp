@@ -69,7 +69,7 @@ void DeleteRow(jet::Database& database, std::int32_t id) {
 
 std::shared_ptr<KeyedCollection<IWinningInfo>> DataService::LoadWinnings(std::int32_t seasonID) {
   using Result = std::shared_ptr<KeyedCollection<IWinningInfo>>;
-  return ShowFailure<Result>(*m_host, "Error in loading winnings.", [this, seasonID](Result& result) {
+  return Trap<Result>("Error in loading winnings.", [this, seasonID](Result& result) {
     const auto winnings = std::make_shared<KeyedCollection<IWinningInfo>>();
     const std::string statement =
         "select * from [winning info] where [season id] = " + std::to_string(seasonID);
@@ -89,6 +89,7 @@ std::shared_ptr<KeyedCollection<IWinningInfo>> DataService::LoadWinnings(std::in
 }
 
 bool DataService::AddWinning(std::shared_ptr<IWinningInfo>& oNewWin) {
+  const Operation operation(*this);
   try {
     m_newWinnings = Conversions::CheckedAdd(m_newWinnings, 1);
     const auto winning = std::make_shared<WinningInfo>();
@@ -103,7 +104,7 @@ bool DataService::AddWinning(std::shared_ptr<IWinningInfo>& oNewWin) {
 }
 
 bool DataService::SaveWinnings() {
-  return ShowFailure<bool>(*m_host, "Error in saving winnings.", [this](bool& result) {
+  return Trap<bool>("Error in saving winnings.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
     const auto winnings = Required(season, kNoSeason).Winnings();
     Required(winnings, kNoWinnings);

@@ -11,7 +11,8 @@
 
 /// How loaders read the columns of a recordset's current row. A value is always read as its text, so that a
 /// Null is an empty text; what a loader makes of that is told by the function it calls. All raise
-/// UnknownField for a column that the recordset does not have.
+/// UnknownField for a column that the recordset does not have; the errors of conversions name table, row and
+/// column.
 namespace HLDataSrvc::Rows {
 
 /// The text of a column.
@@ -20,20 +21,13 @@ inline std::string Text(jet::Recordset& row, std::string_view column) {
 }
 
 /// Lenient: the leading number of the text, so that a Null is 0. Raises Overflow.
-inline std::int32_t LeadingInt32(jet::Recordset& row, std::string_view column) {
-  return Conversions::LeadingInt32(Text(row, column));
-}
+std::int32_t LeadingInt32(jet::Recordset& row, std::string_view column);
 
 /// Strict: the number that is the whole text, so that a Null is an error. Raises TypeMismatch, Overflow.
-inline std::int32_t WholeInt32(jet::Recordset& row, std::string_view column) {
-  return Conversions::WholeInt32(Text(row, column));
-}
+std::int32_t WholeInt32(jet::Recordset& row, std::string_view column);
 
 /// A yes/no column; a Null is false. Raises TypeMismatch for a text that is neither.
-inline bool Boolean(jet::Recordset& row, std::string_view column) {
-  const std::string text = Text(row, column);
-  return !text.empty() && Conversions::WholeBoolean(text);
-}
+bool Boolean(jet::Recordset& row, std::string_view column);
 
 /// Opens a select statement, hands every row to `work(recordset)` in turn, and closes it.
 template <typename Work>

@@ -77,6 +77,9 @@ std::size_t Recordset::FieldCount() const {
 bool Recordset::Updatable() const {
   return Enter(*m_core, "Recordset.Updatable").IsUpdatable();
 }
+const std::string& Recordset::TableName() const {
+  return Enter(*m_core, "Recordset.TableName").TableName();
+}
 const std::string& Recordset::Plan() const {
   return Enter(*m_core, "Recordset.Plan").PlanText();
 }

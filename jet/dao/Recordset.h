@@ -86,6 +86,8 @@ class Recordset {
   Field& Fields(std::size_t ordinal);
   std::size_t FieldCount() const;
   bool Updatable() const;
+  /// The table that the rows are of; of a join the first table.
+  const std::string& TableName() const;
   /// How the rows are found, in a few words for people: "player info: index PrimaryKey = 17", "scan of draft
   /// info".
   const std::string& Plan() const;

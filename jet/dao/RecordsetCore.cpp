@@ -73,10 +73,10 @@ RecordsetCore::RecordsetCore(std::shared_ptr<DatabaseCore> database, const std::
       m_numbers(m_database->Statements().Numbers()),
       m_transaction(m_database->TransactionDepth()) {
   const sql::Query& query = m_select->Bound();
+  m_tableName = query.sources.front().table->Name();
   if (query.IsPlain()) {
     Table& table = *query.sources.front().table;
     m_rows = &m_dynaset.emplace(m_database->OpenStore(), table, m_select->Run().FindRows(), query.columns);
-    m_tableName = table.Name();
   } else {
     m_rows = &m_snapshot.emplace(m_select->Run().ReadRows());
   }
@@ -132,7 +132,8 @@ void RecordsetCore::MoveFirst() {
 
 void RecordsetCore::MoveNext() {
   if (m_state == State::AtEnd || m_state == State::NoRow)
-    throw Error(ErrorNumber::NoCurrentRecord, "The recordset has no current row to move on from.");
+    throw Error(ErrorNumber::NoCurrentRecord,
+                "The recordset on '" + m_tableName + "' has no current row to move on from.");
   MoveTo(m_row + 1);
 }
 
@@ -158,7 +159,9 @@ void RecordsetCore::FindFirst(const std::string& criterion) {
 void RecordsetCore::CheckCurrentRow() const {
   if (m_state == State::Deleted)
     throw Error(ErrorNumber::RowDeleted, "The current row of table '" + m_tableName + "' was deleted.");
-  if (m_state != State::AtRow) throw Error(ErrorNumber::NoCurrentRecord, "The recordset has no current row.");
+  if (m_state != State::AtRow) {
+    throw Error(ErrorNumber::NoCurrentRecord, "The recordset on '" + m_tableName + "' has no current row.");
+  }
 }
 
 void RecordsetCore::AddNew() {
@@ -220,7 +223,8 @@ std::size_t RecordsetCore::FindField(std::string_view name) {
       if (IsCalled(columns[i], name.substr(0, dot), name.substr(dot + 1))) return i;
     }
   }
-  throw Error(ErrorNumber::UnknownField, "The recordset has no column '" + std::string(name) + "'.");
+  throw Error(ErrorNumber::UnknownField,
+              "The recordset on '" + m_tableName + "' has no column '" + std::string(name) + "'.");
 }
 
 Value RecordsetCore::ReadField(std::size_t field) {

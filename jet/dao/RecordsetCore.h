@@ -33,6 +33,7 @@ class RecordsetCore {
   bool NoMatch() const { return m_noMatch; }
   bool IsUpdatable() const;
   const std::string& PlanText();
+  const std::string& TableName() const { return m_tableName; }
 
   void MoveFirst();
   void MoveNext();
@@ -100,7 +101,7 @@ class RecordsetCore {
   std::optional<DynasetRows> m_dynaset;
   std::optional<SnapshotRows> m_snapshot;
   RecordsetRows* m_rows = nullptr;  // the one or the other
-  std::string m_tableName;          // of the dynaset
+  std::string m_tableName;          // the first of the statement
   std::string m_plan;               // once it was asked for
   State m_state = State::AtEnd;
   std::size_t m_row = 0;

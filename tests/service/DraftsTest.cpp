@@ -90,7 +90,7 @@ TEST_F(DraftsTest, ChangedPickWithoutAManagerFailsAndEarlierOnesAreStored) {
   m_season->UpdateDraft(bob, 3, Manager("K2"));
   m_season->UpdateDraft(cy, 4, nullptr);
   EXPECT_FALSE(m_service->SaveDrafts());
-  EXPECT_EQ(Boxes(), (Lines{Box("Error in saving drafts.", "The pick has no manager.")}));
+  EXPECT_EQ(Boxes(), (Lines{Box("Error in saving drafts.", "Pick 4 of season 1 has no manager.")}));
   EXPECT_FALSE(Pick(*m_season, 3).IsChanged());
   EXPECT_TRUE(Pick(*m_season, 4).IsChanged());
   ExpectStored(m_before, 1, {{"draft info", {"1|1|2|1|", "1|2|1||1", "1|3|2|2|"}}});

@@ -48,9 +48,9 @@ TEST_F(PrizesTest, PrizesReadBeforeOneOfAnUnknownTypeAreServedFromThenOn) {
   for (const char* prize : {"3|Ghost|7", "3|No type|"}) {
     OpenLoose({{"prize info", {prize, "4|After|1"}}});
     EXPECT_EQ(m_service->GetPrizeTmpls(), nullptr);
-    const std::string key = prize[2] == 'G' ? "K7" : "K0";
-    EXPECT_EQ(Boxes(), (Lines{Box("Error in loading prizes.",
-                                  "The collection holds no item with the key \"" + key + "\".")}));
+    const std::string type = prize[2] == 'G' ? "7" : "0";
+    EXPECT_EQ(Boxes(), (Lines{Box("Error in loading prizes.", "Prize 3 in [prize info] is of type " + type +
+                                                                  ", which is not in [prize type info].")}));
     Statements();
     EXPECT_EQ(Keys(m_service->GetPrizeTmpls()), "K1 K2");
     EXPECT_EQ(Statements(), Lines{});

@@ -37,7 +37,8 @@ TEST_F(ReferenceTest, PositionsAndTeamsAreReadOnceInTheOrderOfTheirIdentifiers) 
 }
 
 TEST_F(ReferenceTest, TeamsReadBeforeAFaultyOneAreServedFromThenOn) {
-  const Lines box{Box("Error in loading teams.", "The collection holds no item with the key \"K9\".")};
+  const Lines box{Box("Error in loading teams.",
+                      "Team 5 in [team info] has the position 9, which is not in [position info].")};
   OpenLoose({{"team info", {"3|NUL|Null||", "4|NEG|Negative||-2", "5|BAD|Bad||9", "6|AFT|After||2"}}});
   EXPECT_EQ(m_service->GetTeams(), nullptr);
   EXPECT_EQ(Boxes(), box);

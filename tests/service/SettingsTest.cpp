@@ -69,9 +69,10 @@ TEST_F(SettingsTest, MissingRowIsAddedBySaving) {
 
 TEST_F(SettingsTest, NullSeasonIsShownOnceAndTheHalfBuiltObjectStays) {
   Open("league-damaged-nullsetting.mdb");
-  EXPECT_EQ(
-      m_host->messages,
-      (std::vector<Message>{{"Error in loading settings.\r\n\"\" is not a number.", "Halcyra Service"}}));
+  EXPECT_EQ(m_host->messages,
+            (std::vector<Message>{{"Error in loading settings.\r\n[settings], row with id 1, current season "
+                                   "id Null, column 'current season id': \"\" is not a number.",
+                                   "Halcyra Service"}}));
   const auto settings = m_service->GetSettings();
   ASSERT_NE(settings, nullptr);
   EXPECT_EQ(settings->CurrentSeason(), 0);

@@ -163,7 +163,10 @@ TEST_F(WinningsTest, OneThatCannotBeWrittenIsShownAndThoseBeforeItStay) {
 TEST_F(WinningsTest, SeasonWhoseWinningsCannotBeReadHasNoneToAddToOrSave) {
   Open(test::SmallLeague(/*isLoose=*/true, {{"winning info", {"|1|1|1|1"}}}));
   m_season = Season();
-  EXPECT_EQ(Boxes(), (Lines{Box("Error in loading winnings.", "\"\" is not a number.")}));
+  EXPECT_EQ(
+      Boxes(),
+      (Lines{Box("Error in loading winnings.",
+                 "[winning info], row with id Null, season id 1, column 'id': \"\" is not a number.")}));
   ASSERT_NE(m_season, nullptr);
   EXPECT_EQ(m_season->Winnings(), nullptr);
   EXPECT_EQ(m_season->Drafts()->Count(), 4) << "what follows was read";
