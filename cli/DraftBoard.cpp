@@ -18,6 +18,7 @@ constexpr std::size_t kMarkAndGap = 2;      ///< columns of a cell besides its t
 constexpr char kDue = '>';
 constexpr char kUnsaved = '*';
 constexpr char kOfAnother = '~';
+constexpr char kMisfit = '!';
 
 /// The parts that there are, with blanks between.
 std::string Join(std::initializer_list<std::string> parts) {
@@ -66,7 +67,8 @@ std::size_t LongestForm(const Cells& cells, std::size_t width) {
 
 }  // namespace
 
-DraftBoard::DraftBoard(const HLIData::ISeasonInfo& season, const Picks& picks, const Picks& stored)
+DraftBoard::DraftBoard(const HLIData::ISeasonInfo& season, const Picks& picks, const Picks& stored,
+                       const std::vector<MisfitPick>& misfits)
     : m_order(season), m_isSettled(m_order.WhyUnsettled().empty()), m_due(FirstEmptyPick(picks)) {
   const auto made =
       std::count_if(picks.begin(), picks.end(), [](const Pick& pick) { return !pick.IsEmpty(); });
@@ -77,6 +79,11 @@ DraftBoard::DraftBoard(const HLIData::ISeasonInfo& season, const Picks& picks, c
   for (std::int32_t pick = 1; pick <= m_order.NoOfPicks(); ++pick)
     m_cells.push_back(CellOf(pick, picks, stored));
   MakeNotes(season, picks, DifferingPicks(picks, stored));
+  for (const MisfitPick& misfit : misfits) {
+    if (misfit.number >= 1 && misfit.number <= m_order.NoOfPicks())
+      m_cells[static_cast<std::size_t>(misfit.number) - 1].mark = kMisfit;
+    m_notes.push_back(std::string(1, kMisfit) + " Does not fit: " + Printable(misfit.why));
+  }
 }
 
 DraftBoard::Cell DraftBoard::CellOf(std::int32_t number, const Picks& picks, const Picks& stored) const {

@@ -9,19 +9,23 @@
 #include "HLIData/ISeasonInfo.h"
 #include "cli/DraftOrder.h"
 #include "cli/Picks.h"
+#include "cli/StoredDraft.h"
 
 namespace cli {
 
 /// A draft as a grid for people: a row for each round, a column for each manager in the order of the ranking,
 /// an arrow for the direction in which a round runs. An empty pick shows its number; the one that is due is
-/// marked, and so are picks that are not saved, and picks of a manager whose turn it was not.
+/// marked, and so are picks that are not saved, picks of a manager whose turn it was not, and stored picks
+/// that do not fit the season.
 ///
 /// Managers who do not fit side by side are split into grids below each other, each of as many columns as the
 /// next, give or take one.
 class DraftBoard {
  public:
-  /// The picks as they stand, and as they are stored, which tells those that are not saved.
-  DraftBoard(const HLIData::ISeasonInfo& season, const Picks& picks, const Picks& stored);
+  /// The picks as they stand, as they are stored, which shows those that are not saved, and the stored ones
+  /// that do not fit.
+  DraftBoard(const HLIData::ISeasonInfo& season, const Picks& picks, const Picks& stored,
+             const std::vector<MisfitPick>& misfits = {});
 
   /// The lines of the board, none wider than `width` columns, which counts as 24 when it is less.
   std::vector<std::string> Lines(std::size_t width) const;

@@ -107,7 +107,8 @@ std::string BoardText(DraftSession& session, bool isJson) {
   if (isJson) return JsonText(BoardJson(session)) + "\n";
   std::string text;
   for (const std::string& line :
-       DraftBoard(session.Season(), session.Current(), session.Stored()).Lines(OutputWidth()))
+       DraftBoard(session.Season(), session.Current(), session.Stored(), session.Misfits())
+           .Lines(OutputWidth()))
     text += line + "\n";
   return text;
 }

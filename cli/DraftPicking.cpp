@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "HLDataSrvc/ServiceDatabase.h"
 #include "cli/DraftReport.h"
 #include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
 #include "cli/Locks.h"
+#include "cli/Players.h"
 
 namespace cli {
 namespace {
@@ -51,10 +53,11 @@ std::int32_t HolderOf(const Picks& picks, const Pick& wanted) {
 }
 
 void RequireFree(DraftSession& session, std::int32_t number, const Pick& wanted) {
-  const std::string taken = TakenText(session.Season(), wanted.what);
-  if (taken.empty()) return;
-  // Another manager may get what stands at this very pick.
+  std::string taken = TakenText(session.Season(), wanted.what);
   const std::int32_t holder = HolderOf(session.Current(), wanted);
+  if (taken.empty() && holder == 0) return;
+  if (taken.empty()) taken = "taken";  // at a stored pick that the season in memory does not have
+  // Another manager may get what stands at this very pick.
   if (holder == number && session.Current()[static_cast<std::size_t>(number) - 1] != wanted) return;
   throw Failure(ExitCode::Refused, PickableText(FactsOf(*wanted.what)) + " is " + taken +
                                        (holder == 0 ? "" : ", pick " + std::to_string(holder)) + ".");
@@ -115,6 +118,28 @@ std::vector<std::int32_t> FilledPicks(const Picks& picks) {
   return DifferingPicks(picks, Picks(picks.size()));
 }
 
+/// Deletes stored picks whose numbers lie outside the draft; returns them. `numbers`: only these, if any.
+std::vector<std::int32_t> DeleteOutside(Context& context, const std::vector<std::int32_t>& numbers) {
+  League& league = context.TheLeague();
+  DraftSession& session = league.Draft();
+  const auto last = std::ssize(session.Current());
+  std::vector<std::int32_t> outside;
+  for (const MisfitPick& misfit : session.Misfits()) {
+    const bool isMeant = numbers.empty() || std::count(numbers.begin(), numbers.end(), misfit.number) > 0;
+    if (isMeant && (misfit.number < 1 || misfit.number > last)) outside.push_back(misfit.number);
+  }
+  if (outside.empty()) return outside;
+  league.RefuseUnsavedPicks("draft clear");
+  league.Transact("The draft could not be saved.", [&] {
+    for (const std::int32_t number : outside)
+      HLDataSrvc::DeleteRows(league.Service(), SelectPick(session.Season(), number));
+  });
+  league.Service().DiscardCurrentSeasonInfo();
+  context.messages.Note("Deleted " + PickNumbers(outside) + ", outside the draft, from " + league.Path() +
+                        ".");
+  return outside;
+}
+
 void ClearAll(Context& context, bool isSure) {
   DraftSession& session = context.TheLeague().Draft();
   const std::vector<std::int32_t> filled = FilledPicks(session.Current());
@@ -122,8 +147,9 @@ void ClearAll(Context& context, bool isSure) {
   const std::string count = CountOfPicks(filled.size());
   if (!filled.empty() && !isSure && !context.Confirm("Empty " + draft + ", " + count + "?")) {
     throw Failure(ExitCode::Refused, "The draft was not cleared.",
-                  context.canAsk ? "" : "With --yes it is emptied of " + count + ".");
+                  context.canAsk ? "" : "Use --yes to clear all " + count + ".");
   }
+  DeleteOutside(context, {});
   Changes changes;
   for (const std::int32_t number : filled)
     changes.emplace_back(number, Pick());
@@ -143,12 +169,14 @@ void DraftPick(Context& context, const DraftPickOptions& options) {
   RequireUnlocked(season);
   DraftReport report(session);
   report.Order().RequireSettled();
+  if (!options.pick) session.RequireWhole();
   const std::int32_t number = PickToFill(report.Order(), session.Current(), options.pick);
   const auto manager =
       options.manager.empty() ? report.Order().ManagerOn(number) : FindManager(season, options.manager);
   PickableWords words = options.words;
   words.who = WhoOf(options.who);
   const auto what = FindPickable(league, words, [&](const auto& one) { return TakenText(season, one); });
+  RequireSound(*what);
   const Pick pick = MakePick(what, *manager);
   RequireFree(session, number, pick);
 
@@ -167,6 +195,7 @@ void DraftUndo(Context& context, const std::optional<std::int32_t>& number) {
   DraftSession& session = context.TheLeague().Draft();
   RequireUnlocked(session.Season());
   if (number) return EmptyPicks(context, {*number});
+  session.RequireWhole();
   const Picks before = session.Current();
   const std::vector<std::int32_t> numbers = session.TakeBack();
   if (numbers.empty()) {
@@ -193,7 +222,13 @@ void DraftClear(Context& context, const std::vector<std::int32_t>& numbers, bool
   std::vector<std::int32_t> once = numbers;
   std::sort(once.begin(), once.end());
   once.erase(std::unique(once.begin(), once.end()), once.end());
-  EmptyPicks(context, once);
+  const std::vector<std::int32_t> deleted = DeleteOutside(context, once);
+  once.erase(std::remove_if(once.begin(), once.end(),
+                            [&](std::int32_t number) {
+                              return std::find(deleted.begin(), deleted.end(), number) != deleted.end();
+                            }),
+             once.end());
+  if (!once.empty() || deleted.empty()) EmptyPicks(context, once);
 }
 
 void DraftSave(Context& context) {

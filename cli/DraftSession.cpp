@@ -1,8 +1,13 @@
 #include "cli/DraftSession.h"
 
+#include <exception>
 #include <utility>
 
+#include "HLDataSrvc/ServiceDatabase.h"
+#include "HLIData/IPlayerInfo.h"
+#include "HLIData/ITeamInfo.h"
 #include "cli/BoardPage.h"
+#include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
 #include "cli/SaveDraft.h"
@@ -24,38 +29,75 @@ const Picks& DraftSession::Stored() {
   return m_stored;
 }
 
+const std::vector<MisfitPick>& DraftSession::Misfits() {
+  Synchronize();
+  return m_misfits;
+}
+
+void DraftSession::RequireWhole() {
+  if (Misfits().empty()) return;
+  std::string text;
+  for (const MisfitPick& misfit : m_misfits)
+    text += " " + misfit.why;
+  throw Failure(
+      ExitCode::Refused,
+      "The draft of the season " + std::to_string(m_season->Year()) + " has to be mended first." + text,
+      "'draft clear N' empties a pick, 'draft pick WHO --pick N' replaces one.");
+}
+
 void DraftSession::Synchronize() {
   const auto season = CurrentSeason(m_league);
   if (season == m_season && season->Drafts() == m_drafts) return;
   const bool isSameDraft = m_season && m_season->ID() == season->ID();
-  Picks stored = PicksOf(*season);
-  const bool keeps = isSameDraft && (stored == m_stored || !Unsaved().empty());
+  StoredDraft stored = ReadStoredDraft(m_league, *season);
+  const bool keeps = isSameDraft && !Unsaved().empty();
   Step again;
   if (keeps) {
-    for (const std::int32_t number : DifferingPicks(stored, m_picks))
-      again.emplace_back(number, m_picks[static_cast<std::size_t>(number) - 1]);
+    for (const std::int32_t number : DifferingPicks(stored.picks, m_picks))
+      again.emplace_back(number, Reloaded(m_picks[static_cast<std::size_t>(number) - 1]));
   } else {
-    m_picks = stored;
     m_steps.clear();
   }
-  Take(season, std::move(stored));
+  m_picks = stored.picks;
+  Adopt(season, std::move(stored));
   Put(again);
+  for (const auto& [number, pick] : again)
+    m_picks[static_cast<std::size_t>(number) - 1] = pick;
 }
 
-void DraftSession::Take(std::shared_ptr<HLIData::ISeasonInfo> season, Picks stored) {
+Pick DraftSession::Reloaded(Pick pick) const {
+  std::shared_ptr<HLIData::IPickable> what;
+  try {
+    if (pick.type == HLIData::PickType::Player) {
+      what =
+          std::dynamic_pointer_cast<HLIData::IPickable>(HLDataSrvc::FindPlayer(m_league.Service(), pick.id));
+    } else if (const auto teams = m_league.Service().GetTeams()) {
+      what = std::dynamic_pointer_cast<HLIData::IPickable>(teams->Find("K" + std::to_string(pick.id)));
+    }
+  } catch (const std::exception&) {
+    // The record of before still has type and id.
+  }
+  if (pick.what && what) pick.what = what;
+  return pick;
+}
+
+void DraftSession::Adopt(std::shared_ptr<HLIData::ISeasonInfo> season, StoredDraft stored) {
   m_season = std::move(season);
   m_drafts = m_season->Drafts();
-  m_stored = std::move(stored);
-  m_touched.clear();
-  m_isTouchedTwice = false;
+  m_stored = std::move(stored.picks);
+  m_misfits = std::move(stored.misfits);
+  m_putPicks.clear();
+  m_needsReload = false;
 }
 
 void DraftSession::Put(const Step& picks) {
   for (const auto& [number, pick] : picks)
+    RequireManager(*m_season, number, pick);
+  for (const auto& [number, pick] : picks)
     m_season->RemoveDraft(number);  // clear all first: a pick may still hold a player who moves
   for (const auto& [number, pick] : picks) {
     PutPick(*m_season, number, pick);
-    if (!m_touched.insert(number).second) m_isTouchedTwice = true;
+    if (!m_putPicks.insert(number).second) m_needsReload = true;
   }
 }
 
@@ -74,7 +116,9 @@ std::vector<std::int32_t> DraftSession::TakeBack() {
   Synchronize();
   std::vector<std::int32_t> numbers;
   if (m_steps.empty()) return numbers;
-  const Step before = m_steps.back();
+  Step before = m_steps.back();
+  for (auto& [number, pick] : before)
+    pick = Reloaded(pick);
   Put(before);
   m_steps.pop_back();
   for (const auto& [number, pick] : before) {
@@ -87,12 +131,14 @@ std::vector<std::int32_t> DraftSession::TakeBack() {
 void DraftSession::Save() {
   Synchronize();
   if (Unsaved().empty()) return;
-  if (m_isTouchedTwice) {
+  if (m_needsReload) {
     m_league.Service().DiscardCurrentSeasonInfo();
     Synchronize();
   }
-  SaveDraft(m_league, m_stored, m_picks);
-  Take(CurrentSeason(m_league), m_picks);
+  SaveDraft(m_league, *m_season, m_stored, m_picks, m_misfits.empty());
+  if (!m_misfits.empty()) m_league.Service().DiscardCurrentSeasonInfo();
+  const auto season = CurrentSeason(m_league);
+  Adopt(season, m_misfits.empty() ? StoredDraft{m_picks, {}} : ReadStoredDraft(m_league, *season));
 }
 
 void DraftSession::Revert() {

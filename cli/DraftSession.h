@@ -10,6 +10,7 @@
 
 #include "HLIData/ISeasonInfo.h"
 #include "cli/Picks.h"
+#include "cli/StoredDraft.h"
 
 namespace cli {
 
@@ -31,6 +32,10 @@ class DraftSession {
   const Picks& Current();
   /// The picks as they are stored.
   const Picks& Stored();
+  /// The stored picks that do not fit the season.
+  const std::vector<MisfitPick>& Misfits();
+  /// Raises Failure when there are such picks: for commands that go by which pick is empty or the last.
+  void RequireWhole();
   /// The numbers of the picks that differ from what is stored; none before the draft was first looked at.
   /// Loads nothing.
   std::vector<std::int32_t> Unsaved() const { return DifferingPicks(m_picks, m_stored); }
@@ -56,8 +61,11 @@ class DraftSession {
 
   void Synchronize();
   /// Makes a season with its stored picks the one that is played.
-  void Take(std::shared_ptr<HLIData::ISeasonInfo> season, Picks stored);
-  /// Puts the picks into the season that is loaded.
+  void Adopt(std::shared_ptr<HLIData::ISeasonInfo> season, StoredDraft stored);
+  /// The same pick with the record that the service has now.
+  Pick Reloaded(Pick pick) const;
+  /// Puts the picks into the season that is loaded. Raises Failure, and changes nothing, for a manager who
+  /// does not take part.
   void Put(const Step& picks);
 
   League& m_league;
@@ -66,11 +74,12 @@ class DraftSession {
       m_drafts;  ///< tells whether it was loaded anew
   Picks m_picks;
   Picks m_stored;
+  std::vector<MisfitPick> m_misfits;
   std::vector<Step> m_steps;
-  std::set<std::int32_t> m_touched;  ///< picks that were put into the season since it was loaded or saved
+  std::set<std::int32_t> m_putPicks;  ///< picks that were put into the season since it was loaded or saved
   /// A pick was put twice: it may be marked changed though it is empty, or hold a team under a player's key.
   /// The season has to be loaded again before it is saved.
-  bool m_isTouchedTwice = false;
+  bool m_needsReload = false;
   std::shared_ptr<BoardFile> m_page;
 };
 

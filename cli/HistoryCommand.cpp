@@ -137,23 +137,24 @@ void History(Context& context) {
   League& league = context.TheLeague();
   std::vector<PastSeason> past;
   std::vector<Accounts> accounts;
-  for (const auto& season : AllSeasons(league)) {
+  std::string missing;
+  for (const auto& season : AllSeasons(league, &missing)) {
     past.push_back({season, AccountsOf(league, *season)});
     accounts.push_back(past.back().accounts);
   }
   const Accounts all = SumOf(accounts);
   if (context.json) {
     PrintJson(context, past, all);
-    return;
-  }
-  if (past.empty()) {
+  } else if (past.empty()) {
     context.output.Line("There are no seasons.");
-    return;
+  } else {
+    PrintSeasonTable(context, past);
+    if (!all.managers.empty()) {
+      context.output.Line("");
+      PrintManagerTable(context, past, all);
+    }
   }
-  PrintSeasonTable(context, past);
-  if (all.managers.empty()) return;
-  context.output.Line("");
-  PrintManagerTable(context, past, all);
+  RequireNoneMissing(missing);
 }
 
 }  // namespace

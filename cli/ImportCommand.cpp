@@ -86,7 +86,14 @@ void ImportPlayers(Context& context, const ImportOptions& options) {
   lines.Read(text, options.file);
   if (!options.isDryRun) {
     ProgressBar progress(context.messages, "Importing", lines.Lines().size());
-    lines.Apply([&progress] { progress.Advance(); });
+    try {
+      lines.Apply([&progress] { progress.Advance(); });
+    } catch (const Failure& failure) {
+      std::string hint = failure.Hint();
+      for (const PlayerImport::Refusal& refusal : lines.Refused())
+        hint += "\nline " + std::to_string(refusal.number) + " refused: " + refusal.reason;
+      throw Failure(failure.Code(), failure.what(), hint);
+    }
   }
   PrintReport(context, lines, options);
   if (options.isDryRun) {

@@ -20,6 +20,8 @@ namespace HLServiceUtils = HLDataSrvc::HLServiceUtils;
 using namespace std::chrono_literals;
 
 constexpr auto kBetweenTries = 50ms;
+/// In the message box of an operation that has loaded such a draft.
+constexpr const char* kPartialDraft = "Error in loading drafts.";
 constexpr const char* kNothingChanged = "Nothing was changed.";
 
 /// Why the service did not open a file that is there. Its message has no number, so the engine is asked; when
@@ -89,13 +91,24 @@ HLIData::IDataService& League::Service() {
 
 League::~League() = default;
 
+std::string League::TakeShownMessages() {
+  std::string text;
+  for (const std::string& line : m_host->TakeShown()) {
+    if (line.find(kPartialDraft) == std::string::npos) {
+      text += (text.empty() ? "" : "\n") + line;
+    } else if (m_partialDrafts.insert(line).second) {
+      m_context.messages.Note(line);
+    }
+  }
+  return text;
+}
+
 void League::RaiseShownMessages() {
-  const std::vector<std::string> shown = m_host->TakeShown();
-  if (shown.empty()) return;
-  std::string others;
-  for (std::size_t i = 1; i < shown.size(); ++i)
-    others += (others.empty() ? "" : "\n") + shown[i];
-  throw Failure(ExitCode::Refused, shown.front(), others);
+  const std::string text = TakeShownMessages();
+  if (text.empty()) return;
+  const std::size_t first = text.find('\n');
+  throw Failure(ExitCode::Refused, text.substr(0, first),
+                first == std::string::npos ? "" : text.substr(first + 1));
 }
 
 void League::Transact(const std::string& failure, const std::function<void()>& work) {
@@ -126,17 +139,16 @@ void League::Transact(const std::string& failure, const std::function<void()>& w
   m_isInTransaction = false;
 }
 
-/// Drops the service, whose records are those of a transaction that was rolled back. A shell opens another at
-/// once, so that nobody takes the file from it; if that fails, the next command tries again.
+/// Takes a new service in place of the one whose records show undone changes. If the database was closed, the
+/// next use of the service opens it.
 void League::Renew() {
   m_host->TakeShown();
-  m_service.reset();
-  if (!m_context.inShell) return;
   try {
-    Open(kPatience);
-  } catch (const Failure&) {
-    // Report the failure that caused the rollback.
+    m_service = HLDataSrvc::RenewService(*m_service);
+  } catch (const std::exception&) {
+    m_service.reset();
   }
+  m_host->TakeShown();
 }
 
 std::size_t League::TextLength(const std::string& table, const std::string& column) {

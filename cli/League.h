@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -50,22 +51,28 @@ class League {
   League(const League&) = delete;
   League& operator=(const League&) = delete;
 
-  /// The service. Another one once a transaction was rolled back: records of before belong to the old one.
-  /// Raises Failure when the file had to be opened again and could not be.
+  /// The service; a new one after a rollback: do not keep records across a Transact that fails. Raises
+  /// Failure if the database was closed and cannot be opened.
   HLIData::IDataService& Service();
+  /// Shows a note, unless notes are dropped.
+  void Note(const std::string& text) const { m_context.messages.Note(text); }
   /// The file that is open.
   const std::string& Path() const { return m_path; }
   /// Raises Failure if the service has shown a message box since the last call: an operation of it has
   /// failed. To be called after every operation that shows them, so that one failure is not told as
-  /// another's.
+  /// another's. A box about a draft with rows that do not fit is a note, given once.
   void RaiseShownMessages();
+  /// The same, without raising: the text of the boxes, a line each; empty when there were none.
+  std::string TakeShownMessages();
+  /// Whether a draft was loaded whose rows do not all fit, so that seasons do not show all that is stored.
+  bool HasPartialDrafts() const { return !m_partialDrafts.empty(); }
   /// Runs `work` as one transaction, or as part of the one that is open: everything that it saves is stored,
-  /// or nothing. When it raises, the file is as it was before, and all records are read again.
+  /// or nothing. When it raises, the file is as it was before, and all records are reloaded.
   ///
   /// Raises Failure, whose text begins with the sentence `failure` ("The prizes could not be saved."), for an
   /// exception or a message box of `work`, and if what it saved cannot be stored.
   void Transact(const std::string& failure, const std::function<void()>& work);
-  /// How many UTF-16 units a column of text takes; no limit for a column that is none.
+  /// How many UTF-16 units a text column takes; the largest size_t for a column that is not text.
   std::size_t TextLength(const std::string& table, const std::string& column);
 
   /// The draft of the current season, with the picks that are not saved yet.
@@ -86,6 +93,7 @@ class League {
   std::string m_path;
   std::unique_ptr<DraftSession> m_draft;
   bool m_isInTransaction = false;
+  std::set<std::string> m_partialDrafts;  ///< what was said of drafts whose rows do not fit
 };
 
 }  // namespace cli

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/Commands.h"
+#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
@@ -97,10 +98,9 @@ void Join(Context& context, const Words& names) {
 /// Raises Failure for a manager who has done more in the season than joining it.
 void RequireNothingDone(League& league, const HLIData::ISeasonInfo& season,
                         const HLIData::IManagerInfo& manager) {
-  const auto& picks = DraftsOf(season);
-  const auto noOfPicks = std::count_if(picks.begin(), picks.end(), [&](const auto& pick) {
-    return pick->Manager() && pick->Manager()->ID() == manager.ID();
-  });
+  const Picks& picks = league.Draft().Stored();
+  const auto noOfPicks = std::count_if(picks.begin(), picks.end(),
+                                       [&](const Pick& pick) { return pick.managerID == manager.ID(); });
   const auto winnings = WinningsIn(league, season);
   const auto noOfWinnings = std::count_if(winnings.begin(), winnings.end(), [&](const Winning& winning) {
     return winning.managerID == manager.ID();

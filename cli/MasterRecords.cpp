@@ -32,7 +32,7 @@ void SaveRecord(League& league, const std::string& what,
   league.Transact(what + " could not be saved.", [&] {
     if (update(message) || !message.empty()) return;
     league.RaiseShownMessages();
-    throw Failure(ExitCode::Refused, "The service has not said why.");
+    throw Failure(ExitCode::Refused, "The service gave no reason.");
   });
   if (!message.empty()) throw Failure(ExitCode::Refused, message);
 }
@@ -49,7 +49,7 @@ void DeleteRecord(Context& context, const Deletion& deletion, bool isSure) {
     try {
       isDeleted = league.Service().Delete(deletion.type, deletion.id, message);
     } catch (const HLIData::Error&) {
-      isDeleted = true;  // the row is; the record was in no list of the service
+      isDeleted = true;  // the row is deleted, but the record was not cached
     }
   });
   if (isDeleted) return;

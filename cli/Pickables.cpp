@@ -13,6 +13,7 @@
 #include "cli/Find.h"
 #include "cli/Nearest.h"
 #include "cli/Numbers.h"
+#include "cli/Players.h"
 #include "cli/TextTable.h"
 #include "cli/Utf8.h"
 
@@ -47,11 +48,22 @@ PickableFacts FactsOfTeam(const HLIData::ITeamInfo& team) {
   return facts;
 }
 
+/// The records that the service's search finds. If one of them cannot be loaded, which fails the search, all
+/// records whose names may be meant: what is done with the result tells which are.
 Pickables Search(League& league, const std::string& text, bool skipRetired) {
   const auto found = league.Service().Search(HLIData::SearchType::PlayersAndTeams, text,
                                              /*curSeasonOnly=*/false, skipRetired);
+  if (league.TakeShownMessages().empty()) return found ? found->Items() : Pickables();
+  Pickables all;
+  for (const auto& player : AllPlayers(league)) {
+    if (!skipRetired || !player->IsRetired()) all.push_back(std::dynamic_pointer_cast<IPickable>(player));
+  }
+  if (const auto teams = league.Service().GetTeams()) {
+    for (const auto& team : *teams)
+      all.push_back(std::dynamic_pointer_cast<IPickable>(team));
+  }
   league.RaiseShownMessages();
-  return found ? found->Items() : Pickables();
+  return all;
 }
 
 struct PickableID {
@@ -76,12 +88,35 @@ std::optional<PickableID> IDIn(const PickableWords& words) {
 
 std::shared_ptr<IPickable> ByID(League& league, const PickableID& wanted) {
   const bool isPlayer = wanted.type == PickType::Player;
-  // There is no request for one player; those whom the service has read before cost no more than their ids.
-  for (const auto& pickable : Search(league, "", /*skipRetired=*/false)) {
-    if (pickable->PickType() == wanted.type && pickable->PickID() == wanted.id) return pickable;
+  std::shared_ptr<IPickable> found;
+  if (isPlayer) {
+    found = std::dynamic_pointer_cast<IPickable>(PlayerByID(league, wanted.id));
+  } else if (const auto teams = league.Service().GetTeams()) {
+    found = std::dynamic_pointer_cast<IPickable>(teams->Find("K" + std::to_string(wanted.id)));
   }
+  league.RaiseShownMessages();
+  if (found) return found;
   throw Failure(ExitCode::Refused, std::string("There is no ") + (isPlayer ? "player" : "team") +
                                        " with the id " + std::to_string(wanted.id) + ".");
+}
+
+/// Raises Failure when the options that go with an id say something else of its record.
+void RequireAgrees(const IPickable& pickable, const PickableWords& words) {
+  const PickableFacts facts = FactsOf(pickable);
+  const auto differs = [](const std::string& wanted, const std::string& is) {
+    return !wanted.empty() && LowerCase(wanted) != LowerCase(is);
+  };
+  if (differs(words.team, facts.team) || differs(words.position, facts.position)) {
+    const std::string team = words.team.empty() ? "" : " --team " + words.team;
+    const std::string position = words.position.empty() ? "" : " --position " + words.position;
+    throw Failure(ExitCode::Refused,
+                  words.who + " is " + PickableText(facts) + ", which" + team + position + " contradicts.");
+  }
+  const auto* player = dynamic_cast<const HLIData::IPlayerInfo*>(&pickable);
+  if (player != nullptr && player->IsRetired() && !words.retired) {
+    throw Failure(ExitCode::Refused, PickableText(facts) + " is retired.",
+                  "'--retired' takes retired players too.");
+  }
 }
 
 /// The words of a name; the service takes these separators for the same.
@@ -289,7 +324,11 @@ std::shared_ptr<IPickable> FindPickable(
     const std::function<std::string(const std::shared_ptr<IPickable>&)>& note) {
   RequireKnown(league, "team", words.team, league.Service().GetTeams());
   RequireKnown(league, "position", words.position, league.Service().GetPlayerPositions());
-  if (const auto id = IDIn(words)) return ByID(league, *id);
+  if (const auto id = IDIn(words)) {
+    const auto found = ByID(league, *id);
+    RequireAgrees(*found, words);
+    return found;
+  }
   if (WordsOf(words.who).empty())
     throw Failure(ExitCode::WrongUsage, "Say whom: a name, or an id such as P17.");
   const Pickables found = Found(league, words, /*skipRetired=*/!words.retired);

@@ -41,19 +41,19 @@ Picks PicksOf(const HLIData::ISeasonInfo& season) {
   return picks;
 }
 
+void RequireManager(const HLIData::ISeasonInfo& season, std::int32_t number, const Pick& pick) {
+  if (pick.IsEmpty() || ManagersOf(season).Find("K" + std::to_string(*pick.managerID))) return;
+  throw Failure(ExitCode::Refused, "The manager with the id " + std::to_string(*pick.managerID) +
+                                       " of pick " + std::to_string(number) +
+                                       " does not take part in the season " + std::to_string(season.Year()) +
+                                       ".");
+}
+
 void PutPick(HLIData::ISeasonInfo& season, std::int32_t number, const Pick& pick) {
-  std::shared_ptr<HLIData::IManagerInfo> manager;
-  if (!pick.IsEmpty()) {
-    manager = ManagersOf(season).Find("K" + std::to_string(*pick.managerID));
-    if (!manager) {
-      throw Failure(ExitCode::Refused, "The manager with the id " + std::to_string(*pick.managerID) +
-                                           " of pick " + std::to_string(number) +
-                                           " does not take part in the season " +
-                                           std::to_string(season.Year()) + ".");
-    }
-  }
+  RequireManager(season, number, pick);
   season.RemoveDraft(number);
-  if (!manager) return;
+  if (pick.IsEmpty()) return;
+  const auto manager = ManagersOf(season).Item("K" + std::to_string(*pick.managerID));
   if (pick.what) {
     season.UpdateDraft(pick.what, number, manager);
   } else {

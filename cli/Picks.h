@@ -38,6 +38,9 @@ using Picks = std::vector<Pick>;
 /// A season's picks as they stand in memory, told by their managers and keys.
 Picks PicksOf(const HLIData::ISeasonInfo& season);
 
+/// Raises Failure when the manager of a pick that is not empty does not take part in a season.
+void RequireManager(const HLIData::ISeasonInfo& season, std::int32_t number, const Pick& pick);
+
 /// Empties a season's pick and then, unless `pick` is an empty one, fills it. Nothing else of the draft may
 /// hold the same player or team. Raises Failure when the pick's manager does not take part in the season.
 void PutPick(HLIData::ISeasonInfo& season, std::int32_t number, const Pick& pick);

@@ -147,11 +147,8 @@ void Delete(Context& context, const DeleteOptions& options) {
   const std::string who = JoinedWords(options.who);
   const auto id = PlayerIDIn(who);
   std::shared_ptr<IPlayerInfo> player;
-  if (id) {  // whether there is such a one, the service tells
-    const auto players = AllPlayers(league);
-    const auto found =
-        std::find_if(players.begin(), players.end(), [&](const auto& one) { return one->ID() == *id; });
-    if (found != players.end()) player = *found;
+  if (id) {
+    player = PlayerByID(league, *id);  // the service rejects unknown ids
   } else {
     player = FindPlayer(league, who);
   }

@@ -1,5 +1,8 @@
 #include "cli/Players.h"
 
+#include "HLDataSrvc/ServiceDatabase.h"
+#include "HLIData/Error.h"
+#include "cli/ExitCode.h"
 #include "cli/MasterRecords.h"
 #include "cli/Numbers.h"
 #include "cli/Pickables.h"
@@ -20,14 +23,75 @@ PlayerValues ValuesOf(const IPlayerInfo& player) {
   return values;
 }
 
+namespace {
+
+/// A player's row in the file.
+std::string SelectPlayer(std::int32_t id) {
+  return "select * from [" + std::string(Schema::Player::kTable) + "] where [" + Schema::Player::kID +
+         "] = " + std::to_string(id);
+}
+
+std::shared_ptr<BrokenPlayer> BrokenPlayerOf(League& league, std::int32_t id, const std::string& problem) {
+  const auto column = [](const char* name) { return "[" + std::string(name) + "]"; };
+  const std::string select = "select " + column(Schema::Player::kFirstName) + ", " +
+                             column(Schema::Player::kLastName) + ", " + column(Schema::Player::kPositionID) +
+                             ", " + column(Schema::Player::kTeamID) + ", " +
+                             column(Schema::Player::kIsRetired) + " from [" + Schema::Player::kTable +
+                             "] where " + column(Schema::Player::kID) + " = " + std::to_string(id);
+  const auto rows = HLDataSrvc::SelectRows(league.Service(), select);
+  if (rows.empty()) return nullptr;
+  const HLDataSrvc::TextRow& row = rows.front();
+  PlayerValues values;
+  values.firstName = row[0].value_or("");
+  values.lastName = row[1].value_or("");
+  values.isRetired = row[4].value_or("False") != "False";
+  auto player = std::make_shared<BrokenPlayer>(id, values, problem);
+  const auto positions = league.Service().GetPlayerPositions();
+  const auto teams = league.Service().GetTeams();
+  league.TakeShownMessages();
+  player->Resolve(positions ? positions->Find("K" + row[2].value_or("")) : nullptr,
+                  teams ? teams->Find("K" + row[3].value_or("")) : nullptr);
+  return player;
+}
+
+}  // namespace
+
+std::shared_ptr<IPlayerInfo> PlayerByID(League& league, std::int32_t id) {
+  try {
+    auto player = HLDataSrvc::FindPlayer(league.Service(), id);
+    if (league.TakeShownMessages().empty() || player) return player;
+  } catch (const HLIData::Error& error) {
+    league.TakeShownMessages();
+    return BrokenPlayerOf(league, id, error.what());
+  }
+  return nullptr;
+}
+
+void RequireSound(const HLIData::IPickable& pickable) {
+  const auto* broken = dynamic_cast<const BrokenPlayer*>(&pickable);
+  if (broken == nullptr) return;
+  const std::string id = "P" + std::to_string(broken->ID());
+  throw Failure(ExitCode::Refused, broken->Problem(), "'player edit " + id + " --team ABBR' mends it.");
+}
+
 std::vector<std::shared_ptr<IPlayerInfo>> AllPlayers(League& league) {
+  std::vector<std::shared_ptr<IPlayerInfo>> players;
   const auto found = league.Service().Search(HLIData::SearchType::PlayersAndTeams, "",
                                              /*curSeasonOnly=*/false, /*skipRetiredPlayers=*/false);
-  league.RaiseShownMessages();
-  std::vector<std::shared_ptr<IPlayerInfo>> players;
-  if (!found) return players;
-  for (const auto& pickable : *found) {
-    if (auto player = std::dynamic_pointer_cast<IPlayerInfo>(pickable)) players.push_back(std::move(player));
+  if (league.TakeShownMessages().empty()) {
+    for (const auto& pickable : *found) {
+      if (auto player = std::dynamic_pointer_cast<IPlayerInfo>(pickable))
+        players.push_back(std::move(player));
+    }
+    return players;
+  }
+  // A player who cannot be loaded fails the search.
+  const std::string select = "select [" + std::string(Schema::Player::kID) + "] from [" +
+                             Schema::Player::kTable + "] order by [" + Schema::Player::kFirstName + "], [" +
+                             Schema::Player::kLastName + "], [" + Schema::Player::kID + "]";
+  for (const HLDataSrvc::TextRow& row : HLDataSrvc::SelectRows(league.Service(), select)) {
+    if (auto player = PlayerByID(league, WholeNumber(row[0].value_or("")).value_or(0)))
+      players.push_back(std::move(player));
   }
   return players;
 }
@@ -57,6 +121,13 @@ std::shared_ptr<IPlayerInfo> SavePlayer(League& league, const PlayerValues& valu
   RequireNamesFit(league, values);
   std::shared_ptr<IPlayerInfo> saved;
   SaveRecord(league, "The player", [&](std::string& message) {
+    if (id != 0 && values.positionID != 0 && values.teamID != 0 &&
+        std::dynamic_pointer_cast<BrokenPlayer>(PlayerByID(league, id))) {
+      // The service edits only players that it can load.
+      HLDataSrvc::EditRows(league.Service(), SelectPlayer(id),
+                           {{Schema::Player::kPositionID, std::to_string(values.positionID)},
+                            {Schema::Player::kTeamID, std::to_string(values.teamID)}});
+    }
     return league.Service().UpdatePlayer(values.lastName, values.firstName, values.positionID, values.teamID,
                                          values.isRetired, id, saved, message);
   });

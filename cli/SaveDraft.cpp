@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <utility>
 #include <vector>
 
+#include "HLDataSrvc/ServiceDatabase.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
+#include "cli/StoredDraft.h"
 
 namespace cli {
 namespace {
@@ -31,52 +35,55 @@ std::vector<std::int32_t> UnwritablePicks(const Picks& wanted, const std::vector
 void RequireWritable(const Picks& wanted, const std::vector<std::int32_t>& numbers) {
   const std::vector<std::int32_t> unwritable = UnwritablePicks(wanted, numbers);
   if (unwritable.empty()) return;
-  std::string list;
-  for (const std::int32_t number : unwritable)
-    list += " " + std::to_string(number);
-  throw Failure(
-      ExitCode::Refused,
-      "The draft has to be written whole, and " + PickNumbers(unwritable) +
-          " cannot be: somebody has made them without picking a player or team.",
-      "Empty them at once with 'draft clear" + list + "', or fill each with 'draft pick --pick N'.");
+  throw Failure(ExitCode::Refused,
+                "The draft cannot be saved: " + PickNumbers(unwritable) +
+                    " would be made without picking a player or team.",
+                "'draft pick WHO --pick N' fills a pick.");
 }
 
-std::vector<std::int32_t> NumbersWhere(const Picks& picks, const auto& condition) {
-  std::vector<std::int32_t> numbers;
-  for (std::size_t i = 0; i < picks.size(); ++i) {
-    if (condition(i)) numbers.push_back(static_cast<std::int32_t>(i) + 1);
+/// Raises Failure when two picks hold the same player or team: the season could not be loaded whole any more.
+void RequireDistinct(const Picks& wanted) {
+  std::map<std::pair<HLIData::PickType, std::int32_t>, std::size_t> numbers;
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    if (wanted[i].IsEmpty() || wanted[i].id == 0) continue;
+    const auto [earlier, isFirst] = numbers.try_emplace({wanted[i].type, wanted[i].id}, i + 1);
+    if (isFirst) continue;
+    throw Failure(ExitCode::Refused, "The draft cannot be saved: the picks " +
+                                         std::to_string(earlier->second) + " and " + std::to_string(i + 1) +
+                                         " are the same.");
   }
-  return numbers;
 }
 
-/// Puts wanted picks into the current season, whose draft is empty.
-void Fill(League& league, const Picks& wanted, const std::vector<std::int32_t>& numbers) {
+/// Makes the season in memory the stored one again, and puts wanted picks into it.
+void Replay(League& league, const Picks& wanted, const std::vector<std::int32_t>& numbers) {
+  league.Service().DiscardCurrentSeasonInfo();
   const auto season = CurrentSeason(league);
+  for (const std::int32_t number : numbers)
+    season->RemoveDraft(number);  // clear all first: a pick may still hold a player who moves
   for (const std::int32_t number : numbers)
     PutPick(*season, number, wanted[static_cast<std::size_t>(number) - 1]);
 }
 
 }  // namespace
 
-void SaveDraft(League& league, const Picks& stored, const Picks& wanted) {
-  std::vector<std::int32_t> changed = DifferingPicks(stored, wanted);
+void SaveDraft(League& league, const HLIData::ISeasonInfo& season, const Picks& stored, const Picks& wanted,
+               bool isWhole) {
+  const std::vector<std::int32_t> changed = DifferingPicks(stored, wanted);
   if (changed.empty()) return;
-  const bool rewrites = std::any_of(changed.begin(), changed.end(), [&](std::int32_t number) {
-    const auto i = static_cast<std::size_t>(number) - 1;
-    return TakesAway(stored[i], wanted[i]);
-  });
-  if (rewrites) changed = NumbersWhere(wanted, [&](std::size_t i) { return !wanted[i].IsEmpty(); });
   RequireWritable(wanted, changed);
-  const auto require = [&league](bool done) {
-    league.RaiseShownMessages();
-    if (!done) throw Failure(ExitCode::Refused, "The service has not said why.");
-  };
+  if (isWhole) RequireDistinct(wanted);
   league.Transact("The draft could not be saved.", [&] {
-    if (rewrites) {
-      require(league.Service().DeleteDrafts());
-      Fill(league, wanted, changed);
+    bool deletes = false;
+    for (const std::int32_t number : changed) {
+      const auto i = static_cast<std::size_t>(number) - 1;
+      if (!TakesAway(stored[i], wanted[i])) continue;
+      HLDataSrvc::DeleteRows(league.Service(), SelectPick(season, number));
+      deletes = true;
     }
-    require(league.Service().SaveDrafts());
+    if (deletes) Replay(league, wanted, changed);
+    const bool saved = league.Service().SaveDrafts();
+    league.RaiseShownMessages();
+    if (!saved) throw Failure(ExitCode::Refused, "The service gave no reason.");
   });
 }
 

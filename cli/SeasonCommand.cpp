@@ -18,8 +18,10 @@ namespace {
 
 void List(Context& context) {
   League& league = context.TheLeague();
-  const auto seasons = AllSeasons(league);
+  std::string missing;
+  const auto seasons = AllSeasons(league, &missing);
   PrintSeasons(context, seasons);
+  RequireNoneMissing(missing);
   const std::int32_t current = league.Service().CurrentSeasonID();
   for (const auto& season : seasons) {
     if (season->ID() == current) return;
@@ -34,9 +36,9 @@ void MakeCurrent(League& league, std::int32_t year) {
   league.Transact("The season " + std::to_string(year) + " could not be made the current one.", [&] {
     league.Service().CurrentSeasonYear(year);
     league.RaiseShownMessages();
-    // The service says nothing when it cannot create a season: the one before stays current.
+    // If the service cannot create the season, it reports nothing and keeps the current one.
     if (league.Service().CurrentSeasonYear() != year || CurrentSeason(league)->Year() != year)
-      throw Failure(ExitCode::Refused, "The service has not said why.");
+      throw Failure(ExitCode::Refused, "The service gave no reason.");
   });
 }
 

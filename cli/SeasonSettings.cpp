@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
@@ -10,6 +11,7 @@
 #include "cli/Numbers.h"
 #include "cli/SeasonReport.h"
 #include "cli/Seasons.h"
+#include "records/HLConsts.h"
 
 namespace cli {
 namespace {
@@ -32,17 +34,35 @@ void CheckYear(League& league, const ISeasonInfo& season, std::int32_t year) {
   }
 }
 
+/// The number of the last pick that is stored for the current season, and how many are.
+PicksMade PicksStored(League& league) {
+  PicksMade made;
+  const Picks& picks = league.Draft().Stored();
+  for (std::size_t i = 0; i < picks.size(); ++i) {
+    if (picks[i].IsEmpty()) continue;
+    made.last = static_cast<std::int32_t>(i) + 1;
+    ++made.count;
+  }
+  for (const MisfitPick& misfit : league.Draft().Misfits()) {
+    if (misfit.number > std::ssize(picks)) ++made.count;
+    made.last = std::max(made.last, misfit.number);
+  }
+  return made;
+}
+
 /// The picks stand under their numbers: a round of another length would give them to other rounds, and a
-/// stored pick beyond the end keeps the whole season from being loaded.
-void CheckDraftSize(const ISeasonInfo& season, std::int32_t managers, std::int32_t rounds) {
-  const PicksMade made = PicksMadeIn(season);
+/// stored pick beyond the end does not fit any more.
+void CheckDraftSize(League& league, const ISeasonInfo& season, std::int32_t managers, std::int32_t rounds) {
+  const PicksMade made = PicksStored(league);
+  const std::int64_t size = std::int64_t{season.NoOfManagers()} * season.NoOfRounds();
+  if (size > HLDataSrvc::HLConsts::kMostPicks) return;  // it has to become smaller, whatever is stored
   const std::string picks = CountOf(made.count, "pick") + (made.count == 1 ? " is" : " are") + " made";
   const std::string hint = "'draft clear' empties the draft.";
   if (made.count > 0 && managers != season.NoOfManagers()) {
     throw Failure(ExitCode::Refused,
                   std::string(kNumberOfManagers) + " cannot be changed: " + picks + " already.", hint);
   }
-  if (made.last > managers * rounds) {
+  if (made.last > managers * rounds && managers * rounds < size) {
     throw Failure(ExitCode::Refused,
                   "The number of rounds cannot be " + std::to_string(rounds) + ": " + picks +
                       ", up to pick " + std::to_string(made.last) + ".",
@@ -50,7 +70,7 @@ void CheckDraftSize(const ISeasonInfo& season, std::int32_t managers, std::int32
   }
 }
 
-void CheckDraft(const ISeasonInfo& season, const SeasonSettings& settings) {
+void CheckDraft(League& league, const ISeasonInfo& season, const SeasonSettings& settings) {
   const std::int32_t managers = settings.managers.value_or(season.NoOfManagers());
   const std::int32_t rounds = settings.rounds.value_or(season.NoOfRounds());
   const bool changesManagers = managers != season.NoOfManagers();
@@ -61,7 +81,7 @@ void CheckDraft(const ISeasonInfo& season, const SeasonSettings& settings) {
   if (!changesManagers && rounds == season.NoOfRounds()) return;
   if (changesManagers) RequireRankingUnlocked(season);
   RequireDraftUnlocked(season);
-  CheckDraftSize(season, managers, rounds);
+  CheckDraftSize(league, season, managers, rounds);
   const std::int32_t playing = ManagersOf(season).Count();
   if (changesManagers && managers < playing) {
     throw Failure(ExitCode::Refused,
@@ -97,7 +117,7 @@ void Check(League& league, const ISeasonInfo& season, const SeasonSettings& sett
   const bool unlocks = settings.isLocked && !*settings.isLocked;
   if (!unlocks) RequireSeasonUnlocked(season, "its settings");
   if (settings.year) CheckYear(league, season, *settings.year);
-  CheckDraft(season, settings);
+  CheckDraft(league, season, settings);
   if (settings.contribution) {
     RequireInRange("The contribution", *settings.contribution, 0, std::numeric_limits<std::int32_t>::max());
   }

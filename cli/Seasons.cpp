@@ -13,6 +13,9 @@ namespace {
 using HLIData::ISeasonInfo;
 using Seasons = std::vector<std::shared_ptr<ISeasonInfo>>;
 
+constexpr const char* kHowToChoose =
+    "'settings --current-season ID' chooses another season; 'dump \"season info\"' shows their ids.";
+
 template <typename Record>
 HLIData::KeyedCollection<Record>& Loaded(const std::shared_ptr<HLIData::KeyedCollection<Record>>& part,
                                          const std::string& what, const ISeasonInfo& season) {
@@ -21,35 +24,28 @@ HLIData::KeyedCollection<Record>& Loaded(const std::shared_ptr<HLIData::KeyedCol
                 "The " + what + " of the season " + std::to_string(season.Year()) + " could not be loaded.");
 }
 
-/// The service's list of all seasons, of which one that cannot be loaded keeps the others away.
-std::shared_ptr<HLIData::KeyedCollection<ISeasonInfo>> LoadAllSeasons(League& league) {
-  try {
-    // The service lists all seasons once; a current one that was forgotten since has to be loaded again
-    // first.
-    if (league.Service().CurrentSeasonID() != 0) {
-      league.Service().GetCurrentSeasonInfo();
-      league.RaiseShownMessages();
-    }
-    const auto loaded = league.Service().GetAllSeasons();
-    league.RaiseShownMessages();
-    return loaded;
-  } catch (const Failure& failure) {
-    throw Failure(failure.Code(), failure.what(),
-                  (failure.Hint().empty() ? "" : failure.Hint() + "\n") +
-                      "'settings --current-season ID' chooses another season; 'dump \"season info\"' shows "
-                      "their ids.");
-  }
-}
-
 }  // namespace
 
-Seasons AllSeasons(League& league) {
-  const auto loaded = LoadAllSeasons(league);
+Seasons AllSeasons(League& league, std::string* missing) {
+  // The service lists all seasons once; a current one that was discarded since has to be loaded first.
+  if (league.Service().CurrentSeasonID() != 0) {
+    league.Service().GetCurrentSeasonInfo();
+    league.TakeShownMessages();  // a season that cannot be loaded is named below
+  }
+  const auto loaded = league.Service().GetAllSeasons();
+  const std::string shown = league.TakeShownMessages();
+  if (!loaded && !shown.empty()) throw Failure(ExitCode::Refused, shown, kHowToChoose);
+  if (missing != nullptr) *missing = shown;
+  if (missing == nullptr && !shown.empty()) league.Note(shown);
   Seasons seasons = loaded ? loaded->Items() : Seasons();
   std::sort(seasons.begin(), seasons.end(), [](const auto& a, const auto& b) {
     return std::tuple(a->Year(), a->ID()) < std::tuple(b->Year(), b->ID());
   });
   return seasons;
+}
+
+void RequireNoneMissing(const std::string& missing) {
+  if (!missing.empty()) throw Failure(ExitCode::Refused, missing, kHowToChoose);
 }
 
 Seasons SeasonsOfYear(League& league, std::int32_t year) {
@@ -117,7 +113,7 @@ void ChangeAndSave(League& league, const std::string& what, const std::function<
   league.Transact(what + " could not be saved.", [&] {
     const bool saved = changeAndSave();
     league.RaiseShownMessages();
-    if (!saved) throw Failure(ExitCode::Refused, "The service has not said why.");
+    if (!saved) throw Failure(ExitCode::Refused, "The service gave no reason.");
   });
   league.Service().DiscardCurrentSeasonInfo();
 }

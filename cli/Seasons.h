@@ -16,8 +16,11 @@ namespace cli {
 inline constexpr std::int32_t kFirstYear = 1900;
 inline constexpr std::int32_t kLastYear = 2999;
 
-/// All seasons by year, those of one year by id. Raises Failure when one of them could not be loaded.
-std::vector<std::shared_ptr<HLIData::ISeasonInfo>> AllSeasons(League& league);
+/// All seasons that can be loaded, by year, those of one year by id. Others are named in `missing`, or in a
+/// note without it.
+std::vector<std::shared_ptr<HLIData::ISeasonInfo>> AllSeasons(League& league, std::string* missing = nullptr);
+/// Raises Failure with that text, unless it is empty: for commands that list all seasons, once they have.
+void RequireNoneMissing(const std::string& missing);
 
 /// The seasons of a year; there should be one at most, but the file allows more.
 std::vector<std::shared_ptr<HLIData::ISeasonInfo>> SeasonsOfYear(League& league, std::int32_t year);

@@ -2,6 +2,7 @@
 #include <memory>
 #include <optional>
 
+#include "HLDataSrvc/ServiceDatabase.h"
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Json.h"
@@ -10,12 +11,24 @@
 namespace cli {
 namespace {
 
+/// 0 is no season.
+void RequireSeason(League& league, std::int32_t id) {
+  const std::string text = std::to_string(id);
+  const bool exists =
+      !HLDataSrvc::SelectRows(league.Service(), "select [id] from [season info] where [id] = " + text)
+           .empty();
+  if (id == 0 || exists) return;
+  throw Failure(ExitCode::Refused, "There is no season with the id " + text + ".",
+                "'season list' shows the seasons; 0 makes none of them current.");
+}
+
 void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
   League& league = context.TheLeague();
   if (newSeason) league.RefuseUnsavedPicks("settings");
   const auto settings = league.Service().GetSettings();
   league.RaiseShownMessages();
   if (newSeason) {
+    RequireSeason(league, *newSeason);
     league.Transact("The settings could not be saved.", [&] {
       settings->CurrentSeason(*newSeason);
       league.Service().SaveSettings();

@@ -34,7 +34,9 @@ class Writes;
 /// Every operation traps what is raised inside it and reports it in one of the two styles of
 /// records/Failures.h, except where its interface says that it raises. Each family of operations has a source
 /// file of its own.
-class DataService final : public HLIData::IDataService, private HLIData::ISettingInfoEvents {
+class DataService final : public HLIData::IDataService,
+                          private HLIData::ISettingInfoEvents,
+                          public std::enable_shared_from_this<DataService> {
  public:
   /// Closed, with nothing loaded and no current season.
   explicit DataService(std::shared_ptr<Host> host);
@@ -92,6 +94,14 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   const std::shared_ptr<SettingInfo>& Settings() const { return m_settings; }
   /// The open database; for this component only. Raises ObjectNotSet when none is open.
   jet::Database& Database() const;
+  /// The player with an identifier, from the cache or the database; empty when there is none. For this
+  /// component only. Raises UnknownKey for one whose position or team does not exist.
+  std::shared_ptr<PlayerInfo> PlayerByID(std::int32_t playerID);
+  /// While a copy of it lives, besides the service's own, the client has a transaction open and the database
+  /// is not reopened. For this component only.
+  std::shared_ptr<void> ClientTransaction() const { return m_clientTransaction; }
+  /// A new service on the open database of this one, which is left without. For this component only.
+  std::shared_ptr<DataService> Renewed();
 
  private:
   void SettingsChanged() override;
@@ -100,7 +110,7 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   /// names the drafts that were loaded in part.
   class Operation {
    public:
-    explicit Operation(DataService& service) : m_service(service) {
+    explicit Operation(DataService& service) : m_self(service.weak_from_this().lock()), m_service(service) {
       if (service.m_operations++ == 0) service.m_shown = {};
     }
     ~Operation() {
@@ -110,6 +120,7 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
     Operation& operator=(const Operation&) = delete;
 
    private:
+    std::shared_ptr<DataService> m_self;  // a client may release the service in an event or a message box
     DataService& m_service;
   };
   void ShowPartialDrafts() noexcept;
@@ -147,7 +158,6 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   /// The prizes won in a season. Shows its failure and answers an empty reference.
   std::shared_ptr<HLIData::KeyedCollection<HLIData::IWinningInfo>> LoadWinnings(std::int32_t seasonID);
   std::shared_ptr<HLIData::IManagerTmplInfo> ManagerTmplByID(std::int32_t managerID);
-  std::shared_ptr<PlayerInfo> PlayerByID(std::int32_t playerID);
   /// Raises UnknownKey for a team that there is not.
   std::shared_ptr<TeamInfo> TeamByID(std::int32_t teamID);
 
@@ -167,18 +177,19 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   /// is committed also when `write` raises, and then the error is passed on: an error leaves what was written
   /// before it, a crash leaves nothing.
   ///
-  /// Nothing is loaded, shown or announced in `write`: a message box or an event may call the service.
+  /// No records are loaded, and nothing is shown or announced in `write`: a message box or an event may call
+  /// the service. So may records of the client's, which raise then if they close the database.
   void Write(const std::function<void(Writes& writes)>& write);
   /// SeasonByID as the first step of an operation whose later errors go to the caller: shows its failure with
   /// the operation's sentence, and answers false.
   bool FetchSeason(std::int32_t seasonID, const std::string& sentence, std::shared_ptr<SeasonInfo>& season);
-  /// Adds or edits the row of a pick of the current season. Raises ObjectNotSet for one without a manager.
-  void WritePick(Writes& writes, const DraftInfo& pick);
+  /// Adds or edits the row of a pick of a season. Raises ObjectNotSet for one without a manager.
+  void WritePick(Writes& writes, std::int32_t seasonID, const DraftInfo& pick);
   void ReplaceMoneyDistribution(Writes& writes, std::int32_t seasonID, const SeasonInfo& season);
   /// Sets a yes/no column of the current season's row.
   void WriteLock(const std::string& column);
   /// Adds and deletes the rows of dirty winnings; their flags and identifiers follow on commit.
-  void WriteWinnings(Writes& writes,
+  void WriteWinnings(Writes& writes, std::int32_t seasonID,
                      const std::shared_ptr<HLIData::KeyedCollection<HLIData::IWinningInfo>>& winnings);
   /// The identifier for a new row of a table.
   std::int32_t NextID(const std::string& table);
@@ -188,6 +199,7 @@ class DataService final : public HLIData::IDataService, private HLIData::ISettin
   void RemoveFromCache(HLIData::DeleteType deleteType, std::int32_t id);
 
   std::shared_ptr<Host> m_host;
+  std::shared_ptr<void> m_clientTransaction = std::make_shared<char>();
   std::shared_ptr<jet::Database> m_database;
   std::int32_t m_currentSeasonID = 0;
   std::int32_t m_currentSeasonYear = 0;

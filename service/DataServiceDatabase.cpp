@@ -1,5 +1,8 @@
 // Opening and closing the database file.
 
+#include <utility>
+
+#include "HLIData/Error.h"
 #include "jet/dao/Database.h"
 #include "records/Failures.h"
 #include "service/DataService.h"
@@ -17,12 +20,25 @@ bool DataService::Initialize(HLIData::DBType dbType, std::string& errorMessage) 
 }
 
 bool DataService::OpenDatabase(bool clearCache, std::string& errorMessage) {
+  if (m_clientTransaction.use_count() > 1) {
+    errorMessage = "The database cannot be opened while a transaction is open.";
+    return false;
+  }
   if (!HLServiceUtils::OpenDatabaseByKind(*m_host, m_databaseKind, m_database, errorMessage)) {
     if (errorMessage.empty()) errorMessage = "Error in opening database.";
     return false;
   }
   if (clearCache) m_caches.Clear();
   return true;
+}
+
+std::shared_ptr<DataService> DataService::Renewed() {
+  Database();  // raises if none is open
+  auto service = std::make_shared<DataService>(m_host);
+  service->m_databaseKind = m_databaseKind;
+  service->m_database = std::move(m_database);
+  if (service->GetSettings()) return service;
+  throw HLIData::Error(HLIData::ErrorNumber::ObjectNotSet, "The settings could not be loaded.");
 }
 
 void DataService::CloseDatabase() {

@@ -42,6 +42,7 @@ void Remove(const ServiceCaches::Cache<T>& cache, std::int32_t id) {
 }  // namespace
 
 bool DataService::Delete(DeleteType deleteType, std::int32_t id, std::string& errorMessage) {
+  const Operation operation(*this);
   if (id == 0) {
     errorMessage = "ID is required.";
     return false;

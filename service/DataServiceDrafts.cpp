@@ -170,12 +170,13 @@ void DataService::PlaceStoredPick(KeyedCollection<IDraftInfo>& drafts, jet::Reco
 bool DataService::SaveDrafts() {
   return Trap<bool>("Error in saving drafts.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
+    const std::int32_t seasonID = m_currentSeasonID;  // a client's record may change it
     const auto drafts = Required(season, kNoSeason).Drafts();
     Write([&](Writes& writes) {
       for (const auto& item : Required(drafts, "The season has no draft.").Items()) {
         const auto pick = OwnRecord<DraftInfo>(item, "A pick");
         if (!pick->IsChanged()) continue;
-        WritePick(writes, *pick);
+        WritePick(writes, seasonID, *pick);
         writes.OnCommit([pick] { pick->IsChanged(false); });
       }
     });
@@ -183,16 +184,16 @@ bool DataService::SaveDrafts() {
   });
 }
 
-void DataService::WritePick(Writes& writes, const DraftInfo& pick) {
-  const PickIDs ids = IDsOf(pick, m_currentSeasonID);
-  const auto rows = writes.Database().OpenRecordset(SelectPicks(m_currentSeasonID) +
+void DataService::WritePick(Writes& writes, std::int32_t seasonID, const DraftInfo& pick) {
+  const PickIDs ids = IDsOf(pick, seasonID);
+  const auto rows = writes.Database().OpenRecordset(SelectPicks(seasonID) +
                                                     " and [draft no] = " + std::to_string(pick.DraftNo()));
   if (rows->Eof()) {
     rows->AddNew();
   } else {
     rows->Edit();
   }
-  rows->Fields(Schema::Draft::kSeasonID).Value(m_currentSeasonID);
+  rows->Fields(Schema::Draft::kSeasonID).Value(seasonID);
   rows->Fields(Schema::Draft::kDraftNo).Value(pick.DraftNo());
   WriteIDs(*rows, ids);
   rows->Update();

@@ -97,6 +97,7 @@ bool DataService::UpdatePlayer(const std::string& lastName, const std::string& f
               errMessage)) {
     return false;
   }
+  const Operation operation(*this);
   return Succeeds([&] {
     const bool isNew = id == 0;
     if (isNew) id = NextID(Schema::Player::kTable);
@@ -128,6 +129,7 @@ bool DataService::UpdatePosition(const std::string& desc, const std::string& abb
               errMessage)) {
     return false;
   }
+  const Operation operation(*this);
   return Succeeds([&] {
     GetPlayerPositions();
     const bool isNew = id == 0;
@@ -154,6 +156,7 @@ bool DataService::UpdateManager(const std::string& lastName, const std::string& 
               errMessage)) {
     return false;
   }
+  const Operation operation(*this);
   return Succeeds([&] {
     const bool isNew = id == 0;
     if (isNew) id = NextID(Schema::Manager::kTable);
@@ -178,6 +181,7 @@ bool DataService::UpdatePrize(const std::string& desc, std::int32_t prizeTypeID,
               errMessage)) {
     return false;
   }
+  const Operation operation(*this);
   return Succeeds([&] {
     GetPrizeTmpls();
     const bool isNew = id == 0;

@@ -106,35 +106,37 @@ bool DataService::AddWinning(std::shared_ptr<IWinningInfo>& oNewWin) {
 bool DataService::SaveWinnings() {
   return Trap<bool>("Error in saving winnings.", [this](bool& result) {
     const auto season = SeasonByID(m_currentSeasonID);
+    const std::int32_t seasonID = m_currentSeasonID;  // a client's record may change it
     const auto winnings = Required(season, kNoSeason).Winnings();
     Required(winnings, kNoWinnings);
-    Write([&](Writes& writes) { WriteWinnings(writes, winnings); });
+    Write([&](Writes& writes) { WriteWinnings(writes, seasonID, winnings); });
     result = true;
   });
 }
 
-void DataService::WriteWinnings(Writes& writes,
+void DataService::WriteWinnings(Writes& writes, std::int32_t seasonID,
                                 const std::shared_ptr<KeyedCollection<IWinningInfo>>& winnings) {
   NewWinningIDs ids;
   std::shared_ptr<jet::Recordset> additions;  // opened for the first new winning, for all of them
-  std::set<WinningInfo*> written;             // one winning may stand under several keys
+  std::set<WinningInfo*> added;               // one winning may stand under several keys
   for (const auto& item : winnings->Items()) {
     const auto winning = OwnRecord<WinningInfo>(item, "A winning");
-    if (!winning->IsDirty() || !written.insert(winning.get()).second) continue;
+    if (!winning->IsDirty()) continue;
     const auto keepClean = [winning] { winning->IsDirty(false); };
     switch (winning->Action()) {
       case WinningAction::Add: {
-        // A winning that gets no identifier is dropped without a message, deliberately. One that was saved
-        // before and changed since is added once more.
+        if (!added.insert(winning.get()).second) break;
+        // A winning that gets no identifier is dropped without a message, deliberately. A saved
+        // winning that has changed is added again.
         if (!ids.Next(writes.Database())) {
           writes.OnCommit(keepClean);
           break;
         }
         if (!additions) {
           additions = writes.Database().OpenRecordset("select * from [winning info] where [season id] = " +
-                                                      std::to_string(m_currentSeasonID));
+                                                      std::to_string(seasonID));
         }
-        WriteNew(*additions, *winning, ids.ID(), m_currentSeasonID);
+        WriteNew(*additions, *winning, ids.ID(), seasonID);
         writes.OnCommit([winning, id = ids.ID()] {
           winning->ID(id);
           winning->IsSaved(true);

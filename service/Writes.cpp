@@ -13,8 +13,7 @@ jet::Database& Writes::Database() {
   jet::Database& database = m_service.Database();
   if (!m_transaction) {
     m_transaction.emplace(database);
-    m_database = &database;
-  } else if (&database != m_database) {  // a record of the client's has reopened it
+  } else if (!m_transaction->IsOf(database)) {  // a client's record reopened it
     throw jet::Error(jet::ErrorNumber::ObjectClosed,
                      "The database '" + database.Name() + "' was reopened while it was being written.");
   }

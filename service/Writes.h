@@ -10,18 +10,18 @@ namespace HLDataSrvc {
 
 class DataService;
 
-/// The writes of one operation: a transaction of the service's database that begins with the first of them,
-/// and what follows once they are stored.
+/// The transaction of one operation, which begins with the first write, and the actions that run after its
+/// commit.
 class Writes {
  public:
   explicit Writes(const DataService& service) : m_service(service) {}
   Writes(const Writes&) = delete;
   Writes& operator=(const Writes&) = delete;
 
-  /// The database, in the transaction. Raises ObjectNotSet when none is open, ObjectClosed when it is another
-  /// than before.
+  /// The database, in the transaction. Raises ObjectNotSet when none is open, ObjectClosed if the client has
+  /// reopened it since the first write.
   jet::Database& Database();
-  /// Has `action` run after the commit. For what says "stored": flags, identifiers, removals from lists.
+  /// Runs `action` after the commit. For what says "stored": flags, identifiers, removals from lists.
   void OnCommit(std::function<void()> action);
 
   /// Commits, and then runs all actions in their order, also after one that raises; the first such error is
@@ -30,7 +30,6 @@ class Writes {
 
  private:
   const DataService& m_service;
-  const jet::Database* m_database = nullptr;  // that of m_transaction
   std::optional<jet::Transaction> m_transaction;
   std::vector<std::function<void()>> m_onCommit;
 };

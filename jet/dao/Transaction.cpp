@@ -15,8 +15,12 @@ Transaction::~Transaction() {
   try {
     if (m_depth != 0) m_database->RollbackFrom(m_depth);
   } catch (...) {
-    // A destructor must not throw. If the schema cannot be read again, the database is closed.
+    // A destructor must not throw. If the schema cannot be reloaded, the database is closed.
   }
+}
+
+bool Transaction::IsOf(const Database& database) const {
+  return database.m_core == m_database;
 }
 
 void Transaction::Commit() {

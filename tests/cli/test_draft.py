@@ -171,18 +171,22 @@ class Boards(LeagueTest):
             self.assertLessEqual(max(map(len, text.split("\n"))), width + 4)
         self.assertIn("> Pick 85, round 8: Alda Brightwater is on the clock.", text.replace("\n", " "))
 
-    def test_damaged_drafts_are_an_error(self):
-        for fixture, says in (("league-damaged-draftno.mdb", "10000"), ("league-damaged-draftmanager.mdb", "manager 19")):
+    def test_rows_that_do_not_fit_are_marked(self):
+        for fixture, says in (("league-damaged-draftno.mdb", "10000 lies outside the draft of 192 picks"),
+                              ("league-damaged-draftmanager.mdb", "17 is of manager 19, who does not take part")):
             self.path = self.league(fixture)
-            for words in (["board"], ["clock"], ["pick", "P1"], ["clear", "--yes"]):
-                self.refused("draft", *words, says=says)
+            done = support.run(*self.at, "draft", "board")
+            self.assertEqual(done.returncode, support.DONE)
+            self.assertIn("Error in loading drafts.", done.stderr)
+            self.assertIn(f"! Does not fit: Pick {says}", done.stdout)
+            for words in (["season", "set", "--season-locked", "no"], ["season", "list"], ["history"], ["manager", "list"]):
+                self.done(*words)
 
     def test_a_league_without_a_current_season(self):
         self.use_sample()
         for words in (["board"], ["clock"], ["pick", "P1"], ["save"]):
             self.refused("draft", *words, says="No season is the current one")
-        self.done("settings", "--current-season", "77")
-        self.refused("draft", "board", says="no season with the id 77")
+        self.refused("settings", "--current-season", "77", says="no season with the id 77")
 
 
 if __name__ == "__main__":

@@ -12,7 +12,9 @@ class Settings(support.CliTest):
         league = ["--folder", self.folder]
         self.assertIn("11", self.succeed(*league, "settings"))
         self.assertEqual(support.json_of(self.succeed(*league, "settings", "--json")), {"currentSeasonID": 11})
-        for season in (7, 2147483647, -2147483648, 0):
+        for season in (2147483647, -2147483648, 4):
+            self.fail_with(REFUSED, *league, "settings", "--current-season", season, says=f"no season with the id {season}")
+        for season in (7, 0):
             self.succeed(*league, "settings", "--current-season", season)
             self.assertEqual(self.setting_rows(path), [["1", str(season)]])
             self.assertEqual(support.json_of(self.succeed(*league, "settings", "--json")), {"currentSeasonID": season})

@@ -81,37 +81,106 @@ TEST_F(TransactionTest, RollsBackWhatAFailedOperationHasWritten) {
   EXPECT_EQ(Boxes().size(), 1u);
 }
 
-TEST_F(TransactionTest, ClosedOrReopenedInsideStoresNothing) {
-  for (const bool reopens : {false, true}) {
-    const test::Tables before = Stored();
-    EXPECT_THROW(RunInTransaction(*m_service,
-                                  [&] {
-                                    EXPECT_TRUE(AddManager("Volk"));
-                                    m_service->CloseDatabase();
-                                    EXPECT_TRUE(!reopens || m_service->OpenDatabase(true, m_message));
-                                    return true;
-                                  }),
-                 jet::Error);
-    Restart();
-    EXPECT_EQ(Stored(), before);
-    // Opened over itself, without closing it first.
-    EXPECT_THROW(RunInTransaction(*m_service,
-                                  [&] {
-                                    EXPECT_TRUE(AddManager("Volk"));
-                                    EXPECT_TRUE(m_service->OpenDatabase(false, m_message)) << m_message;
-                                    return true;
-                                  }),
-                 jet::Error);
+TEST_F(TransactionTest, StoresNothingIfTheDatabaseIsClosedInside) {
+  const test::Tables before = Stored();
+  for (const bool closes : {true, false}) {
+    const auto work = [&] {
+      EXPECT_TRUE(AddManager("Volk"));
+      if (closes) m_service->CloseDatabase();
+      // Whatever was written after a reopening would not be part of the transaction.
+      EXPECT_FALSE(m_service->OpenDatabase(true, m_message));
+      EXPECT_EQ(m_message, "The database cannot be opened while a transaction is open.");
+      EXPECT_FALSE(Initialize());
+      AddManager("Wend");
+      return closes;
+    };
+    if (closes) {
+      EXPECT_THROW(RunInTransaction(*m_service, work), jet::Error);
+    } else {
+      EXPECT_FALSE(RunInTransaction(*m_service, work));
+    }
+    EXPECT_TRUE(m_service->OpenDatabase(true, m_message)) << m_message;
     EXPECT_EQ(Stored(), before);
     Restart();
-    EXPECT_TRUE(AddManager("Wend"));
-    Open(test::SmallLeague());
   }
   m_service->CloseDatabase();
   EXPECT_THROW(RunInTransaction(*m_service, [] { return true; }), HLIData::Error);
 }
 
-TEST_F(TransactionTest, TellsHowLongTextsMayBe) {
+TEST_F(TransactionTest, ANewServiceTakesOverTheOpenDatabase) {
+  EXPECT_FALSE(RunInTransaction(*m_service, [&] {
+    EXPECT_TRUE(AddManager("Volk"));
+    m_service->CurrentSeasonYear(2023);
+    return false;
+  }));
+  const auto renewed = std::dynamic_pointer_cast<DataService>(RenewService(*m_service));
+  EXPECT_FALSE(IsFree("Halcyra - Live.mdb"));
+  EXPECT_EQ(m_service->GetPlayerPositions(), nullptr) << "it has no database any more";
+  EXPECT_EQ(Boxes().size(), 1u);
+  m_service = renewed;
+  EXPECT_EQ(m_service->CurrentSeasonID(), 1);
+  EXPECT_TRUE(AddManager("Wend"));
+  EXPECT_EQ(Stored().at("manager info").back(), "4|Mx|Wend");
+}
+
+TEST_F(TransactionTest, AClientMayReleaseTheServiceInAnEvent) {
+  class Releasing final : public ISettingInfoEvents {
+   public:
+    explicit Releasing(std::shared_ptr<DataService>& service) : m_service(service) {}
+    void SettingsChanged() override { m_service.reset(); }
+
+   private:
+    std::shared_ptr<DataService>& m_service;
+  };
+  const auto settings = m_service->Settings();
+  Releasing releasing(m_service);
+  settings->AddObserver(releasing);
+  DataService& service = *m_service;
+  service.CurrentSeasonYear(2023);
+  settings->RemoveObserver(releasing);
+  EXPECT_EQ(m_service, nullptr);
+  m_service = std::make_shared<DataService>(m_host);
+  ASSERT_TRUE(Initialize());
+  EXPECT_EQ(m_service->CurrentSeasonID(), 2) << "it was saved before the service went";
+}
+
+// A record of the client's that reopens the database, more often than addresses stay unused.
+TEST_F(TransactionTest, ARecordThatReopensTheDatabaseFailsTheOperationWhole) {
+  class Reopening final : public IManagerInfo {
+   public:
+    explicit Reopening(std::function<void()> work) : m_work(std::move(work)) {}
+    std::int32_t ID() const override {
+      m_work();
+      return 1;
+    }
+    std::string FirstName() const override { return {}; }
+    std::string LastName() const override { return {}; }
+    std::int32_t Rank() const override { return 1; }
+    void Rank(std::int32_t) override {}
+    bool IsFeePaid() const override { return false; }
+    void IsFeePaid(bool) override {}
+    std::shared_ptr<IManagerTmplInfo> ManagerTmpl() const override { return {}; }
+
+   private:
+    std::function<void()> m_work;
+  };
+  const test::Tables before = Stored();
+  const auto season = Season();
+  const auto player = m_service->Search(SearchType::PlayersAndTeams, "Moe", false, false)->Item(1);
+  season->UpdateDraft(player, 3, season->Managers()->Item(1));
+  season->UpdateDraft(std::dynamic_pointer_cast<IPickable>(m_service->GetTeams()->Item("K2")), 4,
+                      std::make_shared<Reopening>([&] {
+                        for (int i = 0; i < 8; ++i) {
+                          m_service->CloseDatabase();
+                          EXPECT_TRUE(m_service->OpenDatabase(false, m_message));
+                        }
+                      }));
+  EXPECT_FALSE(m_service->SaveDrafts());
+  EXPECT_EQ(Stored(), before);
+  EXPECT_TRUE(Pick(*season, 3).IsChanged());
+}
+
+TEST_F(TransactionTest, TextColumnLengthIsThatOfTheFile) {
   EXPECT_EQ(TextColumnLength(*m_service, "manager info", "last name"), 50u);
   EXPECT_EQ(TextColumnLength(*m_service, "manager info", "id"), std::nullopt);
   EXPECT_EQ(TextColumnLength(*m_service, "manager info", "nothing"), std::nullopt);
@@ -152,7 +221,7 @@ TEST_F(TransactionTest, HandlersOfTheSettingsMaySaveReopenAndClose) {
   }
 }
 
-// A box appears after the commit: whoever answers it finds what was written before the error, and no
+// A box appears after the commit: its handler sees what was written before the error, and no
 // transaction.
 TEST_F(TransactionTest, MessageBoxesMayCallTheService) {
   class CallingHost final : public Host {
