@@ -6,30 +6,41 @@
 namespace HLDataSrvc::Com::Identities {
 namespace {
 
-std::mutex g_mutex;
-std::unordered_map<const void*, IRecordAccess*> g_objects;  // guarded by g_mutex
+/// Static lifetime: another library may release its last object after this one was detached.
+struct Objects {
+  std::mutex mutex;
+  std::unordered_map<const void*, IRecordAccess*> byRecord;  // guarded by mutex
+};
+
+Objects& AllObjects() {
+  static Objects& objects = *new Objects;
+  return objects;
+}
 
 }  // namespace
 
 ComPtr<IUnknown> Find(const void* record) {
-  const std::lock_guard lock(g_mutex);
-  const auto found = g_objects.find(record);
+  Objects& objects = AllObjects();
+  const std::lock_guard lock(objects.mutex);
+  const auto found = objects.byRecord.find(record);
   // One whose last reference has gone is on its way out, and waits for the mutex to say so.
-  if (found == g_objects.end() || !found->second->TryAddRef()) return {};
+  if (found == objects.byRecord.end() || !found->second->TryAddRef()) return {};
   ComPtr<IUnknown> object;
   *object.Put() = found->second;
   return object;
 }
 
 void Keep(const void* record, IRecordAccess* object) {
-  const std::lock_guard lock(g_mutex);
-  g_objects[record] = object;
+  Objects& objects = AllObjects();
+  const std::lock_guard lock(objects.mutex);
+  objects.byRecord[record] = object;
 }
 
 void Forget(const void* record, const IRecordAccess* object) {
-  const std::lock_guard lock(g_mutex);
-  const auto found = g_objects.find(record);
-  if (found != g_objects.end() && found->second == object) g_objects.erase(found);
+  Objects& objects = AllObjects();
+  const std::lock_guard lock(objects.mutex);
+  const auto found = objects.byRecord.find(record);
+  if (found != objects.byRecord.end() && found->second == object) objects.byRecord.erase(found);
 }
 
 }  // namespace HLDataSrvc::Com::Identities

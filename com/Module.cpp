@@ -15,8 +15,16 @@ namespace {
 
 std::atomic<long> g_uses{0};
 
-std::mutex g_typesMutex;
-std::vector<std::pair<GUID, ComPtr<ITypeInfo>>> g_types;  // guarded by g_typesMutex
+/// Static lifetime: unloading the library must not call into another, which may be gone by then.
+struct Types {
+  std::mutex mutex;
+  std::vector<std::pair<GUID, ComPtr<ITypeInfo>>> known;  // guarded by mutex
+};
+
+Types& KnownTypes() {
+  static Types& types = *new Types;
+  return types;
+}
 
 }  // namespace
 
@@ -34,8 +42,9 @@ void Lock(bool isLocked) {
 
 bool CanUnload() {
   if (g_uses != 0) return false;
-  const std::lock_guard lock(g_typesMutex);
-  g_types.clear();
+  Types& types = KnownTypes();
+  const std::lock_guard lock(types.mutex);
+  types.known.clear();
   return true;
 }
 
@@ -47,14 +56,15 @@ ComPtr<ITypeLib> TypeLibrary() {
 }
 
 ComPtr<ITypeInfo> TypeInfo(const GUID& id) {
-  const std::lock_guard lock(g_typesMutex);
-  for (const auto& [known, type] : g_types) {
+  Types& types = KnownTypes();
+  const std::lock_guard lock(types.mutex);
+  for (const auto& [known, type] : types.known) {
     if (known == id) return type;
   }
   ComPtr<ITypeInfo> type;
   const HRESULT result = TypeLibrary()->GetTypeInfoOfGuid(id, type.Put());
   if (FAILED(result)) throw ComError(result, "The type library of the component lacks an interface.");
-  g_types.emplace_back(id, type);
+  types.known.emplace_back(id, type);
   return type;
 }
 

@@ -1,10 +1,13 @@
 #include "storage/HLServiceUtils.h"
 
-#include <optional>
+#include <cstdint>
+#include <map>
+#include <mutex>
 #include <utility>
 
 #include "jet/Error.h"
 #include "jet/dao/Database.h"
+#include "platform/ThreadNumber.h"
 #include "records/Failures.h"
 
 namespace HLDataSrvc::HLServiceUtils {
@@ -16,9 +19,19 @@ constexpr char kFolderSeparator[] = "\\";
 constexpr char kParentFolder[] = "\\..";
 constexpr char kDatabasesFolder[] = "Databases";
 
-std::optional<jet::DBEngine>& EngineOfThread() {
-  thread_local std::optional<jet::DBEngine> engine;
-  return engine;
+/// The engines of all threads, by the thread's number: a thread reuses the engine of an ended one that had
+/// its number.
+///
+/// Not in thread storage: destructors there run while the system holds its lock on loading, and keep the
+/// library loaded until the thread ends. Static lifetime, so that unloading the library destroys nothing.
+struct Engines {
+  std::mutex mutex;
+  std::map<std::uint64_t, jet::DBEngine> byThread;  // guarded by mutex; each engine is its thread's alone
+};
+
+Engines& AllEngines() {
+  static Engines& engines = *new Engines;
+  return engines;
 }
 
 std::shared_ptr<jet::Database> OpenExclusively(const std::string& path) {
@@ -122,13 +135,13 @@ bool OpenDatabaseByKind(const Host& host, HLIData::DBType kind, std::shared_ptr<
 }
 
 jet::DBEngine& Engine() {
-  auto& engine = EngineOfThread();
-  if (!engine) engine.emplace();
-  return *engine;
+  Engines& engines = AllEngines();
+  const std::lock_guard lock(engines.mutex);
+  return engines.byThread.try_emplace(ThreadNumber()).first->second;
 }
 
 void ReplaceEngine(jet::EngineOptions options) {
-  EngineOfThread().emplace(std::move(options));
+  Engine() = jet::DBEngine(std::move(options));
 }
 
 }  // namespace HLDataSrvc::HLServiceUtils

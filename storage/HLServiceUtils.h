@@ -49,7 +49,8 @@ bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr
 bool OpenDatabaseByKind(const Host& host, HLIData::DBType kind, std::shared_ptr<jet::Database>& database,
                         std::string& errorMessage);
 
-/// The database engine of this thread, made on first use and kept for as long as the thread lives.
+/// The database engine of this thread, created on first use. It outlives the thread: the next thread with the
+/// same number reuses it.
 jet::DBEngine& Engine();
 
 /// Replaces this thread's engine by one with other options. Databases that are open stay open.

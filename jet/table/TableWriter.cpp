@@ -30,7 +30,7 @@ namespace {
 constexpr std::size_t kUsualKey = 32;  // most keys are shorter
 
 Guid RandomGuid() {
-  static thread_local std::random_device device;
+  std::random_device device;
   Guid guid;
   for (std::uint8_t& byte : guid.bytes)
     byte = static_cast<std::uint8_t>(device());

@@ -105,12 +105,12 @@ class ComTest : public testing::Test {
     return object;
   }
 
-  /// A service with the test league open.
-  static ComPtr<::IDataService> OpenService() {
+  /// A service with one of the league's files open, the test league unless told otherwise.
+  static ComPtr<::IDataService> OpenService(LONG file = DBTypeTest) {
     auto service = Create<::IDataService>(L"DataService");
     Text message;
     VARIANT_BOOL isDone = VARIANT_FALSE;
-    EXPECT_EQ(service->Initialize(DBTypeTest, message.Put(), &isDone), S_OK);
+    EXPECT_EQ(service->Initialize(file, message.Put(), &isDone), S_OK);
     EXPECT_EQ(isDone, VARIANT_TRUE) << ToNarrow(message.Value());
     return service;
   }
