@@ -7,6 +7,7 @@
 #include <oaidl.h>
 #include <windows.h>
 
+#include "com/ComPtr.h"
 #include "com/Dispatch.h"
 #include "com/Errors.h"
 #include "com/Module.h"
@@ -81,9 +82,11 @@ class ComObject : public Interfaces..., public ISupportErrorInfo, public IRecord
     }
   }
 
-  /// Runs `work()` and answers what it came to.
+  /// Runs `work()` and returns its result. The object, and with it its record, lives until then: a sink or
+  /// another object of the client's that `work` calls may release the last reference.
   template <typename Work>
   HRESULT Guarded(Work&& work) noexcept {
+    const ComPtr<DefaultInterface> alive(this);
     try {
       CheckApartment();
       work();

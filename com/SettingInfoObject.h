@@ -27,7 +27,6 @@ class SettingInfoObject final : public RecordObject<HLIData::ISettingInfo, ::ISe
   STDMETHODIMP_(ULONG) Release() noexcept override { return RecordObject::Release(); }
 
   STDMETHODIMP put_CurrentSeason(LONG value) noexcept override {
-    const ComPtr<::ISettingInfo> alive(this);  // a sink may let go of the last reference
     return Put(value, &HLIData::ISettingInfo::CurrentSeason);
   }
   STDMETHODIMP get_CurrentSeason(LONG* value) noexcept override {
@@ -44,7 +43,10 @@ class SettingInfoObject final : public RecordObject<HLIData::ISettingInfo, ::ISe
   void* FindMore(REFIID id) noexcept override;
 
  private:
-  void SettingsChanged() override { m_point.Raise(); }
+  void SettingsChanged() override {
+    const ComPtr<::ISettingInfo> alive(this);
+    m_point.Raise();
+  }
 
   ConnectionPoint m_point;
 };

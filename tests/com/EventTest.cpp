@@ -106,6 +106,43 @@ TEST_F(Event, LetsSinksGoWhileItIsRaised) {
   EXPECT_EQ(second.count, 0) << "disconnected before its turn";
 }
 
+TEST_F(Event, OutlivesWhatItsSinksRelease) {
+  // Freed memory is often still readable, so the test fills it again.
+  const auto overwriteFreedMemory = [] {
+    std::vector<std::vector<char>> blocks;
+    for (std::size_t size = 8; size <= 1024; size += 8)
+      blocks.insert(blocks.end(), 20, std::vector<char>(size, '\xEE'));
+  };
+  for (const bool isRaisedByService : {false, true}) {
+    Sink first;
+    Sink second;
+    auto service = OpenService();
+    ComPtr<::ISettingInfo> settings;
+    ASSERT_EQ(service->GetSettings(settings.Put()), S_OK);
+    auto point = PointOf(settings);
+    DWORD cookie = 0;
+    ASSERT_EQ(point->Advise(&first, &cookie), S_OK);
+    ASSERT_EQ(point->Advise(&second, &cookie), S_OK);
+    ::IDataService* const lastService = service.Get();
+    ::ISettingInfo* const lastSettings = settings.Get();
+    LONG season = 0;
+    ASSERT_EQ(lastSettings->get_CurrentSeason(&season), S_OK);
+    first.heard = [&] {
+      service = {};
+      settings = {};
+      point = {};
+      overwriteFreedMemory();
+    };
+    if (isRaisedByService) {
+      EXPECT_EQ(lastService->put_CurrentSeasonYear(2052), S_OK);
+    } else {
+      EXPECT_EQ(lastSettings->put_CurrentSeason(season + 1), S_OK);
+    }
+    EXPECT_EQ(first.count, 1);
+    EXPECT_EQ(second.count, 1) << "connected until the call ends";
+  }
+}
+
 TEST_F(Event, LetsSinksChangeTheConnectionsAsTheyGo) {
   Sink first;
   Sink second;
