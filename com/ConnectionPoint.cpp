@@ -1,6 +1,5 @@
 #include "com/ConnectionPoint.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <olectl.h>
@@ -22,22 +21,9 @@ using ConnectionEnumeration = Enumeration<IEnumConnections, CONNECTDATA, Held, &
 
 }  // namespace
 
-ConnectionPoint::ConnectionPoint(IConnectionPointContainer& container, REFIID events)
-    : m_container(container), m_events(events) {}
-
-void ConnectionPoint::Raise() {
-  constexpr DISPID kEvent = 1;
-  const std::vector<Connection> connections = m_connections;
-  for (const Connection& connection : connections) {
-    const bool isConnected =
-        std::any_of(m_connections.begin(), m_connections.end(),
-                    [&](const Connection& each) { return each.cookie == connection.cookie; });
-    if (!isConnected) continue;
-    DISPPARAMS none{};
-    connection.sink->Invoke(kEvent, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, nullptr, nullptr,
-                            nullptr);
-  }
-}
+ConnectionPoint::ConnectionPoint(IConnectionPointContainer& container, REFIID events,
+                                 Connections& connections)
+    : m_container(container), m_events(events), m_connections(connections) {}
 
 HRESULT ConnectionPoint::QueryInterface(REFIID id, void** object) noexcept {
   if (!object) return E_POINTER;
@@ -64,15 +50,14 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
   *cookie = 0;
   if (IsOtherApartment())
     return Report(RPC_E_WRONG_THREAD, "The settings belong to the apartment that made them.");
+  const ComPtr<IConnectionPointContainer> alive(&m_container);  // the sink may release the last reference
   try {
-    Connection connection;
-    if (FAILED(sink->QueryInterface(m_events, connection.sink.PutVoid())) &&
-        FAILED(sink->QueryInterface(IID_IDispatch, connection.sink.PutVoid()))) {
+    ComPtr<IDispatch> listener;
+    if (FAILED(sink->QueryInterface(m_events, listener.PutVoid())) &&
+        FAILED(sink->QueryInterface(IID_IDispatch, listener.PutVoid()))) {
       return Report(CONNECT_E_CANNOTCONNECT, "The sink has no dispatch interface to call.");
     }
-    connection.cookie = ++m_lastCookie;
-    m_connections.push_back(connection);
-    *cookie = connection.cookie;
+    *cookie = m_connections.Add(std::move(listener));
     return S_OK;
   } catch (...) {
     return ReportCurrentException();
@@ -82,13 +67,9 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
 HRESULT ConnectionPoint::Unadvise(DWORD cookie) noexcept {
   if (IsOtherApartment())
     return Report(RPC_E_WRONG_THREAD, "The settings belong to the apartment that made them.");
-  const auto found = std::find_if(m_connections.begin(), m_connections.end(),
-                                  [cookie](const Connection& each) { return each.cookie == cookie; });
-  if (found == m_connections.end())
+  const ComPtr<IConnectionPointContainer> alive(&m_container);  // the sink may release the last reference
+  if (!m_connections.Remove(cookie))
     return Report(CONNECT_E_NOCONNECTION, "No sink is connected under that number.");
-  // Let go of only when it is out of the list, which the sink may change in turn.
-  const ComPtr<IDispatch> sink = std::move(found->sink);
-  m_connections.erase(found);
   return S_OK;
 }
 
@@ -99,7 +80,7 @@ HRESULT ConnectionPoint::EnumConnections(IEnumConnections** connections) noexcep
     return Report(RPC_E_WRONG_THREAD, "The settings belong to the apartment that made them.");
   try {
     std::vector<Held> held;
-    for (const Connection& connection : m_connections)
+    for (const Connections::Connection& connection : m_connections.All())
       held.emplace_back(ComPtr<IUnknown>(connection.sink.Get()), connection.cookie);
     *connections = Make<ConnectionEnumeration>(std::move(held)).Detach();
     return S_OK;

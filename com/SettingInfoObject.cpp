@@ -17,13 +17,7 @@ using PointEnumeration =
 }  // namespace
 
 SettingInfoObject::SettingInfoObject(const std::shared_ptr<HLIData::ISettingInfo>& record)
-    : RecordObject(record), m_point(*this, __uuidof(::_ISettingInfoEvents)) {
-  TheRecord().AddObserver(*this);
-}
-
-SettingInfoObject::~SettingInfoObject() {
-  TheRecord().RemoveObserver(*this);
-}
+    : RecordObject(record), m_point(*this, __uuidof(::_ISettingInfoEvents), Connections::Of(*record)) {}
 
 HRESULT SettingInfoObject::EnumConnectionPoints(IEnumConnectionPoints** points) noexcept {
   return Filled(points, [&] {

@@ -14,11 +14,9 @@ namespace HLDataSrvc::Com {
 /// _ISettingInfoEvents.
 class SettingInfoObject final : public RecordObject<HLIData::ISettingInfo, ::ISettingInfo>,
                                 public IConnectionPointContainer,
-                                public IProvideClassInfo2,
-                                private HLIData::ISettingInfoEvents {
+                                public IProvideClassInfo2 {
  public:
   explicit SettingInfoObject(const std::shared_ptr<HLIData::ISettingInfo>& record);
-  ~SettingInfoObject() override;
 
   STDMETHODIMP QueryInterface(REFIID id, void** object) noexcept override {
     return RecordObject::QueryInterface(id, object);
@@ -43,11 +41,6 @@ class SettingInfoObject final : public RecordObject<HLIData::ISettingInfo, ::ISe
   void* FindMore(REFIID id) noexcept override;
 
  private:
-  void SettingsChanged() override {
-    const ComPtr<::ISettingInfo> alive(this);
-    m_point.Raise();
-  }
-
   ConnectionPoint m_point;
 };
 

@@ -1,6 +1,7 @@
 #include "records/SettingInfo.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace HLDataSrvc {
 
@@ -29,6 +30,11 @@ void SettingInfo::AddObserver(HLIData::ISettingInfoEvents& observer) {
 
 void SettingInfo::RemoveObserver(HLIData::ISettingInfoEvents& observer) {
   std::erase(m_observers, &observer);
+}
+
+void SettingInfo::OwnObserver(std::shared_ptr<HLIData::ISettingInfoEvents> observer) {
+  AddObserver(*observer);
+  m_ownObserver = std::move(observer);
 }
 
 }  // namespace HLDataSrvc

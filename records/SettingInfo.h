@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "HLIData/ISettingInfo.h"
@@ -21,10 +22,16 @@ class SettingInfo final : public HLIData::ISettingInfo {
   /// Setting true raises SettingsChanged, also when it was true before; setting false raises nothing.
   void IsChanged(bool value);
 
+  /// An observer that lives as long as the settings do; empty at first.
+  const std::shared_ptr<HLIData::ISettingInfoEvents>& OwnObserver() const { return m_ownObserver; }
+  /// Registers an observer and keeps it. To be called once.
+  void OwnObserver(std::shared_ptr<HLIData::ISettingInfoEvents> observer);
+
  private:
   std::int32_t m_currentSeason = 0;
   bool m_isChanged = false;
   std::vector<HLIData::ISettingInfoEvents*> m_observers;  // borrowed; each removes itself before it goes
+  std::shared_ptr<HLIData::ISettingInfoEvents> m_ownObserver;
 };
 
 }  // namespace HLDataSrvc

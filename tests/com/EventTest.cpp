@@ -143,6 +143,36 @@ TEST_F(Event, OutlivesWhatItsSinksRelease) {
   }
 }
 
+TEST_F(Event, StaysConnectedWhileTheSettingsLive) {
+  Sink sink;
+  auto service = OpenService();
+  DWORD cookie = 0;
+  {
+    ComPtr<::ISettingInfo> settings;
+    ASSERT_EQ(service->GetSettings(settings.Put()), S_OK);
+    ASSERT_EQ(PointOf(settings)->Advise(&sink, &cookie), S_OK);
+  }
+  // The service alone holds the settings now.
+  EXPECT_EQ(service->put_CurrentSeasonYear(2053), S_OK);
+  EXPECT_EQ(sink.count, 1);
+  ComPtr<::ISettingInfo> settings;
+  ASSERT_EQ(service->GetSettings(settings.Put()), S_OK);
+  EXPECT_EQ(PointOf(settings)->Unadvise(cookie), S_OK);
+  EXPECT_EQ(PointOf(settings)->Unadvise(cookie), CONNECT_E_NOCONNECTION);
+  EXPECT_EQ(service->put_CurrentSeasonYear(2054), S_OK);
+  EXPECT_EQ(sink.count, 1);
+
+  DWORD next = 0;
+  ASSERT_EQ(PointOf(settings)->Advise(&sink, &next), S_OK);
+  EXPECT_NE(next, cookie);
+  bool isGone = false;
+  sink.gone = [&] { isGone = true; };
+  service = {};
+  EXPECT_FALSE(isGone) << "the program holds the settings";
+  settings = {};
+  EXPECT_TRUE(isGone) << "nobody holds the settings";
+}
+
 TEST_F(Event, LetsSinksChangeTheConnectionsAsTheyGo) {
   Sink first;
   Sink second;
