@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string>
 
+#include "cli/System.h"
+
 namespace cli {
 
 void Messages::Error(std::string_view text) {
@@ -40,7 +42,7 @@ void Messages::Line(std::string_view text) {
 
 void Messages::Write(std::string_view text) {
   m_results.TryFlush();
-  static_cast<void>(std::fwrite(text.data(), 1, text.size(), m_stream));
+  static_cast<void>(WriteText(m_stream, text));
 }
 
 }  // namespace cli

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "cli/ExitCode.h"
+#include "cli/System.h"
 
 namespace cli {
 namespace {
@@ -17,7 +18,7 @@ namespace {
 
 void Output::Write(std::string_view text) {
   errno = 0;
-  if (std::fwrite(text.data(), 1, text.size(), m_stream) != text.size()) {
+  if (!WriteText(m_stream, text)) {
     if (m_error == 0) m_error = errno;
     RaiseWriteFailure(m_error);
   }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cli {
@@ -12,8 +13,13 @@ namespace cli {
 /// The words of the command line after the program's name, as UTF-8.
 std::vector<std::string> CommandLineWords(int argc, char** argv);
 
-/// Readies the standard streams: bytes go out as they are written, and UTF-8 shows as such.
+/// Readies the standard streams: bytes go out as they are written, and what is typed at a terminal comes in
+/// as UTF-8. What it changes at a terminal is as before when the program ends.
 void PrepareStandardStreams();
+
+/// Writes UTF-8 to a standard stream, which shows as such at a terminal; `text` holds whole characters.
+/// False, with errno set, if the system does not take all of it.
+bool WriteText(std::FILE* stream, std::string_view text);
 
 /// The stream leads to a terminal, not to a file or another program.
 bool IsTerminal(std::FILE* stream);

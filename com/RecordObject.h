@@ -31,8 +31,6 @@ class RecordObject : public ComObject<Interfaces...> {
   }
 
  protected:
-  Record& TheRecord() const { return *m_record; }
-
   /// Answers what a getter of `object` answers.
   template <typename Out, typename Object, typename Owner, typename Value>
   HRESULT Read(Out* out, const Object& object, Value (Owner::*getter)() const) noexcept {

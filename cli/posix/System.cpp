@@ -15,6 +15,10 @@ std::vector<std::string> CommandLineWords(int argc, char** argv) {
 
 void PrepareStandardStreams() {}
 
+bool WriteText(std::FILE* stream, std::string_view text) {
+  return std::fwrite(text.data(), 1, text.size(), stream) == text.size();
+}
+
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) != 0;
 }
