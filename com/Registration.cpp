@@ -1,5 +1,6 @@
 #include "com/Registration.h"
 
+#include <optional>
 #include <string>
 
 #include <ole2.h>
@@ -47,6 +48,36 @@ void Remove(RegisteredFor whom, const std::wstring& key) {
   if (status != ERROR_FILE_NOT_FOUND) Check(status, path);
 }
 
+/// How many keys and values a key holds; nothing if there is no such key.
+struct KeyContent {
+  DWORD keys = 0;
+  DWORD values = 0;
+};
+std::optional<KeyContent> ContentOf(RegisteredFor whom, const std::wstring& key) {
+  const std::wstring path = kClassesKey + key;
+  HKEY opened = nullptr;
+  const LSTATUS status = RegOpenKeyExW(Root(whom), path.c_str(), 0, KEY_READ, &opened);
+  if (status == ERROR_FILE_NOT_FOUND) return std::nullopt;
+  Check(status, path);
+  KeyContent content;
+  const LSTATUS counted = RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &content.keys, nullptr, nullptr,
+                                           &content.values, nullptr, nullptr, nullptr, nullptr);
+  RegCloseKey(opened);
+  Check(counted, path);
+  return content;
+}
+
+bool Exists(RegisteredFor whom, const std::wstring& key) {
+  return ContentOf(whom, key).has_value();
+}
+
+void RemoveIfEmpty(RegisteredFor whom, const std::wstring& key) {
+  const auto content = ContentOf(whom, key);
+  if (!content || content->keys != 0 || content->values != 0) return;
+  const std::wstring path = kClassesKey + key;
+  Check(RegDeleteKeyW(Root(whom), path.c_str()), path);  // fails if another program adds a key meanwhile
+}
+
 std::wstring ProgramName(const ClassEntry& made) {
   return L"HLDataSrvc." + std::wstring(made.name);
 }
@@ -71,6 +102,12 @@ std::wstring LibraryKey(const TLIBATTR& library) {
 
 std::wstring VersionOf(const TLIBATTR& library) {
   return std::to_wstring(library.wMajorVerNum) + L"." + std::to_wstring(library.wMinorVerNum);
+}
+
+/// Where the version of a type library names the file for programs of this bitness. The servers for 32 and 64
+/// bits share everything else of it, and the classes' names; the system keeps the rest of each apart.
+std::wstring PlatformOf(const TLIBATTR& library) {
+  return library.syskind == SYS_WIN64 ? L"\\0\\win64" : L"\\0\\win32";
 }
 
 /// The identity of a type library.
@@ -114,7 +151,7 @@ void RegisterTypes(RegisteredFor whom, ITypeLib& library) {
   const std::wstring key = LibraryKey(attributes) + L"\\" + version;
   const std::wstring file = ComponentFile();
   Write(whom, key, nullptr, L"Halcyra league data");
-  Write(whom, key + (attributes.syskind == SYS_WIN64 ? L"\\0\\win64" : L"\\0\\win32"), nullptr, file);
+  Write(whom, key + PlatformOf(attributes), nullptr, file);
   Write(whom, key + L"\\FLAGS", nullptr, L"0");
   Write(whom, key + L"\\HELPDIR", nullptr, file.substr(0, file.find_last_of(L'\\')));
   // The system's own marshallers carry calls between apartments: by slot, or by name.
@@ -127,10 +164,18 @@ void RegisterTypes(RegisteredFor whom, ITypeLib& library) {
   });
 }
 
+/// Takes out the types for programs of this bitness. The library itself stays while another server is
+/// registered with it.
 void UnregisterTypes(RegisteredFor whom, ITypeLib& library) {
   ForEachInterface(library,
                    [whom](const std::wstring& face, const std::wstring&, bool) { Remove(whom, face); });
-  Remove(whom, LibraryKey(AttributesOf(library)));
+  const TLIBATTR attributes = AttributesOf(library);
+  const std::wstring key = LibraryKey(attributes);
+  const std::wstring version = key + L"\\" + VersionOf(attributes);
+  Remove(whom, version + PlatformOf(attributes));
+  const auto servers = ContentOf(whom, version + L"\\0");
+  if (!servers || servers->keys == 0) Remove(whom, version);
+  RemoveIfEmpty(whom, key);
 }
 
 }  // namespace
@@ -153,11 +198,17 @@ void Register(RegisteredFor whom) {
 }
 
 void Unregister(RegisteredFor whom) {
-  for (const ClassEntry& made : Classes()) {
+  const ComPtr<ITypeLib> library = Module::TypeLibrary();
+  for (const ClassEntry& made : Classes())
     Remove(whom, L"CLSID\\" + TextOf(*made.id));
-    Remove(whom, ProgramName(made));
+  UnregisterTypes(whom, *library.Get());
+  if (!Exists(whom, LibraryKey(AttributesOf(*library.Get())))) {
+    for (const ClassEntry& made : Classes())
+      Remove(whom, ProgramName(made));
   }
-  UnregisterTypes(whom, *Module::TypeLibrary().Get());
+  // A user's part of the registry may hold nothing else of the kind.
+  for (const wchar_t* kind : {L"CLSID", L"Interface", L"TypeLib", L"Wow6432Node"})
+    RemoveIfEmpty(whom, kind);
 }
 
 }  // namespace HLDataSrvc::Com

@@ -8,8 +8,9 @@ enum class RegisteredFor { Everybody, User };
 
 /// Registers every class and the type library. Raises ComError; what was registered by then is undone.
 void Register(RegisteredFor whom);
-/// Takes out all that Register put in; what is not there is no error. Raises ComError when an entry is there
-/// and cannot be taken out.
+/// Removes the entries that Register wrote, except those that the server for programs of the other bitness
+/// shares while that one is registered. Missing entries are no error. Raises ComError if an entry cannot be
+/// removed.
 void Unregister(RegisteredFor whom);
 
 }  // namespace HLDataSrvc::Com
