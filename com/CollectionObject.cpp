@@ -117,7 +117,9 @@ CollectionObject::Selector CollectionObject::Selected(VARIANT keyOrPosition) {
       case VT_UI8:
       case VT_UINT:
       case VT_R4:
-      case VT_R8: {
+      case VT_R8:
+      case VT_CY:
+      case VT_DECIMAL: {
         const HRESULT result = VariantChangeType(plain.Get(), plain.Get(), 0, VT_I4);
         if (FAILED(result)) throw ComError(result, "A position is a number of 32 bits.");
         return std::int32_t{V_I4(plain.Get())};

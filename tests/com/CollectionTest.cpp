@@ -15,6 +15,12 @@ class Collection : public ComTest {
     EXPECT_EQ(prize->put_Amount(amount), S_OK);
     return prize;
   }
+  static VARIANT Currency(double amount) {
+    VARIANT value;
+    V_VT(&value) = VT_CY;
+    EXPECT_EQ(VarCyFromR8(amount, &V_CY(&value)), S_OK);
+    return value;
+  }
   static std::vector<LONG> AmountsIn(const ComPtr<::IKeyedCollection>& prizes) {
     std::vector<LONG> amounts;
     ComPtr<IUnknown> walk;
@@ -50,12 +56,13 @@ TEST_F(Collection, KeepsItsOrder) {
   EXPECT_EQ(prizes->Remove(Position(1)), S_OK);
   EXPECT_EQ(prizes->Remove(Key(one)), S_OK);
   EXPECT_EQ(AmountsIn(prizes), (std::vector<LONG>{5, 4, 2}));
-  VARIANT half;
-  V_VT(&half) = VT_R8;
-  V_R8(&half) = 2.0;
-  LONG amount = 0;
-  EXPECT_EQ(Item<::IPrizeInfo>(prizes, half)->get_Amount(&amount), S_OK);
-  EXPECT_EQ(amount, 4);
+  for (const VARTYPE type : {VT_UI1, VT_I2, VT_R8, VT_CY, VT_DECIMAL}) {
+    VARIANT second = Position(2);
+    EXPECT_EQ(VariantChangeType(&second, &second, 0, type), S_OK);
+    LONG amount = 0;
+    EXPECT_EQ(Item<::IPrizeInfo>(prizes, second)->get_Amount(&amount), S_OK) << type;
+    EXPECT_EQ(amount, 4) << type;
+  }
 }
 
 TEST_F(Collection, RefusesWhatItCannotDo) {
@@ -80,6 +87,7 @@ TEST_F(Collection, RefusesWhatItCannotDo) {
       {prizes->Remove(Position(0)), LastDescription(), Numbered(9), L"Position 0"},
       {prizes->Remove(Key(unknown)), LastDescription(), Numbered(5), L"unknown"},
       {prizes->Remove(Missing()), LastDescription(), Numbered(13), L"key"},
+      {prizes->Remove(Currency(1e10)), LastDescription(), DISP_E_OVERFLOW, L"32 bits"},
       {prizes->get_Item(Position(1), nullptr), LastDescription(), E_POINTER, L"null"},
   };
   for (const auto& refusal : kRefusals) {
