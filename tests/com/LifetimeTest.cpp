@@ -61,6 +61,7 @@ TEST_F(Lifetime, TheLastThreadToEndLeavesTheLibraryUnloadable) {
 
 TEST_F(Lifetime, TheLibraryLoadsAndUnloadsAHundredTimes) {
   const std::wstring file = LibraryFile();
+  DWORD storageBefore = 0;
   for (int i = 0; i < 100; ++i) {
     const HMODULE library = LoadLibraryW(file.c_str());
     ASSERT_NE(library, nullptr) << "load " << i;
@@ -80,6 +81,11 @@ TEST_F(Lifetime, TheLibraryLoadsAndUnloadsAHundredTimes) {
     ASSERT_EQ(canUnload(), S_OK) << "load " << i;
     ASSERT_NE(FreeLibrary(library), FALSE);
     ASSERT_EQ(GetModuleHandleW(L"HLDataSrvc.dll"), nullptr) << "load " << i;
+    // A process has about a thousand indexes of thread storage, so none may be lost.
+    const DWORD storage = TlsAlloc();
+    TlsFree(storage);
+    if (i == 0) storageBefore = storage;
+    ASSERT_EQ(storage, storageBefore) << "load " << i;
   }
 }
 
