@@ -149,11 +149,9 @@ void RegisterTypes(RegisteredFor whom, ITypeLib& library) {
   const TLIBATTR attributes = AttributesOf(library);
   const std::wstring version = VersionOf(attributes);
   const std::wstring key = LibraryKey(attributes) + L"\\" + version;
-  const std::wstring file = ComponentFile();
   Write(whom, key, nullptr, L"Halcyra league data");
-  Write(whom, key + PlatformOf(attributes), nullptr, file);
+  Write(whom, key + PlatformOf(attributes), nullptr, ComponentFile());
   Write(whom, key + L"\\FLAGS", nullptr, L"0");
-  Write(whom, key + L"\\HELPDIR", nullptr, file.substr(0, file.find_last_of(L'\\')));
   // The system's own marshallers carry calls between apartments: by slot, or by name.
   ForEachInterface(library, [&](const std::wstring& face, const std::wstring& name, bool isDual) {
     Write(whom, face, nullptr, name);

@@ -105,7 +105,7 @@ class ComTest : public testing::Test {
     return object;
   }
 
-  /// A service with one of the league's files open, the test league unless told otherwise.
+  /// A service with one of the league's files open, by default the test league.
   static ComPtr<::IDataService> OpenService(LONG file = DBTypeTest) {
     auto service = Create<::IDataService>(L"DataService");
     Text message;

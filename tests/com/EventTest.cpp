@@ -170,7 +170,7 @@ TEST_F(Event, StaysConnectedWhileTheSettingsLive) {
   service = {};
   EXPECT_FALSE(isGone) << "the program holds the settings";
   settings = {};
-  EXPECT_TRUE(isGone) << "nobody holds the settings";
+  EXPECT_TRUE(isGone) << "the last reference to the settings is gone";
 }
 
 TEST_F(Event, LetsSinksChangeTheConnectionsAsTheyGo) {
