@@ -48,6 +48,7 @@ class Terminal:
     def read(self, until=None):
         """What the program shows, up to a pattern at its end or else to the end."""
         shown = b""
+        silent = 0
         end = time.monotonic() + SECONDS
         while until is None or not until.search(text_of(shown)):
             if time.monotonic() > end:
@@ -59,10 +60,13 @@ class Terminal:
                 except OSError:  # the other side is closed
                     piece = b""
                 shown += piece
+                silent = 0
                 if not piece:
                     break
-            elif until is None and self.program.poll() is not None:
-                break
+            else:  # processes that Wine left running may keep the terminal open, so its end may never come
+                silent += 1
+                if until is None and self.program.poll() is not None and silent >= 5:
+                    break
         return text_of(shown)
 
     def type(self, text):
