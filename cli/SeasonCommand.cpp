@@ -90,7 +90,7 @@ void Lock(Context& context, const std::string& what, bool isSure) {
   const std::string lacks = isRanking ? WhatRankingLacks(*season) : WhatDraftLacks(*season);
   if (!lacks.empty() && !isSure && !context.Confirm(lacks + " Lock the " + what + " for good?")) {
     throw Failure(ExitCode::Refused, name + " is not complete. " + lacks,
-                  "Nothing unlocks it again. With --yes it is locked all the same.");
+                  "This cannot be undone. Use --yes to lock it anyway.");
   }
   ChangeAndSave(league, "The lock", [&] {
     return isRanking ? league.Service().DisableRanking() : league.Service().DisableDrafting();

@@ -1,5 +1,6 @@
 #include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
+#include "cli/Players.h"
 #include "tests/cli/DraftTest.h"
 
 namespace cli::test {
@@ -60,6 +61,46 @@ TEST_F(DraftSessionTest, KeepsItsPicksWhenSavingFails) {
   Draft().Save();
   EXPECT_NO_THROW(League().RefuseUnsavedPicks("season use"));
   EXPECT_EQ(StoredPicks(), played);
+}
+
+// The steps of a draft end with it: somebody in them may take part no more.
+TEST_F(DraftSessionTest, TakesNoStepBackThatAnotherCommandHasOvertaken) {
+  const Picks first = Draft().Current();
+  Draft().Change({{1, Pick()}});
+  Draft().Save();
+  League().Service().DiscardCurrentSeasonInfo();  // as every command that changes the season does
+  EXPECT_EQ(Draft().TakeBack(), std::vector<std::int32_t>());
+  const auto manager = CurrentSeason(League())->Managers()->Item("K" + std::to_string(*first[1].managerID));
+  CurrentSeason(League())->RemoveManager(manager);
+  const Picks before = Draft().Current();
+  EXPECT_THROW(Draft().Change({{3, Pick()}, {1, first[1]}}), Failure);
+  EXPECT_EQ(Draft().Current(), before);
+  EXPECT_EQ(PicksOf(*CurrentSeason(League())), before) << "nothing was cleared";
+}
+
+TEST_F(DraftSessionTest, ShowsTheRecordsOfTheServiceAfterARollback) {
+  const std::int32_t id = Draft().Current()[0].id;
+  const auto nameAt = [&](std::size_t index) { return Draft().Current()[index].what->PickName(); };
+  const std::string name = nameAt(0);
+  for (const bool hasUnsaved : {false, true}) {
+    if (hasUnsaved) Draft().Change({{1, Draft().Current()[1]}, {2, Draft().Current()[0]}});
+    PlayerValues values = ValuesOf(*PlayerByID(League(), id));
+    values.lastName = "Wrong";
+    m_engine->failsOnce = true;
+    EXPECT_THROW(League().Transact("Not saved.",
+                                   [&] {
+                                     SavePlayer(League(), values, id);
+                                     throw Failure(ExitCode::Refused, "No.");
+                                   }),
+                 Failure);
+    EXPECT_EQ(nameAt(hasUnsaved ? 1 : 0), name);
+    values.lastName = "Right";
+    SavePlayer(League(), values, id);
+    EXPECT_EQ(nameAt(hasUnsaved ? 1 : 0), values.firstName + " Right");
+    values = ValuesOf(*PlayerByID(League(), id));
+    values.lastName = name.substr(name.find(' ') + 1);
+    SavePlayer(League(), values, id);
+  }
 }
 
 TEST_F(DraftSessionTest, RevertsToWhatIsStored) {

@@ -126,7 +126,9 @@ class Killed(DraftTest):
 
     def test_at_random_moments(self):
         killed = done = 0
-        while killed < KILLS:
+        for _ in range(10 * KILLS):
+            if killed == KILLS:
+                break
             words = self.random.choice(COMMANDS[:-1])
             if words[:2] == ["draft", "pick"]:
                 words = ["draft", "pick", f"P{self.random.randrange(1, 400)}"]
@@ -140,6 +142,8 @@ class Killed(DraftTest):
             killed += 1
             done += self.expect_one_of(process, before, after, words)
         self.assert_sound()
+        self.assertEqual(killed, KILLS)
+        self.assertGreater(done, 0)
         print(f"{killed} processes killed, {done} after the commit")
 
 

@@ -47,7 +47,10 @@ class CrashingFile final : public File {
   std::uint64_t Size() const override { return m_file->Size(); }
   void Read(std::uint64_t offset, std::span<std::byte> into) override {
     if (m_machine->hasCrashed) Machine::RaiseDown();
-    if (m_machine->Fails()) Machine::RaiseFailed();
+    if (m_machine->Fails()) {
+      m_machine->hasFailedToRead = true;
+      Machine::RaiseFailed();
+    }
     m_file->Read(offset, into);
   }
   void Write(std::uint64_t offset, std::span<const std::byte> from) override {

@@ -51,6 +51,7 @@ class CrashingFileSystem final : public FileSystem {
   /// No more failures. HasFailed stays as it is.
   void Mend() { m_machine->failAt = 0; }
   bool HasFailed() const { return m_machine->hasFailed; }
+  bool HasFailedToRead() const { return m_machine->hasFailedToRead; }
   /// Changing operations so far.
   std::size_t Operations() const { return m_machine->operations; }
   /// Operations of any kind so far.
@@ -85,6 +86,7 @@ class CrashingFileSystem final : public FileSystem {
     Failure failure = Failure::Clean;
     bool failsForGood = false;
     bool hasFailed = false;
+    bool hasFailedToRead = false;
 
     /// Counts a changing operation. True when the machine goes down in it; raises when it is down.
     bool Enter();
