@@ -60,8 +60,13 @@ std::shared_ptr<jet::Database> OpenIfReadable(const std::string& path) {
 }  // namespace
 
 void BackUpLeague(const std::string& path, const std::string& backup) {
+  RequireFree(backup);  // before the file is opened, whose error would hide it
+  BackUpLeague(*OpenExclusively(path), backup);
+}
+
+void BackUpLeague(jet::Database& league, const std::string& backup) {
   RequireFree(backup);
-  CopyTo(*OpenExclusively(path), backup);
+  CopyTo(league, backup);
 }
 
 Replaced RestoreLeague(const std::string& backup, const std::string& path, const std::string& kept,

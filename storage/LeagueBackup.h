@@ -4,6 +4,10 @@
 #include <string>
 #include <vector>
 
+namespace jet {
+class Database;
+}
+
 /// Copies of league files: made, put back, and made anew without free pages. Each can be interrupted at any
 /// point without loss: under a league's name there is always a whole file, the one before or the one after.
 namespace HLDataSrvc {
@@ -11,6 +15,8 @@ namespace HLDataSrvc {
 /// Writes a copy of a league file to `backup`, all saved changes included. Raises jet::Error: what opening
 /// the file exclusively raises, ObjectExists when there is a file `backup`, DiskFull, PermissionDenied.
 void BackUpLeague(const std::string& path, const std::string& backup);
+/// The same for a league file that is open exclusively, outside of a transaction.
+void BackUpLeague(jet::Database& league, const std::string& backup);
 
 /// What a restored league took the place of.
 enum class Replaced {
