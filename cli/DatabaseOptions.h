@@ -25,6 +25,9 @@ class DatabaseOptions {
   std::shared_ptr<jet::Database> Open(const Context& context) const;
 
  protected:
+  /// Whether one of the password options is given.
+  bool GivesPassword() const { return m_passwordOption.IsGiven() || m_passwordFileOption.IsGiven(); }
+
   std::string m_file;
 
  private:
