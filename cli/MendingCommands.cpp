@@ -12,7 +12,6 @@ namespace Schema = HLDataSrvc::Schema;
 
 /// The command for a finding, without the one that makes its season the current one.
 std::string MendingCommand(const HLDataSrvc::LeagueFinding& finding) {
-  constexpr std::int32_t kMostRounds = 100;  // that 'season set' takes
   const std::string number = std::to_string(finding.number);
   const bool isPick = finding.table == Schema::Draft::kTable;
   const bool isWinning = finding.table == Schema::Winning::kTable;
@@ -32,9 +31,7 @@ std::string MendingCommand(const HLDataSrvc::LeagueFinding& finding) {
     case Misfit::SameRank:
       return "manager rank NAME...";
     case Misfit::OutsideDraft:
-      return 0 < finding.rounds && finding.rounds <= kMostRounds
-                 ? "season set --rounds " + std::to_string(finding.rounds)
-                 : "draft clear";
+      return "draft clear " + number;
     case Misfit::NotTakingPart:
       if (finding.managerID != 0) return "manager join " + std::to_string(finding.managerID);
       return isPick ? "draft pick WHO --pick " + number : "winning remove " + number;

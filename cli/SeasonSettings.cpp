@@ -11,7 +11,7 @@
 #include "cli/Numbers.h"
 #include "cli/SeasonReport.h"
 #include "cli/Seasons.h"
-#include "records/HLConsts.h"
+#include "storage/Schema.h"
 
 namespace cli {
 namespace {
@@ -55,7 +55,7 @@ PicksMade PicksStored(League& league) {
 void CheckDraftSize(League& league, const ISeasonInfo& season, std::int32_t managers, std::int32_t rounds) {
   const PicksMade made = PicksStored(league);
   const std::int64_t size = std::int64_t{season.NoOfManagers()} * season.NoOfRounds();
-  if (size > HLDataSrvc::HLConsts::kMostPicks) return;  // it has to become smaller, whatever is stored
+  if (size > HLDataSrvc::Schema::Draft::kMostPicks) return;  // it has to become smaller, whatever is stored
   const std::string picks = CountOf(made.count, "pick") + (made.count == 1 ? " is" : " are") + " made";
   const std::string hint = "'draft clear' empties the draft.";
   if (made.count > 0 && managers != season.NoOfManagers()) {

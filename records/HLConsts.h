@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 /// Constants that several parts of the component share.
 namespace HLDataSrvc::HLConsts {
 
@@ -13,7 +11,5 @@ inline constexpr char kLineBreak[] = "\r\n";
 inline constexpr char kRecordKeyPrefix[] = "K";
 /// Begins the key of a record that has no identifier yet; a running number follows.
 inline constexpr char kNewRecordKeyPrefix[] = "KNEW";
-/// Picks that a draft may have, managers times rounds. A season with more is loaded with an empty draft.
-inline constexpr std::int32_t kMostPicks = 10000;
 
 }  // namespace HLDataSrvc::HLConsts

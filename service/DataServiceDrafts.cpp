@@ -89,13 +89,13 @@ std::string SelectPicks(std::int32_t seasonID) {
 DataService::LoadedDrafts DataService::LoadDrafts(const SeasonInfo& season) {
   LoadedDrafts loaded;
   const std::int64_t noOfPicks = std::int64_t{season.NoOfManagers()} * season.NoOfRounds();
-  const bool isTooLarge = noOfPicks > HLConsts::kMostPicks;
+  const bool isTooLarge = noOfPicks > Schema::Draft::kMostPicks;
   loaded.drafts =
       EmptyDraft(isTooLarge ? 0 : static_cast<std::int32_t>(std::max<std::int64_t>(noOfPicks, 0)));
   if (isTooLarge) {
     loaded.problem = "Season " + std::to_string(season.ID()) + " has " +
                      std::to_string(season.NoOfManagers()) + " x " + std::to_string(season.NoOfRounds()) +
-                     " picks, more than the " + std::to_string(HLConsts::kMostPicks) +
+                     " picks, more than the " + std::to_string(Schema::Draft::kMostPicks) +
                      " that a draft may have.";
     return loaded;
   }

@@ -303,7 +303,8 @@ void Checker::ReadSeasons() {
     Season season{row[1].value_or(0), row[2].value_or(0), row[3].value_or(0),
                   row[5].value_or(0), row[6].value_or(0), {}};
     const std::int64_t picks = std::int64_t{season.managers} * season.rounds;
-    if (picks <= kMostPicks) season.picks = static_cast<std::int32_t>(std::max<std::int64_t>(picks, 0));
+    if (picks <= Schema::Draft::kMostPicks)
+      season.picks = static_cast<std::int32_t>(std::max<std::int64_t>(picks, 0));
     m_seasons.emplace(*row[0], std::move(season));
   }
   for (const Row& row : m_rows.at(S::Playing::kTable).rows) {
@@ -366,7 +367,8 @@ void Checker::CheckSeason(std::int32_t id, const Season& season) {
   if (!season.picks) {
     add(Misfit::TooManyPicks, " has " + std::to_string(season.managers) + " managers and " +
                                   std::to_string(season.rounds) + " rounds: more than " +
-                                  std::to_string(kMostPicks) + " picks, so its draft is not loaded.");
+                                  std::to_string(Schema::Draft::kMostPicks) +
+                                  " picks, so its draft is not loaded.");
   }
   if (season.regularWeeks > season.weeks) {
     add(Misfit::WeeksDiffer, " has " + std::to_string(season.regularWeeks) + " regular weeks among " +
@@ -469,7 +471,7 @@ void Checker::CheckDraft() {
     if (!HasSeason(S::Draft::kTable, row[0])) continue;
     const Season& season = m_seasons.at(*row[0]);
     const std::int32_t pick = row[1].value_or(0);
-    if (*row[0] != last && pick > 1 && pick <= season.picks.value_or(kMostPicks)) {
+    if (*row[0] != last && pick > 1 && pick <= season.picks.value_or(Schema::Draft::kMostPicks)) {
       Add(Misfit::LatePicks, S::Draft::kTable,
           InBrackets(S::Draft::kTable) + ", " + SeasonText(*row[0]) + ": the first pick stored is " +
               std::to_string(pick) + ". A crash while the draft was being emptied can leave this.",
@@ -483,14 +485,12 @@ void Checker::CheckDraft() {
 void Checker::CheckPick(const Row& row, const Season& season) {
   const std::int32_t pick = row[1].value_or(0);
   if (pick < 1 || (season.picks && pick > *season.picks)) {
-    LeagueFinding& finding =
-        Add(Misfit::OutsideDraft, S::Draft::kTable,
-            PickText(row) + ": the draft has " +
-                CountOf(static_cast<std::size_t>(season.picks.value_or(kMostPicks)), "pick") + " (" +
-                std::to_string(season.managers) + " managers, " + std::to_string(season.rounds) +
-                " rounds). Loading it ends here.",
-            *row[0], pick);
-    if (pick > 0 && season.managers > 0) finding.rounds = (pick - 1) / season.managers + 1;
+    Add(Misfit::OutsideDraft, S::Draft::kTable,
+        PickText(row) + ": the draft has " +
+            CountOf(static_cast<std::size_t>(season.picks.value_or(Schema::Draft::kMostPicks)), "pick") +
+            " (" + std::to_string(season.managers) + " managers, " + std::to_string(season.rounds) +
+            " rounds). Loading it ends here.",
+        *row[0], pick);
   }
   CheckPicker(row, season);
   CheckPicked(row);

@@ -75,13 +75,9 @@ struct LeagueFinding {
   /// The pick of a row of [draft info]; the prize of one of [money distribution info] or not put up;
   /// otherwise the id of the row.
   std::int32_t number = 0;
-  std::int32_t rounds = 0;     ///< OutsideDraft: with so many rounds the pick is inside; 0: with none
   std::int32_t managerID = 0;  ///< NotTakingPart: the manager, if the season has room for another one
   std::optional<LeagueRepair> repair{};
 };
-
-/// Most picks of a season that are loaded.
-inline constexpr std::int32_t kMostPicks = 10'000;
 
 /// True if the file has most of the league's tables, so that the rules apply to it.
 bool IsLeague(const jet::Database& database);

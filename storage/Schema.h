@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 /// Names of the league's tables and columns, as statements and field look-ups use them. Statements put them
 /// in square brackets.
 namespace HLDataSrvc::Schema {
@@ -98,6 +100,8 @@ inline constexpr char kMoney[] = "money";
 
 /// Draft picks; key: season and pick number.
 namespace Draft {
+/// Picks that a season may have, managers times rounds. A season with more is loaded with an empty draft.
+inline constexpr std::int32_t kMostPicks = 10000;
 inline constexpr char kTable[] = "draft info";
 inline constexpr char kSeasonID[] = "season id";
 inline constexpr char kDraftNo[] = "draft no";
