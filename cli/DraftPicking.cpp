@@ -26,6 +26,20 @@ void RequireUnlocked(const HLIData::ISeasonInfo& season) {
   }
 }
 
+/// The same for picks that are named. Those that do not fit the season can be mended though the draft is
+/// locked.
+void RequireUnlocked(DraftSession& session, const std::vector<std::int32_t>& numbers) {
+  const auto isMisfit = [&](std::int32_t number) {
+    return std::any_of(session.Misfits().begin(), session.Misfits().end(),
+                       [&](const MisfitPick& misfit) { return misfit.number == number; });
+  };
+  if (!numbers.empty() && std::all_of(numbers.begin(), numbers.end(), isMisfit)) {
+    RequireSeasonUnlocked(session.Season(), "its draft");
+  } else {
+    RequireUnlocked(session.Season());
+  }
+}
+
 /// Outside a shell nothing stays unsaved.
 void SaveUnlessInShell(Context& context) {
   if (context.inShell) return;
@@ -166,7 +180,8 @@ void DraftPick(Context& context, const DraftPickOptions& options) {
   League& league = context.TheLeague();
   DraftSession& session = league.Draft();
   HLIData::ISeasonInfo& season = session.Season();
-  RequireUnlocked(season);
+  RequireUnlocked(session,
+                  options.pick ? std::vector<std::int32_t>{*options.pick} : std::vector<std::int32_t>());
   DraftReport report(session);
   report.Order().RequireSettled();
   if (!options.pick) session.RequireWhole();
@@ -193,8 +208,8 @@ void DraftPick(Context& context, const DraftPickOptions& options) {
 
 void DraftUndo(Context& context, const std::optional<std::int32_t>& number) {
   DraftSession& session = context.TheLeague().Draft();
-  RequireUnlocked(session.Season());
-  if (number) return EmptyPicks(context, {*number});
+  RequireUnlocked(session, number ? std::vector<std::int32_t>{*number} : std::vector<std::int32_t>());
+  if (number) return DraftClear(context, {*number}, /*isSure=*/true);
   session.RequireWhole();
   const Picks before = session.Current();
   const std::vector<std::int32_t> numbers = session.TakeBack();
@@ -214,7 +229,7 @@ void DraftUndo(Context& context, const std::optional<std::int32_t>& number) {
 }
 
 void DraftClear(Context& context, const std::vector<std::int32_t>& numbers, bool isSure) {
-  RequireUnlocked(context.TheLeague().Draft().Season());
+  RequireUnlocked(context.TheLeague().Draft(), numbers);
   if (numbers.empty()) {
     ClearAll(context, isSure);
     return;

@@ -172,8 +172,8 @@ class Boards(LeagueTest):
         self.assertIn("> Pick 85, round 8: Alda Brightwater is on the clock.", text.replace("\n", " "))
 
     def test_rows_that_do_not_fit_are_marked(self):
-        for fixture, says in (("league-damaged-draftno.mdb", "10000 lies outside the draft of 192 picks"),
-                              ("league-damaged-draftmanager.mdb", "17 is of manager 19, who does not take part")):
+        for fixture, number, says in (("league-damaged-draftno.mdb", 10000, "10000 lies outside the draft of 192 picks"),
+                                      ("league-damaged-draftmanager.mdb", 17, "17 is of manager 19, who does not take part")):
             self.path = self.league(fixture)
             done = support.run(*self.at, "draft", "board")
             self.assertEqual(done.returncode, support.DONE)
@@ -181,6 +181,13 @@ class Boards(LeagueTest):
             self.assertIn(f"! Does not fit: Pick {says}", done.stdout)
             for words in (["season", "set", "--season-locked", "no"], ["season", "list"], ["history"], ["manager", "list"]):
                 self.done(*words)
+            before = self.of_season("draft info", 11)
+            self.refused("draft", "pick", "T1", "--pick", "2", says="locked")
+            self.done("draft", "clear", number)
+            self.assertEqual(self.of_season("draft info", 11), [row for row in before if row["draft no"] != number])
+            done = support.run(*self.at, "draft", "board")
+            self.assertNotIn("does not fit", (done.stdout + done.stderr).lower())
+            self.refused("draft", "clear", "2", says="locked")
 
     def test_a_league_without_a_current_season(self):
         self.use_sample()
