@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <optional>
 
 #include "cli/Backups.h"
@@ -52,6 +53,7 @@ Json FindingsJson(const std::optional<LeagueFindings>& findings) {
   for (const LeagueFinding& finding : *findings) {
     list.Append({{"kind", HLDataSrvc::NameOf(finding.misfit)},
                  {"text", finding.text},
+                 {"breaksRules", !HLDataSrvc::IsRemark(finding.misfit)},
                  {"repairable", finding.repair.has_value()},
                  {"commands", MendingCommands(finding)}});
   }
@@ -67,11 +69,14 @@ void PrintFinding(Output& output, const LeagueFinding& finding) {
   if (!commands.empty()) output.Line(commands + ".");
 }
 
-/// Fails if there are findings of the league's rules.
+/// Fails if there are findings of the league's rules, besides remarks.
 void RequireNone(const std::string& path, const LeagueFindings& findings) {
-  if (findings.empty()) return;
-  throw Failure(ExitCode::Refused,
-                path + " breaks the rules of the league: " + CountOfFindings(findings.size()) + ".");
+  const auto count = std::count_if(findings.begin(), findings.end(), [](const LeagueFinding& finding) {
+    return !HLDataSrvc::IsRemark(finding.misfit);
+  });
+  if (count == 0) return;
+  throw Failure(ExitCode::Refused, path + " breaks the rules of the league: " +
+                                       CountOfFindings(static_cast<std::size_t>(count)) + ".");
 }
 
 /// What breaks the league's rules; none for a file that is not a league, or if its rows cannot be read.

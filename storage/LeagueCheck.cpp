@@ -646,6 +646,10 @@ bool HasRepair(const std::vector<LeagueFinding>& findings) {
 
 }  // namespace
 
+bool IsRemark(Misfit misfit) {
+  return misfit == Misfit::TwoInOnePick || misfit == Misfit::LatePicks || misfit == Misfit::NoSettings;
+}
+
 const char* NameOf(Misfit misfit) {
   static constexpr std::array kNames{"no table",           "wrong column",      "number too large",
                                      "repeated row",       "repeated key",      "no id",

@@ -57,6 +57,11 @@ enum class Misfit {
   OutsideWeeks,
 };
 
+/// True for what the league's own operations bring about and load as it was: worth knowing, but no rule is
+/// broken. (A pick that changed from a player to a team, first picks that are empty, a league without
+/// settings.)
+bool IsRemark(Misfit misfit);
+
 /// The name of a misfit for programs, in lower case: "picked twice".
 const char* NameOf(Misfit misfit);
 
