@@ -12,11 +12,16 @@ namespace cli {
 
 DraftOrder::DraftOrder(const HLIData::ISeasonInfo& season)
     : m_year(season.Year()),
+      m_setSize(std::to_string(season.NoOfManagers()) + " managers and " +
+                std::to_string(season.NoOfRounds()) + " rounds"),
       m_noOfManagers(std::max(season.NoOfManagers(), 0)),
       m_managers(ManagersInOrder(season)),
       m_noOfPicks(DraftsOf(season).Count()) {
+  // Without picks the settings may be absurd.
+  if (m_noOfPicks == 0)
+    m_noOfManagers = std::min(m_noOfManagers, static_cast<std::int32_t>(m_managers.size()));
   // The picks that there are count, should the settings have been changed since the season was loaded.
-  m_noOfRounds = m_noOfManagers == 0 ? std::max(season.NoOfRounds(), 0) : m_noOfPicks / m_noOfManagers;
+  m_noOfRounds = m_noOfManagers == 0 ? 0 : m_noOfPicks / m_noOfManagers;
 }
 
 Turn DraftOrder::At(std::int32_t pick) const {
@@ -33,8 +38,7 @@ std::shared_ptr<HLIData::IManagerInfo> DraftOrder::ManagerAt(std::int32_t place)
 std::string DraftOrder::WhyUnsettled() const {
   const std::string year = std::to_string(m_year);
   if (m_noOfPicks == 0) {
-    return "The draft of the season " + year + " has no picks: it is set to " +
-           std::to_string(m_noOfManagers) + " managers and " + std::to_string(m_noOfRounds) + " rounds.";
+    return "The draft of the season " + year + " has no picks: it is set to " + m_setSize + ".";
   }
   if (m_managers.size() < static_cast<std::size_t>(m_noOfManagers)) {
     return "The draft order is not settled: the season " + year + " is set to " +

@@ -26,7 +26,7 @@ class DraftOrder {
  public:
   explicit DraftOrder(const HLIData::ISeasonInfo& season);
 
-  /// Managers in a round, as the season has it set; never below 0.
+  /// Managers in a round, as the season has it set; without picks only those who take part.
   std::int32_t NoOfManagers() const { return m_noOfManagers; }
   std::int32_t NoOfRounds() const { return m_noOfRounds; }
   std::int32_t NoOfPicks() const { return m_noOfPicks; }
@@ -49,6 +49,7 @@ class DraftOrder {
 
  private:
   std::int32_t m_year;
+  std::string m_setSize;  ///< what the season is set to: "10 managers and 15 rounds"
   std::int32_t m_noOfManagers;
   std::vector<std::shared_ptr<HLIData::IManagerInfo>> m_managers;  ///< in the order of the ranking
   std::int32_t m_noOfPicks;

@@ -163,7 +163,7 @@ void ClearAll(Context& context, bool isSure) {
     throw Failure(ExitCode::Refused, "The draft was not cleared.",
                   context.canAsk ? "" : "Use --yes to clear all " + count + ".");
   }
-  DeleteOutside(context, {});
+  if (!context.inShell) DeleteOutside(context, {});  // in a shell nothing is deleted before 'draft save'
   Changes changes;
   for (const std::int32_t number : filled)
     changes.emplace_back(number, Pick());

@@ -1,5 +1,7 @@
 #include "cli/DraftSession.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <utility>
 
@@ -90,9 +92,24 @@ void DraftSession::Adopt(std::shared_ptr<HLIData::ISeasonInfo> season, StoredDra
   m_needsReload = false;
 }
 
+/// Raises Failure when a pick that is not among `picks` holds the same as one of them.
+void DraftSession::RequireFreeOf(const Step& picks, std::int32_t number, const Pick& pick) const {
+  if (pick.IsEmpty() || pick.id == 0) return;
+  for (std::size_t i = 0; i < m_picks.size(); ++i) {
+    const auto other = static_cast<std::int32_t>(i) + 1;
+    const bool isChanged =
+        std::any_of(picks.begin(), picks.end(), [&](const auto& change) { return change.first == other; });
+    if (isChanged || m_picks[i].IsEmpty() || !m_picks[i].HoldsSameAs(pick)) continue;
+    throw Failure(ExitCode::Refused, "Pick " + std::to_string(number) + " cannot be what pick " +
+                                         std::to_string(other) + " is already.");
+  }
+}
+
 void DraftSession::Put(const Step& picks) {
-  for (const auto& [number, pick] : picks)
+  for (const auto& [number, pick] : picks) {
     RequireManager(*m_season, number, pick);
+    RequireFreeOf(picks, number, pick);
+  }
   for (const auto& [number, pick] : picks)
     m_season->RemoveDraft(number);  // clear all first: a pick may still hold a player who moves
   for (const auto& [number, pick] : picks) {
@@ -117,10 +134,10 @@ std::vector<std::int32_t> DraftSession::TakeBack() {
   std::vector<std::int32_t> numbers;
   if (m_steps.empty()) return numbers;
   Step before = m_steps.back();
+  m_steps.pop_back();  // also when it cannot be taken back: the next one may be
   for (auto& [number, pick] : before)
     pick = Reloaded(pick);
   Put(before);
-  m_steps.pop_back();
   for (const auto& [number, pick] : before) {
     m_picks[static_cast<std::size_t>(number) - 1] = pick;
     numbers.push_back(number);

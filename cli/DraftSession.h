@@ -67,6 +67,7 @@ class DraftSession {
   /// Puts the picks into the season that is loaded. Raises Failure, and changes nothing, for a manager who
   /// does not take part.
   void Put(const Step& picks);
+  void RequireFreeOf(const Step& picks, std::int32_t number, const Pick& pick) const;
 
   League& m_league;
   std::shared_ptr<HLIData::ISeasonInfo> m_season;

@@ -80,7 +80,8 @@ void League::Open(std::chrono::milliseconds patience) {
   } catch (const jet::Error& error) {
     RaiseNotOpened(error);
   }
-  RaiseShownMessages();
+  const std::string shown = TakeShownMessages();  // settings that cannot be read; 'settings' mends them
+  if (!shown.empty()) Note(shown);
   m_service = std::move(service);
 }
 
@@ -114,10 +115,11 @@ void League::RaiseShownMessages() {
 void League::Transact(const std::string& failure, const std::function<void()>& work) {
   if (m_isInTransaction) return work();
   HLIData::IDataService& service = Service();
-  const auto fail = [&](ExitCode code, const std::string& reason, const std::string& details) {
+  const auto fail = [&](ExitCode code, const std::string& reason, std::string details, bool isCertain) {
     m_isInTransaction = false;
     Renew();
-    throw Failure(code, failure + " " + reason, details + (details.empty() ? "" : "\n") + kNothingChanged);
+    if (isCertain) details += (details.empty() ? "" : "\n") + std::string(kNothingChanged);
+    throw Failure(code, failure + " " + reason, details);
   };
   m_isInTransaction = true;
   try {
@@ -127,14 +129,14 @@ void League::Transact(const std::string& failure, const std::function<void()>& w
       return true;
     });
   } catch (const Failure& error) {
-    fail(error.Code(), error.what(), error.Hint());
+    fail(error.Code(), error.what(), error.Hint(), /*isCertain=*/true);
   } catch (const jet::Error& error) {
     std::string details;
     for (const std::string& context : error.Context())
       details += (details.empty() ? "in " : "\nin ") + context;
-    fail(ExitCodeOf(error.Number()), error.what(), details);
+    fail(ExitCodeOf(error.Number()), error.what(), details, !error.IsUncertain());
   } catch (const std::exception& error) {
-    fail(ExitCode::Refused, error.what(), {});
+    fail(ExitCode::Refused, error.what(), {}, /*isCertain=*/true);
   }
   m_isInTransaction = false;
 }

@@ -99,8 +99,13 @@ void Join(Context& context, const Words& names) {
 void RequireNothingDone(League& league, const HLIData::ISeasonInfo& season,
                         const HLIData::IManagerInfo& manager) {
   const Picks& picks = league.Draft().Stored();
+  const std::vector<MisfitPick>& misfits = league.Draft().Misfits();
   const auto noOfPicks = std::count_if(picks.begin(), picks.end(),
-                                       [&](const Pick& pick) { return pick.managerID == manager.ID(); });
+                                       [&](const Pick& pick) { return pick.managerID == manager.ID(); }) +
+                         std::count_if(misfits.begin(), misfits.end(), [&](const MisfitPick& misfit) {
+                           const bool isOutside = misfit.number < 1 || misfit.number > std::ssize(picks);
+                           return isOutside && misfit.managerID == manager.ID();
+                         });
   const auto winnings = WinningsIn(league, season);
   const auto noOfWinnings = std::count_if(winnings.begin(), winnings.end(), [&](const Winning& winning) {
     return winning.managerID == manager.ID();

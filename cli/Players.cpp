@@ -120,6 +120,7 @@ void RequireNamesFit(League& league, const PlayerValues& values) {
 std::shared_ptr<IPlayerInfo> SavePlayer(League& league, const PlayerValues& values, std::int32_t id) {
   RequireNamesFit(league, values);
   std::shared_ptr<IPlayerInfo> saved;
+  bool isMended = false;
   SaveRecord(league, "The player", [&](std::string& message) {
     if (id != 0 && values.positionID != 0 && values.teamID != 0 &&
         std::dynamic_pointer_cast<BrokenPlayer>(PlayerByID(league, id))) {
@@ -127,10 +128,12 @@ std::shared_ptr<IPlayerInfo> SavePlayer(League& league, const PlayerValues& valu
       HLDataSrvc::EditRows(league.Service(), SelectPlayer(id),
                            {{Schema::Player::kPositionID, std::to_string(values.positionID)},
                             {Schema::Player::kTeamID, std::to_string(values.teamID)}});
+      isMended = true;
     }
     return league.Service().UpdatePlayer(values.lastName, values.firstName, values.positionID, values.teamID,
                                          values.isRetired, id, saved, message);
   });
+  if (isMended) league.Service().DiscardCurrentSeasonInfo();  // its draft may have ended at him
   return saved;
 }
 

@@ -44,7 +44,7 @@ PicksMade PicksStored(League& league) {
     ++made.count;
   }
   for (const MisfitPick& misfit : league.Draft().Misfits()) {
-    if (misfit.number > std::ssize(picks)) ++made.count;
+    if (misfit.number < 1 || misfit.number > std::ssize(picks)) ++made.count;
     made.last = std::max(made.last, misfit.number);
   }
   return made;
@@ -55,14 +55,16 @@ PicksMade PicksStored(League& league) {
 void CheckDraftSize(League& league, const ISeasonInfo& season, std::int32_t managers, std::int32_t rounds) {
   const PicksMade made = PicksStored(league);
   const std::int64_t size = std::int64_t{season.NoOfManagers()} * season.NoOfRounds();
-  if (size > HLDataSrvc::Schema::Draft::kMostPicks) return;  // it has to become smaller, whatever is stored
+  // The picks of a season without a draft size have no rounds yet: only the new size has to hold them.
+  const bool hasSize =
+      season.NoOfManagers() > 0 && season.NoOfRounds() > 0 && size <= HLDataSrvc::Schema::Draft::kMostPicks;
   const std::string picks = CountOf(made.count, "pick") + (made.count == 1 ? " is" : " are") + " made";
   const std::string hint = "'draft clear' empties the draft.";
-  if (made.count > 0 && managers != season.NoOfManagers()) {
+  if (hasSize && made.count > 0 && managers != season.NoOfManagers()) {
     throw Failure(ExitCode::Refused,
                   std::string(kNumberOfManagers) + " cannot be changed: " + picks + " already.", hint);
   }
-  if (made.last > managers * rounds && managers * rounds < size) {
+  if (made.last > managers * rounds && (!hasSize || managers * rounds < size)) {
     throw Failure(ExitCode::Refused,
                   "The number of rounds cannot be " + std::to_string(rounds) + ": " + picks +
                       ", up to pick " + std::to_string(made.last) + ".",

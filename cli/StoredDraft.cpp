@@ -70,6 +70,7 @@ StoredDraft ReadStoredDraft(League& league, const HLIData::ISeasonInfo& season) 
   std::map<std::pair<PickType, std::int32_t>, std::int32_t> numbers;  // of what was picked
   for (const HLDataSrvc::TextRow& row : HLDataSrvc::SelectRows(league.Service(), SelectPicks(season))) {
     const std::int32_t number = NumberIn(row[0]);
+    const std::int32_t managerID = NumberIn(row[1]);
     std::string problem;
     Pick pick = PickIn(league, row, problem);
     if (number < 1 || number > std::ssize(stored.picks)) {
@@ -81,7 +82,7 @@ StoredDraft ReadStoredDraft(League& league, const HLIData::ISeasonInfo& season) 
       if (!isFirst) problem = "is the same as pick " + std::to_string(earlier->second) + ".";
     }
     if (!problem.empty())
-      stored.misfits.push_back({number, "Pick " + std::to_string(number) + " " + problem});
+      stored.misfits.push_back({number, managerID, "Pick " + std::to_string(number) + " " + problem});
     if (number >= 1 && number <= std::ssize(stored.picks))
       stored.picks[static_cast<std::size_t>(number) - 1] = std::move(pick);
   }

@@ -13,6 +13,7 @@ namespace cli {
 /// part, somebody has picked the same before, or what was picked cannot be loaded.
 struct MisfitPick {
   std::int32_t number = 0;
+  std::int32_t managerID = 0;
   std::string
       why;  ///< a sentence that begins with the pick: "Pick 6 is of manager 3, who does not take part."
 };

@@ -64,9 +64,14 @@ class Error : public std::runtime_error {
   const std::vector<std::string>& Context() const noexcept { return m_context; }
   void AddContext(std::string text) { m_context.push_back(std::move(text)); }
 
+  /// True if the change that failed may be stored nevertheless; the sentence says so.
+  bool IsUncertain() const noexcept { return m_isUncertain; }
+  void MarkUncertain() { m_isUncertain = true; }
+
  private:
   ErrorNumber m_number;
   std::vector<std::string> m_context;
+  bool m_isUncertain = false;
 };
 
 }  // namespace jet

@@ -19,6 +19,9 @@ constexpr std::size_t kLeastAhead = std::size_t{64} << 10;  // zeros written ahe
 constexpr std::size_t kMostAhead = std::size_t{1} << 20;
 constexpr std::size_t kLongestWrite = std::size_t{1} << 20;  // units longer than this are written in pieces
 
+constexpr char kUncertain[] =
+    " It cannot be known whether the change is stored: opening the database again shows it.";
+
 template <typename T>
 std::span<const std::byte> BytesOf(const T& value) {
   return std::as_bytes(std::span(&value, 1));
@@ -291,11 +294,14 @@ void RedoLog::Append(std::span<const ChangedPage> changes, PageNumber oldPageCou
       WriteAhead();
       m_file->Sync();
     }
+  } catch (const Error& error) {
+    ForgetUnit(changes, end, sum, isWhole);
+    if (!m_isBroken) throw;
+    Error uncertain(error.Number(), error.what() + std::string(kUncertain));
+    uncertain.MarkUncertain();
+    throw uncertain;
   } catch (...) {
-    m_end = end;
-    m_sum = sum;
-    ForgetUnwritten(changes);
-    if (isWhole) Void();
+    ForgetUnit(changes, end, sum, isWhole);
     throw;
   }
   // Nothing fails from here on: the unit is there.
@@ -304,6 +310,15 @@ void RedoLog::Append(std::span<const ChangedPage> changes, PageNumber oldPageCou
   ++m_sequence;
   for (std::size_t i = 0; i < changes.size(); ++i)
     m_pages.find(changes[i].number)->second = m_appended[i];
+}
+
+/// Takes back a unit that failed; `isWhole`: it was written, and perhaps not synced.
+void RedoLog::ForgetUnit(std::span<const ChangedPage> changes, std::uint64_t end, std::uint64_t sum,
+                         bool isWhole) {
+  m_end = end;
+  m_sum = sum;
+  ForgetUnwritten(changes);
+  if (isWhole) Void();
 }
 
 /// Takes the places out again that a unit made for its pages.

@@ -69,8 +69,8 @@ class RedoLog {
 
   /// Appends a unit; `oldPageCount` are the pages of the database before it, `pageCount` those after it. When
   /// it returns, the unit is as durable as wished. When it fails, the unit is not there. Should it be unknown
-  /// whether it is, every later Append is refused. A log that somebody removed is made anew, with all that
-  /// was in it.
+  /// whether it is, the error is marked uncertain, and every later Append is refused. A log that somebody
+  /// removed is made anew, with all that was in it.
   void Append(std::span<const ChangedPage> changes, PageNumber oldPageCount, PageNumber pageCount);
   /// Whether the log is so long that a checkpoint is due.
   bool IsLong() const { return m_end > m_longLog; }
@@ -120,6 +120,7 @@ class RedoLog {
   bool Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored);
   void Read(const LoggedPage& page, PageBytes& into);
   void AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount);
+  void ForgetUnit(std::span<const ChangedPage> changes, std::uint64_t end, std::uint64_t sum, bool isWhole);
   void ForgetUnwritten(std::span<const ChangedPage> changes);
   void WriteAhead();
   void Void();

@@ -304,6 +304,26 @@ TEST_F(RedoLogTest, UnitsAfterAFailedSyncAreDurable) {
   }
 }
 
+// A unit that is written, but can be neither synced nor withdrawn, may be found at the next opening.
+TEST_F(RedoLogTest, AUnitThatCannotBeWithdrawnIsReportedAsUncertain) {
+  for (const bool forGood : {false, true}) {
+    const auto files = std::make_shared<CrashingFileSystem>(Files{{"f", Flat(StartingState())}});
+    auto pages = Open(files, Durability::Full);
+    Fill(*pages, 2, 0x22);
+    files->FailAt(3, test::Failure::Clean, forGood, 0);  // the sync
+    try {
+      Fill(*pages, 3, 0x33);
+      ADD_FAILURE();
+    } catch (const Error& error) {
+      EXPECT_EQ(error.IsUncertain(), forGood) << error.what();
+      EXPECT_EQ(std::string(error.what()).find("cannot be known") != std::string::npos, forGood);
+    }
+    const auto up =
+        Open(std::make_shared<CrashingFileSystem>(files->Survivors(Crash::Kill)), Durability::Full);
+    EXPECT_EQ(First(*up, 3) == 0x33, forGood);
+  }
+}
+
 TEST_F(RedoLogTest, FailedCheckpointKeepsTheChangesInTheLog) {
   const auto memory = std::make_shared<test::MemoryFileSystem>();
   memory->Put("f", Flat(StartingState()));
