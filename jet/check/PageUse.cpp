@@ -50,8 +50,7 @@ void PageUse::ReadGlobalMap() {
     const std::uint64_t first = LoadU32(row.data() + usage_map::kFirstPage);
     const auto bitmap = row.subspan(usage_map::kBitmap);
     markFree(first, bitmap);
-    if (first + 8 * bitmap.size() < m_inUse.size())
-      m_findings->Add(kGlobalMapName, "does not cover the whole file");
+    if (first > m_inUse.size()) m_findings->Add(kGlobalMapName, "begins past the end of the file");
     for (std::uint64_t past = std::max<std::uint64_t>(first, m_inUse.size());
          past < first + 8 * bitmap.size(); ++past) {
       if (!TestBit(bitmap, static_cast<std::uint32_t>(past - first))) {
@@ -61,7 +60,8 @@ void PageUse::ReadGlobalMap() {
       }
     }
   } else if (LoadU8(row.data()) == usage_map::kByReference) {
-    const std::size_t references = (row.size() - usage_map::kReferences) / 4;
+    const std::size_t references =
+        std::min((row.size() - usage_map::kReferences) / 4, usage_map::kMostReferences);
     for (std::size_t k = 0; k < references; ++k) {
       const PageNumber mapPage = LoadU32(row.data() + usage_map::kReferences + 4 * k);
       if (mapPage == 0 || !Claim(mapPage, kGlobalMapName)) continue;

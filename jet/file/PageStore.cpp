@@ -36,13 +36,11 @@ void PageStore::Start(std::uint32_t databaseKey) {
     return;
   }
   const std::uint64_t size = m_file->Size();
-  if (size % kPageSize != 0) {
-    throw Error(ErrorNumber::DamagedFile, "The file '" + m_name + "' is damaged: it ends inside a page.");
-  }
   if (size / kPageSize > kMaxPages) {
     throw Error(ErrorNumber::FileTooLarge, "The file '" + m_name + "' is larger than 2 GiB.");
   }
   m_pageCount = static_cast<PageNumber>(size / kPageSize);
+  m_endsInsidePage = size % kPageSize != 0;
 }
 
 void PageStore::UseLog(std::unique_ptr<RedoLog> log) {
@@ -85,6 +83,10 @@ void PageStore::Apply(std::span<const ChangedPage> changes, PageNumber pageCount
   if (!changes.empty() && m_file->IsRemoved()) {
     throw Error(ErrorNumber::FileNotFound,
                 "The file '" + m_name + "' was removed while it was open and takes no more changes.");
+  }
+  if (!changes.empty() && m_endsInsidePage) {
+    m_file->Resize(std::uint64_t{m_pageCount} * kPageSize);
+    m_endsInsidePage = false;
   }
   if (m_log != nullptr && m_log->IsUsed()) {
     if (!changes.empty()) ApplyLogged(changes, pageCount);

@@ -28,13 +28,16 @@ class PageStore {
 
   /// The header page, as far as the file has one.
   std::vector<std::byte> ReadHeader();
-  /// Takes the key with which pages other than page 0 are coded; 0: they are plain. Raises DamagedFile when
-  /// the file ends inside a page, FileTooLarge.
+  /// Takes the key with which pages other than page 0 are coded; 0: they are plain. Raises FileTooLarge.
   void Start(std::uint32_t databaseKey);
   /// From here on changes go into the log; those made until then are durable.
   void UseLog(std::unique_ptr<RedoLog> log);
 
+  /// Whole pages of the file.
   PageNumber PageCount() const { return m_pageCount; }
+  /// Whether bytes follow the last whole page. The first change cuts them off, so the caller must make sure
+  /// that they are part of a free page.
+  bool EndsInsidePage() const { return m_endsInsidePage; }
   const std::string& Name() const { return m_name; }
 
   /// Raises DamagedFile for a page past the end, ReadFailed.
@@ -65,6 +68,7 @@ class PageStore {
   std::unique_ptr<RedoLog> m_log;
   std::uint32_t m_key = 0;
   PageNumber m_pageCount = 0;
+  bool m_endsInsidePage = false;
   bool m_broken = false;
   bool m_unsynced = false;
 };

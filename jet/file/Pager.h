@@ -81,6 +81,8 @@ class Pager {
   const std::string& FileName() const { return m_store->Name(); }
   /// Pages of the file, those that the current unit appended included.
   PageNumber PageCount() const { return m_pageCount; }
+  /// See PageStore::EndsInsidePage.
+  bool EndsInsidePage() const { return m_store->EndsInsidePage(); }
 
   /// The page, read from the file at most once while it is cached.
   PageHandle Get(PageNumber number) {

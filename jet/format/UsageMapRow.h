@@ -23,7 +23,8 @@ inline constexpr std::size_t kReferences = 1;
 inline constexpr std::size_t kNewRowBytes = 69;  // 64 bytes of bitmap: 512 pages; or 17 references
 inline constexpr std::size_t kMapPageBitmap = 4;
 inline constexpr std::uint32_t kPagesPerMapPage = (kPageSize - kMapPageBitmap) * 8;
-inline constexpr std::size_t kGlobalGrowth = 32;  // bytes by which the global map's row grows
+inline constexpr std::size_t kMostReferences = 17;  // a further one stands for pages beyond 2 GiB
+inline constexpr std::size_t kGlobalGrowth = 32;    // bytes by which the global map's row grows
 }  // namespace usage_map
 
 /// No page: the answer of the searches when the set holds none.

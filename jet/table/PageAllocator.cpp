@@ -25,18 +25,37 @@ constexpr std::size_t kGlobalMapSlot = 0;
               "The file '" + pager.FileName() + "' is damaged: its map of free pages " + what + ".");
 }
 
+std::span<const std::byte> MapPageBitmap(const Pager& pager, const PageHandle& page) {
+  if (LoadU8(page.Data()) != page_type::kUsageMap) RaiseDamaged(pager, "refers to a page that holds no map");
+  return std::span(page.Bytes()).subspan(kMapPageBitmap);
+}
+
+/// The global map as its row holds it, pinned.
 struct GlobalMap {
   PageHandle page;
   std::span<const std::byte> row;
   bool isInline = true;
   std::uint32_t first = 0;
+
   std::span<const std::byte> Bitmap() const { return row.subspan(kBitmap); }
-  std::size_t References() const { return (row.size() - kReferences) / 4; }
+  /// One past the last page that an inline map has a bit for.
+  std::uint64_t End() const { return std::uint64_t{first} + 8 * Bitmap().size(); }
+  std::size_t References() const { return std::min((row.size() - kReferences) / 4, kMostReferences); }
   PageNumber Reference(std::size_t k) const { return LoadU32(row.data() + kReferences + 4 * k); }
-  /// One past the last page that the map has a bit for.
-  std::uint64_t End() const {
-    return isInline ? std::uint64_t{first} + 8 * Bitmap().size()
-                    : std::uint64_t{References()} * kPagesPerMapPage;
+  /// The map page with the bit of `wanted`; 0 when there is none.
+  PageNumber MapPageOf(PageNumber wanted) const {
+    const std::size_t k = wanted / kPagesPerMapPage;
+    return k < References() ? Reference(k) : 0;
+  }
+  /// Whether the map has a bit for `wanted`.
+  bool Covers(PageNumber wanted) const {
+    return isInline ? wanted >= first && wanted < End() : MapPageOf(wanted) != 0;
+  }
+  bool IsFree(Pager& pager, PageNumber wanted) const {
+    if (!Covers(wanted)) return false;
+    if (isInline) return TestBit(Bitmap(), wanted - first);
+    const PageHandle handle = pager.Get(MapPageOf(wanted));
+    return TestBit(MapPageBitmap(pager, handle), wanted % kPagesPerMapPage);
   }
 };
 
@@ -50,7 +69,6 @@ GlobalMap ReadMap(Pager& pager) {
     RaiseDamaged(pager, "cannot be read");
   map.isInline = LoadU8(map.row.data()) == kInline;
   if (map.isInline) map.first = LoadU32(map.row.data() + kFirstPage);
-  if (map.first != 0) RaiseDamaged(pager, "does not begin with the first page");
   return map;
 }
 
@@ -58,9 +76,19 @@ std::span<std::byte> MutableMapRow(const MutablePage& page) {
   return DataPage(page.Bytes(), page.Number()).MutableRow(kGlobalMapSlot);
 }
 
-std::span<std::byte> MapPageBitmap(const Pager& pager, const MutablePage& page) {
-  if (LoadU8(page.Data()) != page_type::kUsageMap) RaiseDamaged(pager, "refers to a page that holds no map");
-  return std::span(page.Bytes()).subspan(kMapPageBitmap);
+/// Appends a page of the map, for the pages from `first` on: those past the end of the file are free, and
+/// those that `old` has free.
+MutablePage AppendMapPage(Pager& pager, PageNumber first, const GlobalMap& old) {
+  const PageNumber pageCount = pager.PageCount();
+  MutablePage mapPage = pager.Append();
+  StoreU8(mapPage.Data(), page_type::kUsageMap);
+  StoreU8(mapPage.Data() + 1, page_type::kSecondByte);
+  const auto bitmap = std::span(mapPage.Bytes()).subspan(kMapPageBitmap);
+  for (std::uint32_t bit = 0; bit < kPagesPerMapPage; ++bit) {
+    const PageNumber page = first + bit;
+    if (page >= pageCount || old.IsFree(pager, page)) AssignBit(bitmap, bit, true);
+  }
+  return mapPage;
 }
 
 }  // namespace
@@ -69,16 +97,16 @@ PageNumber PageAllocator::FindFree() const {
   const GlobalMap map = ReadMap(*m_pager);
   PageNumber found = kNoPage;
   if (map.isInline) {
-    found = FindSetBit(map.Bitmap(), m_searchFrom);
+    const std::uint32_t bit =
+        FindSetBit(map.Bitmap(), m_searchFrom > map.first ? m_searchFrom - map.first : 0);
+    if (bit != kNoPage && std::uint64_t{map.first} + bit < m_pager->PageCount()) found = map.first + bit;
   } else {
     for (std::size_t k = m_searchFrom / kPagesPerMapPage; k < map.References() && found == kNoPage; ++k) {
       if (map.Reference(k) == 0) continue;
       const auto base = static_cast<PageNumber>(k * kPagesPerMapPage);
       const PageHandle page = m_pager->Get(map.Reference(k));
-      if (LoadU8(page.Data()) != page_type::kUsageMap)
-        RaiseDamaged(*m_pager, "refers to a page that holds no map");
-      const std::uint32_t bit = FindSetBit(std::span(page.Bytes()).subspan(kMapPageBitmap),
-                                           m_searchFrom > base ? m_searchFrom - base : 0);
+      const std::uint32_t bit =
+          FindSetBit(MapPageBitmap(*m_pager, page), m_searchFrom > base ? m_searchFrom - base : 0);
       if (bit != kNoPage) found = base + bit;
     }
   }
@@ -88,38 +116,42 @@ PageNumber PageAllocator::FindFree() const {
 }
 
 bool PageAllocator::IsFree(PageNumber page) const {
-  const GlobalMap map = ReadMap(*m_pager);
-  if (page >= map.End()) return false;
-  if (map.isInline) return TestBit(map.Bitmap(), page);
-  const PageNumber reference = map.Reference(page / kPagesPerMapPage);
-  if (reference == 0) return false;
-  const PageHandle handle = m_pager->Get(reference);
-  if (LoadU8(handle.Data()) != page_type::kUsageMap)
-    RaiseDamaged(*m_pager, "refers to a page that holds no map");
-  return TestBit(std::span(handle.Bytes()).subspan(kMapPageBitmap), page % kPagesPerMapPage);
+  return ReadMap(*m_pager).IsFree(*m_pager, page);
 }
 
 void PageAllocator::CheckFileIsWhole() const {
-  const GlobalMap map = ReadMap(*m_pager);
-  if (!map.isInline) return;
-  for (std::uint64_t page = m_pager->PageCount(); page < map.End(); ++page) {
-    if (TestBit(map.Bitmap(), static_cast<PageNumber>(page))) continue;
+  const PageNumber pageCount = m_pager->PageCount();
+  const auto raiseCutOff = [&] {
     throw Error(ErrorNumber::DamagedFile, "The file '" + m_pager->FileName() +
                                               "' is damaged: it was cut off after " +
-                                              std::to_string(m_pager->PageCount()) + " pages.");
+                                              std::to_string(pageCount) + " pages.");
+  };
+  GlobalMap map;
+  try {
+    map = ReadMap(*m_pager);
+    if (m_pager->EndsInsidePage() && !map.IsFree(*m_pager, pageCount)) raiseCutOff();
+  } catch (const Error& error) {
+    // Only changes need the map.
+    if (error.Number() != ErrorNumber::DamagedFile || m_pager->EndsInsidePage()) throw;
+    return;
+  }
+  if (!map.isInline) return;
+  if (map.first > pageCount) raiseCutOff();
+  for (std::uint64_t page = pageCount; page < map.End(); ++page) {
+    if (!TestBit(map.Bitmap(), static_cast<std::uint32_t>(page - map.first))) raiseCutOff();
   }
 }
 
 void PageAllocator::Mark(PageNumber page, bool free) {
+  Cover(page);
   const GlobalMap map = ReadMap(*m_pager);
-  if (page >= map.End()) RaiseDamaged(*m_pager, "does not cover the file");
   if (map.isInline) {
-    AssignBit(MutableMapRow(m_pager->Change(kGlobalMapPage)).subspan(kBitmap), page, free);
-  } else {
-    const PageNumber reference = map.Reference(page / kPagesPerMapPage);
-    if (reference == 0) RaiseDamaged(*m_pager, "does not cover the file");
-    AssignBit(MapPageBitmap(*m_pager, m_pager->Change(reference)), page % kPagesPerMapPage, free);
+    AssignBit(MutableMapRow(m_pager->Change(kGlobalMapPage)).subspan(kBitmap), page - map.first, free);
+    return;
   }
+  const MutablePage mapPage = m_pager->Change(map.MapPageOf(page));
+  MapPageBitmap(*m_pager, mapPage);
+  AssignBit(std::span(mapPage.Bytes()).subspan(kMapPageBitmap), page % kPagesPerMapPage, free);
 }
 
 MutablePage PageAllocator::Allocate() {
@@ -135,7 +167,6 @@ MutablePage PageAllocator::Allocate() {
     Mark(found, false);
     return page;
   }
-  Cover(m_pager->PageCount());
   MutablePage page = m_pager->Append();
   Mark(page.Number(), false);
   return page;
@@ -153,53 +184,66 @@ void PageAllocator::Free(PageNumber page) {
   m_searchFrom = std::min(m_searchFrom, page);
 }
 
-// Makes the map have a bit for `page`, which is about to be appended. New bits are set: past the end of the
-// file.
+// Gives the map a bit for `page` of the file. A page without one was in use.
 void PageAllocator::Cover(PageNumber page) {
-  GlobalMap map = ReadMap(*m_pager);
+  const GlobalMap map = ReadMap(*m_pager);
+  if (map.Covers(page)) return;
   if (map.isInline) {
-    if (page < map.End()) return;
-    const std::size_t size = map.row.size() + kGlobalGrowth;
-    const MutablePage changed = m_pager->Change(kGlobalMapPage);
-    DataPage data(changed.Bytes(), kGlobalMapPage);
-    if (data.FitsInPlace(kGlobalMapSlot, size)) {
-      std::vector<std::byte> row(map.row.begin(), map.row.end());
-      row.resize(size, std::byte{0xFF});
-      data.Replace(kGlobalMapSlot, row, data_page::kLive);
-      return;
-    }
+    if (WidenRow(page)) return;
     MakeReferences();
-    map = ReadMap(*m_pager);
+    return;
   }
   const std::size_t k = page / kPagesPerMapPage;
   if (k >= map.References()) RaiseDamaged(*m_pager, "does not cover the file and cannot grow");
-  if (map.Reference(k) != 0) return;
-  // The map page is itself the next page of the file, and in use.
-  const MutablePage mapPage = m_pager->Append();
-  mapPage.Bytes().fill(std::byte{0xFF});
-  StoreU32(mapPage.Data(), 0);
-  StoreU8(mapPage.Data(), page_type::kUsageMap);
-  StoreU8(mapPage.Data() + 1, 1);
+  const MutablePage mapPage = AppendMapPage(*m_pager, static_cast<PageNumber>(k * kPagesPerMapPage), map);
   StoreU32(MutableMapRow(m_pager->Change(kGlobalMapPage)).data() + kReferences + 4 * k, mapPage.Number());
   Mark(mapPage.Number(), false);
 }
 
-// Turns the inline map into one by reference, whose first map page takes over the bits.
-void PageAllocator::MakeReferences() {
+// Makes the row of the inline map long enough for `page`; false when page 1 has no space for it. A map that
+// has to grow downwards begins at page 0 from then on.
+bool PageAllocator::WidenRow(PageNumber page) {
   const GlobalMap map = ReadMap(*m_pager);
-  const std::vector<std::byte> bits(map.Bitmap().begin(), map.Bitmap().end());
-  const MutablePage mapPage = m_pager->Append();
-  mapPage.Bytes().fill(std::byte{0xFF});
-  StoreU32(mapPage.Data(), 0);
-  StoreU8(mapPage.Data(), page_type::kUsageMap);
-  StoreU8(mapPage.Data() + 1, 1);
-  std::ranges::copy(bits, mapPage.Data() + kMapPageBitmap);
+  const PageNumber first = page < map.first ? 0 : map.first;
+  std::size_t size = map.row.size() + (map.first - first + 7) / 8;
+  while (page >= first + 8 * std::uint64_t{size - kBitmap})
+    size += kGlobalGrowth;
   const MutablePage changed = m_pager->Change(kGlobalMapPage);
-  const auto row = MutableMapRow(changed);
-  std::ranges::fill(row, std::byte{0});
+  DataPage data(changed.Bytes(), kGlobalMapPage);
+  if (!data.FitsInPlace(kGlobalMapSlot, size)) return false;
+  std::vector<std::byte> row(size);
+  StoreU8(row.data(), kInline);
+  StoreU32(row.data() + kFirstPage, first);
+  const auto bitmap = std::span(row).subspan(kBitmap);
+  for (std::uint32_t bit = 0; bit < 8 * bitmap.size(); ++bit) {
+    const PageNumber number = first + bit;
+    if (number >= m_pager->PageCount() || map.IsFree(*m_pager, number)) AssignBit(bitmap, bit, true);
+  }
+  data.Replace(kGlobalMapSlot, row, data_page::kLive);
+  return true;
+}
+
+// Turns the inline map into one by reference, with map pages for the whole file.
+void PageAllocator::MakeReferences() {
+  GlobalMap map = ReadMap(*m_pager);
+  // The pages are made from a copy: the row itself is what changes.
+  const std::vector<std::byte> old(map.row.begin(), map.row.end());
+  map.row = old;
+  std::vector<std::byte> row(std::max(old.size(), kNewRowBytes));
   StoreU8(row.data(), kByReference);
-  StoreU32(row.data() + kReferences, mapPage.Number());
-  Mark(mapPage.Number(), false);
+  std::vector<PageNumber> mapPages;
+  // Map pages are appended too, and may need a further one.
+  while (std::uint64_t{mapPages.size()} * kPagesPerMapPage < m_pager->PageCount()) {
+    const auto first = static_cast<PageNumber>(mapPages.size() * kPagesPerMapPage);
+    mapPages.push_back(AppendMapPage(*m_pager, first, map).Number());
+    StoreU32(row.data() + kReferences + 4 * (mapPages.size() - 1), mapPages.back());
+  }
+  const MutablePage changed = m_pager->Change(kGlobalMapPage);
+  DataPage data(changed.Bytes(), kGlobalMapPage);
+  if (!data.FitsInPlace(kGlobalMapSlot, row.size())) RaiseDamaged(*m_pager, "cannot grow");
+  data.Replace(kGlobalMapSlot, row, data_page::kLive);
+  for (const PageNumber mapPage : mapPages)
+    Mark(mapPage, false);
 }
 
 }  // namespace jet

@@ -7,9 +7,9 @@
 namespace jet {
 
 /// Gives out and takes back pages, by the global usage map (row 0 of page 1: a set bit is a free page, or one
-/// past the end of the file).
+/// past the end of the file). Pages of the file that the map has no bit for are in use.
 ///
-/// All changes happen inside a change unit. Raises FileTooLarge, DamagedFile.
+/// All changes happen inside a change unit. Raises FileTooLarge, and DamagedFile when the map cannot be read.
 class PageAllocator {
  public:
   explicit PageAllocator(Pager& pager) : m_pager(&pager) {}
@@ -22,14 +22,15 @@ class PageAllocator {
   void Free(PageNumber page);
   bool IsFree(PageNumber page) const;
 
-  /// Raises DamagedFile when the map says that pages past the end of the file are in use: the file was cut
-  /// off.
+  /// Raises DamagedFile when the map has pages past the end of the file in use: the file was cut off. A map
+  /// that cannot be read is an error only if the file ends inside a page.
   void CheckFileIsWhole() const;
 
  private:
   PageNumber FindFree() const;
   void Mark(PageNumber page, bool free);
   void Cover(PageNumber page);
+  bool WidenRow(PageNumber page);
   void MakeReferences();
 
   Pager* m_pager;

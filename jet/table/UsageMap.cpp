@@ -32,7 +32,7 @@ struct MapRow {
   std::uint32_t First() const { return LoadU32(bytes.data() + kFirstPage); }
   std::span<const std::byte> Bitmap() const { return bytes.subspan(kBitmap); }
   std::uint32_t Capacity() const { return static_cast<std::uint32_t>(8 * (bytes.size() - kBitmap)); }
-  std::size_t References() const { return (bytes.size() - kReferences) / 4; }
+  std::size_t References() const { return std::min((bytes.size() - kReferences) / 4, kMostReferences); }
   std::uint32_t Reference(std::size_t k) const { return LoadU32(bytes.data() + kReferences + 4 * k); }
 };
 

@@ -21,6 +21,17 @@ class DBEngineTest : public test::LeagueTest {
     options.files = files;
     return DBEngine(options).OpenDatabase(name, true, false, connect);
   }
+
+  /// More than the file has space for without growing.
+  static void AddPrizeTypes(Database& league) {
+    const auto rows = league.OpenRecordset("select * from [prize type info]");
+    for (std::int32_t i = 0; i < 400; ++i) {
+      rows->AddNew();
+      rows->Fields("type id").Value(1000 + i);
+      rows->Fields("type name").Value(std::string(40, 'x') + std::to_string(i));
+      rows->Update();
+    }
+  }
 };
 
 TEST_F(DBEngineTest, PasswordsCompareExactly) {
@@ -57,6 +68,37 @@ TEST_F(DBEngineTest, FilesThatAreNoDatabases) {
     ExpectError(bad.number, [&] { OpenWith(test::kFixtureConnect, "bad.mdb"); });
   }
   ExpectError(ErrorNumber::FileNotFound, [&] { OpenWith("", "nowhere.mdb"); });
+}
+
+TEST_F(DBEngineTest, ATornLastPageIsDamage_OnlyIfItIsInUse) {
+  const std::vector<std::byte> sound = test::ReadWholeFile(test::FixturePath("league.mdb"));
+  std::vector<std::byte> bytes = sound;
+  bytes.resize(sound.size() + 1024, std::byte{0xA5});
+  memory->Put("torn.mdb", bytes);
+  auto torn = OpenWith(test::kFixtureConnect, "torn.mdb");
+  EXPECT_TRUE(torn->Check().findings.empty());
+  torn->Close();
+  EXPECT_EQ(memory->Get("torn.mdb"), bytes) << "reading changes nothing";
+  torn = OpenWith(test::kFixtureConnect, "torn.mdb");
+  AddPrizeTypes(*torn);
+  torn->Close();
+  EXPECT_GT(memory->Get("torn.mdb").size(), bytes.size());
+  EXPECT_TRUE(OpenWith(test::kFixtureConnect, "torn.mdb")->Check().findings.empty());
+
+  bytes = sound;
+  bytes.resize(sound.size() - 3072);
+  memory->Put("torn.mdb", bytes);
+  ExpectError(ErrorNumber::DamagedFile, [&] { OpenWith(test::kFixtureConnect, "torn.mdb"); });
+}
+
+TEST_F(DBEngineTest, AMapOfFreePagesThatCannotBeRead_StopsChangesOnly) {
+  std::vector<std::byte> bytes = test::ReadWholeFile(test::FixturePath("league.mdb"));
+  bytes[2 * 4096 - 69] = std::byte{0x07};  // a kind of map that is not known
+  memory->Put("map.mdb", bytes);
+  const auto league = OpenWith(test::kFixtureConnect, "map.mdb");
+  EXPECT_FALSE(league->OpenRecordset("select * from [prize type info]")->Eof());
+  ExpectError(ErrorNumber::DamagedFile, [&] { AddPrizeTypes(*league); });
+  EXPECT_FALSE(league->Check().findings.empty());
 }
 
 TEST_F(DBEngineTest, DatabaseClosesWithItsLastReference) {

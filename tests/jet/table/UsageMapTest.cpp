@@ -5,6 +5,7 @@
 
 #include "jet/Error.h"
 #include "jet/format/Bytes.h"
+#include "jet/format/UsageMapRow.h"
 #include "jet/table/UsageMap.h"
 #include "tests/jet/table/BarePages.h"
 
@@ -70,7 +71,7 @@ TEST(UsageMapTest, AMapWithoutABitmap_IsDamage) {
   EXPECT_THROW(map.Add(7, bare.allocator), Error);
 }
 
-TEST(PageAllocatorTest, AMapThatIsWrong_GivesAwayNoPageOfTheSystemTables_AndIsNotWrittenPastItsEnd) {
+TEST(PageAllocatorTest, AMapThatIsWrong_GivesAwayNoPageOfTheSystemTables_AndIsNotWritten) {
   BarePages bare;
   ChangeUnit unit(bare.pager);
   while (bare.pager.PageCount() < 600)
@@ -79,8 +80,8 @@ TEST(PageAllocatorTest, AMapThatIsWrong_GivesAwayNoPageOfTheSystemTables_AndIsNo
   format::DataPage global(page.Bytes(), 1);
   global.MutableRow(0)[5] = std::byte{0x01};
   EXPECT_THROW(bare.allocator.Allocate(), Error) << "the header page";
-  const std::vector<std::byte> cut(global.Row(0).begin(), global.Row(0).begin() + 6);
-  global.Replace(0, cut, format::data_page::kLive);
+  const std::vector<std::byte> none;
+  global.Replace(0, none, format::data_page::kLive);
   EXPECT_THROW(bare.allocator.Free(599), Error);
 }
 
@@ -106,24 +107,44 @@ TEST(PageAllocatorTest, FreedPagesAreGivenOutAgain_LowestFirst_AndAnUndoneUnitGi
   EXPECT_EQ(bare.allocator.Allocate().Number(), 7U);
 }
 
-TEST(PageAllocatorTest, TheGlobalMapGrowsWithTheFile_FirstItsRow_ThenByReference) {
+/// The parameter: the page at which the global map begins when the file has grown for a while.
+class PageAllocatorGrowthTest : public testing::TestWithParam<PageNumber> {};
+
+TEST_P(PageAllocatorGrowthTest, TheGlobalMapGrowsWithTheFile_FirstItsRow_ThenByReference) {
   BarePages bare;
   ChangeUnit unit(bare.pager);
   std::set<PageNumber> given{0, 1, 2, 3, 4, 5};
-  // The row of page 1 has room for the map of some 31,000 pages.
-  while (bare.pager.PageCount() < 34000) {
-    ASSERT_TRUE(given.insert(bare.allocator.Allocate().Number()).second);
+  const auto growTo = [&](PageNumber pageCount) {
+    while (bare.pager.PageCount() < pageCount)
+      ASSERT_TRUE(given.insert(bare.allocator.Allocate().Number()).second);
+  };
+  std::size_t oldMapPages = 0;
+  if (GetParam() != 0) {
+    growTo(GetParam());
+    oldMapPages = bare.pager.PageCount() - given.size();
+    const MutablePage global = bare.pager.Change(1);
+    std::vector<std::byte> row(format::usage_map::kNewRowBytes, std::byte{0xFF});
+    format::StoreU8(row.data(), format::usage_map::kInline);
+    format::StoreU32(row.data() + format::usage_map::kFirstPage, GetParam());
+    format::DataPage(global.Bytes(), 1).Replace(0, row, format::data_page::kLive);
+    bare.allocator.Free(1000);  // below the map
+    given.erase(1000);
   }
+  // The row of page 1 has space for the map of some 31,000 pages.
+  growTo(34000);
+  EXPECT_EQ(given.count(1000), 1U) << "a page that was freed is given out again";
   bare.allocator.CheckFileIsWhole();
   std::size_t mapPages = 0;
   for (PageNumber page = 0; page < bare.pager.PageCount(); ++page) {
     ASSERT_FALSE(bare.allocator.IsFree(page)) << page;
     if (given.count(page) == 0) ++mapPages;
   }
-  EXPECT_EQ(mapPages, 2U) << "34,000 pages take two pages of map";
+  EXPECT_EQ(mapPages - oldMapPages, 2U) << "34,000 pages take two pages of map";
   bare.allocator.Free(33000);
   EXPECT_EQ(bare.allocator.Allocate().Number(), 33000U);
 }
+
+INSTANTIATE_TEST_SUITE_P(FirstPages, PageAllocatorGrowthTest, testing::Values(0, 3584, 32733, 33984));
 
 }  // namespace
 }  // namespace jet
