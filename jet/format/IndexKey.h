@@ -15,8 +15,8 @@ namespace jet::format {
 /// false.
 ///
 /// False, with `key` as it was, when there is no known form: for decimals, descending binary and GUIDs, text
-/// in another sort order than General Legacy or with characters outside its table, long values, a value of
-/// another kind than the column's or outside its range.
+/// in another sort order than General Legacy, long values, text that is not UTF-8, a value of another kind
+/// than the column's or outside its range.
 bool AppendKeyColumn(std::vector<std::byte>& key, const Value& value, const ColumnDefinition& column,
                      bool ascending);
 
@@ -24,7 +24,7 @@ bool AppendKeyColumn(std::vector<std::byte>& key, const Value& value, const Colu
 bool AppendTextKeyColumn(std::vector<std::byte>& key, std::optional<std::string_view> text,
                          const ColumnDefinition& column, bool ascending);
 
-/// Whether every key of an index on this column can be formed (but for text outside the sort table).
+/// Whether every key of an index on this column can be formed.
 bool HasKnownKeyForm(const ColumnDefinition& column, bool ascending);
 
 }  // namespace jet::format

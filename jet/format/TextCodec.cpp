@@ -68,7 +68,8 @@ bool AllAscii(std::span<const std::byte> bytes) {
 /// Joins surrogate pairs of a stream of UTF-16 units into UTF-8.
 class Utf8Writer {
  public:
-  explicit Utf8Writer(std::string& into) : m_into(into) {}
+  explicit Utf8Writer(std::string& into, LoneSurrogates lone = LoneSurrogates::Replace)
+      : m_into(into), m_keepsLone(lone == LoneSurrogates::Keep) {}
   ~Utf8Writer() = default;
   Utf8Writer(const Utf8Writer&) = delete;
   Utf8Writer& operator=(const Utf8Writer&) = delete;
@@ -81,41 +82,52 @@ class Utf8Writer {
         AppendUtf8(0x10000 + ((high - 0xD800) << 10) + (unit - 0xDC00), m_into);
         return;
       }
-      AppendUtf8(kReplacement, m_into);
+      PutLone(high);
     }
     if (unit < 0x80) {
       m_into.push_back(static_cast<char>(unit));
     } else if (IsHighSurrogate(unit)) {
       m_high = unit;
+    } else if (IsLowSurrogate(unit)) {
+      PutLone(unit);
     } else {
       AppendUtf8(unit, m_into);
     }
   }
   void Finish() {
-    if (m_high != 0) AppendUtf8(kReplacement, m_into);
+    if (m_high != 0) PutLone(m_high);
     m_high = 0;
   }
 
  private:
+  void PutLone(char32_t surrogate) {
+    if (!m_keepsLone) return AppendUtf8(kReplacement, m_into);
+    m_into.push_back(static_cast<char>(0xE0 | surrogate >> 12));
+    m_into.push_back(static_cast<char>(0x80 | (surrogate >> 6 & 0x3F)));
+    m_into.push_back(static_cast<char>(0x80 | (surrogate & 0x3F)));
+  }
+
   std::string& m_into;
+  bool m_keepsLone;
   char32_t m_high = 0;
 };
 
-void DecodePlain(std::span<const std::byte> stored, std::string& into) {
+void DecodePlain(std::span<const std::byte> stored, std::string& into,
+                 LoneSurrogates lone = LoneSurrogates::Replace) {
   if (stored.size() % 2 != 0) {
     throw Error(ErrorNumber::DamagedFile,
                 "A text of an odd number of bytes (" + std::to_string(stored.size()) + ") is damaged.");
   }
   into.reserve(stored.size() / 2);
-  Utf8Writer writer(into);
+  Utf8Writer writer(into, lone);
   for (std::size_t at = 0; at < stored.size(); at += 2)
     writer.Put(LoadU16(stored.data() + at));
   writer.Finish();
 }
 
-void DecodeCompressed(std::span<const std::byte> runs, std::string& into) {
+void DecodeCompressed(std::span<const std::byte> runs, std::string& into, LoneSurrogates lone) {
   into.reserve(runs.size());
-  Utf8Writer writer(into);
+  Utf8Writer writer(into, lone);
   bool bytes = true;
   for (std::size_t at = 0; at < runs.size();) {
     if (runs[at] == kSwitch) {
@@ -209,16 +221,16 @@ void AppendUtf8(char32_t point, std::string& into) {
   }
 }
 
-void DecodeText(std::span<const std::byte> stored, std::string& into) {
+void DecodeText(std::span<const std::byte> stored, std::string& into, LoneSurrogates lone) {
   into.clear();
   if (stored.size() < 2 || stored[0] != kCompressedMark0 || stored[1] != kCompressedMark1) {
-    DecodePlain(stored, into);
+    DecodePlain(stored, into, lone);
     return;
   }
   if (const std::optional<std::string_view> ascii = AsciiIn(stored)) {
     into = *ascii;
   } else {
-    DecodeCompressed(stored.subspan(2), into);
+    DecodeCompressed(stored.subspan(2), into, lone);
   }
 }
 

@@ -15,9 +15,16 @@
 /// not changed, so reading such a text does not lose it.
 namespace jet::format {
 
+/// What becomes of a surrogate without its partner.
+enum class LoneSurrogates {
+  Replace,  ///< U+FFFD
+  Keep,     ///< three bytes, as if it were a character; only AppendTextKey understands them
+};
+
 /// Reads a stored text, plain or compressed, into `into`, replacing what it held. Raises DamagedFile for an
 /// odd number of bytes, or compressed text that ends inside a character.
-void DecodeText(std::span<const std::byte> stored, std::string& into);
+void DecodeText(std::span<const std::byte> stored, std::string& into,
+                LoneSurrogates lone = LoneSurrogates::Replace);
 
 /// A compressed text of ASCII characters only, as UTF-8 where it is stored; none for any other text.
 std::optional<std::string_view> AsciiIn(std::span<const std::byte> stored);

@@ -20,8 +20,8 @@ inline constexpr std::size_t kMostKeyBytes = 255;
 /// Gives the value as the column of an index holds it. `wanted` is of the column's kind.
 KeyFit FitKey(const Value& wanted, const format::ColumnDefinition& column, Value& key);
 
-/// Whether an index of the column has its rows in the order in which values compare. Not so for text: an
-/// index of another writer may hold characters that have no place in the sort order known here.
+/// Whether an index of the column has its rows in the order in which values compare. Not so for text: a
+/// column may have another sort order than the one in which values compare.
 bool HasKeyOrder(ColumnType type);
 
 }  // namespace jet::sql

@@ -63,8 +63,8 @@ class Index {
   /// For messages: "index 'season id' of 'draft info'".
   const std::string& Where() const { return m_where; }
 
-  /// Key bytes of the leading columns' values; none when a value cannot be put as a key (a character outside
-  /// the known sort order, a value of another kind than the column's).
+  /// Key bytes of the leading columns' values; none when a value cannot be put as a key (another sort order,
+  /// a value of another kind than the column's).
   std::optional<KeyBytes> KeyPrefix(std::span<const Value> leading) const;
   /// What the key of a row begins with when its first column is not Null.
   KeyBytes FirstNotNull() const;

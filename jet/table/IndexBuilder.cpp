@@ -32,7 +32,7 @@ std::string Describe(const Table& table, std::size_t number, const std::vector<V
 std::vector<Value> ValuesOf(const Table& table, std::size_t number, const RowRef& row) {
   std::vector<Value> values;
   for (const std::size_t column : table.IndexColumns(number))
-    values.push_back(table.Read(row, column));
+    values.push_back(table.ReadForKey(row, column));
   return values;
 }
 

@@ -118,6 +118,16 @@ Value Table::Read(const format::RowView& row, std::size_t column) const {
   return text;
 }
 
+Value Table::ReadForKey(const RowRef& row, std::size_t column) const {
+  const ColumnDefinition& definition = m_definition.columns[column];
+  if (definition.type != ColumnType::Text) return Read(row, column);
+  const format::RowField field = View(row).Field(definition);
+  if (!field.present) return {};
+  std::string text;
+  format::DecodeText(field.bytes, text, format::LoneSurrogates::Keep);
+  return text;
+}
+
 std::optional<std::string_view> Table::ReadText(const format::RowView& row, std::size_t column,
                                                 std::string& buffer) const {
   const ColumnDefinition& definition = m_definition.columns[column];

@@ -69,6 +69,8 @@ class Table {
   /// A column's value in a row. Reads long values whole.
   Value Read(const format::RowView& row, std::size_t column) const;
   Value Read(const RowRef& row, std::size_t column) const { return Read(View(row), column); }
+  /// The same for an index key: a text keeps surrogates without their partners, see AppendTextKey.
+  Value ReadForKey(const RowRef& row, std::size_t column) const;
   /// A text or memo column's value, without building a Value: where it is stored if it can be read there,
   /// else in `buffer`; none for Null.
   std::optional<std::string_view> ReadText(const format::RowView& row, std::size_t column,

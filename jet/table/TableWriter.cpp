@@ -43,7 +43,7 @@ Table::RowValues Table::IndexedValues(const RowRef& row) const {
   RowValues values(m_definition.columns.size());
   for (const TableIndex& index : m_indexes) {
     for (const std::size_t column : index.columns) {
-      if (values[column].IsNull()) values[column] = Read(row, column);
+      if (values[column].IsNull()) values[column] = ReadForKey(row, column);
     }
   }
   return values;

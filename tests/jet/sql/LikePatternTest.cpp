@@ -24,6 +24,14 @@ TEST(LikePattern, MatchesTheWholeValue) {
   EXPECT_FALSE(Like("Smith ", "smith"));
 }
 
+TEST(LikePattern, IgnoresCaseInEveryScript_AndNeverAccents) {
+  EXPECT_TRUE(Like("Ștefan", "ștefan"));
+  EXPECT_TRUE(Like("NGUYỄN", "nguyễ*"));
+  EXPECT_TRUE(Like("Ἀριστοτέλης", "ἀΡΙΣΤΟΤΈΛΗΣ"));
+  EXPECT_FALSE(Like("Ștefan", "stefan"));
+  EXPECT_FALSE(Like("Nguyễn", "nguyen"));
+}
+
 TEST(LikePattern, EmptyTextAndPattern) {
   EXPECT_TRUE(Like("", ""));
   EXPECT_TRUE(Like("", "*"));

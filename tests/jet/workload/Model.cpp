@@ -80,14 +80,6 @@ std::string ModelTable::Where(const ModelRow& row) const {
   return text;
 }
 
-bool ModelTable::IsIndexed(std::size_t column) const {
-  const std::string& name = info.columns[column].name;
-  return std::any_of(info.indexes.begin(), info.indexes.end(), [&](const IndexSpec& index) {
-    return std::any_of(index.columns.begin(), index.columns.end(),
-                       [&](const IndexColumn& part) { return part.name == name; });
-  });
-}
-
 Model::Model(Database& database) : m_relations(database.Relations()) {
   m_relations.erase(
       std::remove_if(m_relations.begin(), m_relations.end(), [](const auto& r) { return !r.enforced; }),

@@ -27,7 +27,6 @@ struct ModelTable {
   std::string KeyOf(const ModelRow& row) const;
   /// Condition that finds the row in a select statement.
   std::string Where(const ModelRow& row) const;
-  bool IsIndexed(std::size_t column) const;
   /// Whether values of the column must be told apart: it is part of a unique index or of a relationship.
   bool IsKey(std::size_t column) const { return keyColumns.count(column) != 0; }
 

@@ -5,36 +5,39 @@
 #include <cmath>
 #include <limits>
 
+#include "jet/format/TextCodec.h"
+
 namespace jet::test {
 namespace {
 
 /// A character and its UTF-16 units.
 struct Character {
-  const char* utf8;
+  std::string utf8;
   std::size_t units;
 };
 
-constexpr std::array<Character, 14> kIndexed{{{" ", 1},
-                                              {"'", 1},
-                                              {"-", 1},
-                                              {"\xC3\xA9", 1},  // e with acute
-                                              {"\xC3\xA4", 1},  // a with diaeresis
-                                              {"\xC3\x9F", 1},  // sharp s
-                                              {"\xC3\x86", 1},  // AE
-                                              {"\xC4\x8D", 1},  // c with caron
-                                              {"_", 1},
-                                              {".", 1},
-                                              {"7", 1},
-                                              {"Q", 1},
-                                              {"\xE2\x82\xAC", 1},  // euro
-                                              {"\"", 1}}};
-constexpr std::array<Character, 6> kOthers{
-    {{"\xC4\x80", 1},  // A with macron: low byte zero, so never compressed
-     {"\xCE\xA9", 1},
-     {"\xE6\xBC\xA2", 1},
-     {"\xF0\x9F\x98\x80", 2},
-     {"\n", 1},
-     {"\t", 1}}};
+/// Characters that are hard to sort or to store.
+const std::array<Character, 20> kAwkward{{{" ", 1},
+                                          {"'", 1},
+                                          {"-", 1},
+                                          {"é", 1},
+                                          {"ä", 1},
+                                          {"ß", 1},
+                                          {"Æ", 1},
+                                          {"č", 1},
+                                          {"_", 1},
+                                          {".", 1},
+                                          {"7", 1},
+                                          {"Q", 1},
+                                          {"€", 1},
+                                          {"\"", 1},
+                                          {"Ā", 1},  // low byte zero, so never
+                                                     // compressed
+                                          {"Ω", 1},
+                                          {"漢", 1},
+                                          {"😀", 2},
+                                          {"\n", 1},
+                                          {"が", 1}}};
 
 }  // namespace
 
@@ -42,15 +45,20 @@ std::int64_t ValueSource::Number(std::int64_t low, std::int64_t high) {
   return std::uniform_int_distribution<std::int64_t>(low, high)(m_random);
 }
 
-std::string ValueSource::Text(std::size_t units, bool isIndexed, bool isKey) {
+std::string ValueSource::Text(std::size_t units, bool isKey) {
   std::string text;
   for (std::size_t used = 0; used < units;) {
-    Character character{nullptr, 1};
+    Character character{{}, 1};
     if (!isKey && used > 0 && used + 1 < units && Chance(0.1)) {  // blanks at the end would not count
-      character =
-          isIndexed || Chance(0.7) ? kIndexed[Below(kIndexed.size())] : kOthers[Below(kOthers.size())];
+      if (Chance(0.5)) {
+        character = kAwkward[Below(kAwkward.size())];
+      } else {
+        const auto point = static_cast<char32_t>(Number(0x20, 0x1FFFF));
+        format::AppendUtf8(point, character.utf8);
+        character.units = point > 0xFFFF ? 2 : 1;
+      }
     }
-    if (character.utf8 != nullptr && used + character.units < units) {
+    if (!character.utf8.empty() && used + character.units < units) {
       text += character.utf8;
     } else {
       text.push_back(static_cast<char>('a' + Number(0, 25)));
@@ -84,7 +92,7 @@ Bytes ValueSource::Random(std::size_t count) {
   return bytes;
 }
 
-Value ValueSource::Make(const ColumnSpec& column, bool isIndexed, bool isKey) {
+Value ValueSource::Make(const ColumnSpec& column, bool isKey) {
   switch (column.type) {
     case ColumnType::YesNo:
       return Chance(0.5);
@@ -124,13 +132,13 @@ Value ValueSource::Make(const ColumnSpec& column, bool isIndexed, bool isKey) {
     case ColumnType::Ole:
       return Random(LongLength());
     case ColumnType::Memo:
-      return Text(LongLength(), false, false);
+      return Text(LongLength(), false);
     case ColumnType::Text:
       break;
   }
   const std::size_t length =
       Chance(0.8) ? 1 + Below(std::min<std::size_t>(column.length, 20)) : column.length;
-  return Text(isKey ? std::min<std::size_t>(column.length, 10) : length, isIndexed, isKey);
+  return Text(isKey ? std::min<std::size_t>(column.length, 10) : length, isKey);
 }
 
 }  // namespace jet::test

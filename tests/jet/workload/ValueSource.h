@@ -22,12 +22,11 @@ class ValueSource {
     return static_cast<std::size_t>(Number(0, static_cast<std::int64_t>(count) - 1));
   }
 
-  /// A value for a column, never Null. `isIndexed`: of what the sort order knows; `isKey`: such that two
-  /// texts are equal only if their bytes are.
-  Value Make(const ColumnSpec& column, bool isIndexed, bool isKey);
+  /// A value for a column, never Null. `isKey`: such that two texts are equal only if their bytes are.
+  Value Make(const ColumnSpec& column, bool isKey);
 
  private:
-  std::string Text(std::size_t units, bool isIndexed, bool isKey);
+  std::string Text(std::size_t units, bool isKey);
   std::size_t LongLength();
   Bytes Random(std::size_t count);
 

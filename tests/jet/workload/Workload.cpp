@@ -119,7 +119,7 @@ Value Workload::ValueFor(const ModelTable& table, std::size_t column) {
   if (table.IsKey(column) && m_values.Chance(0.05)) {
     if (const ModelRow* other = AnyRow(table)) return (*other)[column];
   }
-  return m_values.Make(definition, table.IsIndexed(column), table.IsKey(column));
+  return m_values.Make(definition, table.IsKey(column));
 }
 
 /// Lets columns that refer to other tables mostly refer to rows that are there.
