@@ -49,7 +49,20 @@ struct DateTime {
 
 struct Guid {
   std::array<std::uint8_t, 16> bytes{};  ///< in the order in which the file stores them
-  friend auto operator<=>(const Guid&, const Guid&) = default;
+
+  /// Where the bytes, in the order in which they are written as text, stand in `bytes`.
+  static constexpr std::array<std::uint8_t, 16> kAsWritten{3, 2, 1,  0,  5,  4,  7,  6,
+                                                           8, 9, 10, 11, 12, 13, 14, 15};
+  /// The bytes in the order in which they are written as text.
+  std::array<std::uint8_t, 16> AsWritten() const {
+    std::array<std::uint8_t, 16> written{};
+    for (std::size_t i = 0; i < written.size(); ++i)
+      written[i] = bytes[kAsWritten[i]];
+    return written;
+  }
+  friend bool operator==(const Guid&, const Guid&) = default;
+  /// The order of their texts, and of indexes.
+  friend auto operator<=>(const Guid& a, const Guid& b) { return a.AsWritten() <=> b.AsWritten(); }
 };
 
 /// A decimal number: the 96 or 128 bits of the magnitude, least significant word first, times 10^-scale.

@@ -191,7 +191,7 @@ IndexCheck::RowKey IndexCheck::KeyOf(const RowRef& row) const {
   RowKey key;
   for (std::size_t i = 0; i < m_columns->size(); ++i) {
     const ColumnDefinition& column = definition.columns[(*m_columns)[i]];
-    const Value value = column.IsLongValue() ? Value() : m_checked->table->ReadForKey(row, (*m_columns)[i]);
+    const Value value = m_checked->table->ReadForKey(row, (*m_columns)[i]);
     if (value.IsNull()) ++key.nulls;
     key.isKnown = key.isKnown && AppendKeyColumn(key.bytes, value, column, m_index->columns[i].ascending);
   }

@@ -21,6 +21,8 @@ constexpr std::byte kTrueKey{0x00};
 constexpr std::byte kFalseKey{0xFF};
 constexpr std::byte kSignBit{0x80};
 constexpr std::byte kDescendingTextEnd{0x00};
+constexpr std::byte kPositiveDecimal{0xFF};
+constexpr std::byte kNegativeDecimal{0x00};
 // Binary: groups of 8 bytes, the last filled up with zeros. Behind each group stands 09, behind the last its
 // bytes in use.
 constexpr std::size_t kGroup = 8;
@@ -65,13 +67,18 @@ void AppendGroups(std::span<const std::byte> bytes, Key& key) {
   } while (!bytes.empty());
 }
 
-/// The bytes of a GUID in the order in which it is written.
-Bytes TextOrder(const Guid& guid) {
-  static constexpr std::uint8_t kOrder[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
-  Bytes result;
-  for (const std::uint8_t place : kOrder)
-    result.push_back(std::byte{guid.bytes[place]});
-  return result;
+/// A sign byte and the 16 bytes of the magnitude, highest first, inverted if negative.
+bool AppendDecimal(const Decimal& decimal, const ColumnDefinition& column, Key& key) {
+  if (decimal.scale != column.scale) return false;
+  key.push_back(decimal.negative ? kNegativeDecimal : kPositiveDecimal);
+  const std::size_t at = key.size();
+  for (std::size_t i = decimal.words.size(); i > 0; --i)
+    AppendBig(decimal.words[i - 1], key);
+  if (decimal.negative) {
+    for (std::size_t i = at; i < key.size(); ++i)
+      key[i] = ~key[i];
+  }
+  return true;
 }
 
 template <typename Narrow>
@@ -116,14 +123,21 @@ bool AppendAscending(const Value& value, const ColumnDefinition& column, Key& ke
       if (const auto* date = value.As<DateTime>())
         return AppendFloat(std::bit_cast<std::uint64_t>(date->days), key), true;
       return false;
+    case ColumnType::Decimal:
+      if (const auto* decimal = value.As<Decimal>()) return AppendDecimal(*decimal, column, key);
+      return false;
     case ColumnType::Text:
+    case ColumnType::Memo:
       if (const auto* text = value.As<std::string>()) return AppendTextKey(*text, key);
       return false;
     case ColumnType::Binary:
       if (const auto* bytes = value.As<Bytes>()) return AppendGroups(*bytes, key), true;
       return false;
     case ColumnType::Guid:
-      if (const auto* guid = value.As<Guid>()) return AppendGroups(TextOrder(*guid), key), true;
+      if (const auto* guid = value.As<Guid>()) {
+        const auto written = guid->AsWritten();
+        return AppendGroups(std::as_bytes(std::span(written)), key), true;
+      }
       return false;
     default:
       return false;
@@ -151,7 +165,10 @@ bool AppendFlagged(Key& key, bool isNull, const ColumnDefinition& column, bool a
   if (ascending) return true;
   for (std::size_t i = before; i < key.size(); ++i)
     key[i] = ~key[i];
-  if (column.type == ColumnType::Text && !isNull) key.push_back(kDescendingTextEnd);
+  const bool isText = column.type == ColumnType::Text || column.type == ColumnType::Memo;
+  if (isText && !isNull) key.push_back(kDescendingTextEnd);
+  // Negative decimals come first in descending keys too.
+  if (column.type == ColumnType::Decimal && !isNull) key[before + 1] = ~key[before + 1];
   return true;
 }
 
@@ -167,8 +184,10 @@ bool HasKnownKeyForm(const ColumnDefinition& column, bool ascending) {
     case ColumnType::Single:
     case ColumnType::Double:
     case ColumnType::DateTime:
+    case ColumnType::Decimal:
       return true;
     case ColumnType::Text:
+    case ColumnType::Memo:
       return column.sortLocale == kGeneralLocale && column.sortVariant == 0 && column.sortVersion == 0;
     case ColumnType::Binary:
     case ColumnType::Guid:

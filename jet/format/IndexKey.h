@@ -14,13 +14,13 @@ namespace jet::format {
 /// does. Keys of several columns are the columns' one behind the other. A Null of a yes/no column counts as
 /// false.
 ///
-/// False, with `key` as it was, when there is no known form: for decimals, descending binary and GUIDs, text
-/// in another sort order than General Legacy, long values, text that is not UTF-8, a value of another kind
+/// False, with `key` as it was, when there is no known form: for descending binary and GUIDs, text in another
+/// sort order than General Legacy, long binary values, text that is not UTF-8, a value of another kind
 /// than the column's or outside its range.
 bool AppendKeyColumn(std::vector<std::byte>& key, const Value& value, const ColumnDefinition& column,
                      bool ascending);
 
-/// The same of the text of a text column, without a Value of it; none for Null.
+/// The same of the text of a text or memo column, without a Value of it; none for Null.
 bool AppendTextKeyColumn(std::vector<std::byte>& key, std::optional<std::string_view> text,
                          const ColumnDefinition& column, bool ascending);
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "jet/Error.h"
+#include "jet/sql/Literals.h"
 #include "jet/sql/Numbers.h"
 
 namespace jet::sql {
@@ -26,9 +27,21 @@ void AdaptLiteral(BoundExpression& literal, const BoundExpression& other) {
     literal.literal = ToDouble(literal.literal);
 }
 
+// A text that says a GUID meets GUIDs as that GUID.
+void TakeForGuid(BoundExpression& literal, const BoundExpression& other) {
+  const auto* const text = literal.kind == Kind::Literal ? literal.literal.As<std::string>() : nullptr;
+  if (text == nullptr || other.valueKind != ValueKind::Guid) return;
+  const std::optional<Guid> guid = ParseGuid(Trim(*text));
+  if (!guid) return;
+  literal.literal = *guid;
+  literal.valueKind = ValueKind::Guid;
+}
+
 void BindComparison(const Expression& expression, BoundExpression& bound) {
   BoundExpression& left = bound.operands[0];
   BoundExpression& right = bound.operands[1];
+  TakeForGuid(left, right);
+  TakeForGuid(right, left);
   if (left.valueKind != right.valueKind && left.valueKind != ValueKind::Null &&
       right.valueKind != ValueKind::Null) {
     throw Error(ErrorNumber::TypeMismatch, Describe(expression.operands[0]) + ", " + NameOf(left.valueKind) +

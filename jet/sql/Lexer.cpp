@@ -69,6 +69,21 @@ Token Lexer::DateLiteral() {
   return token;
 }
 
+Token Lexer::GuidLiteral() {
+  constexpr std::string_view kWord = "guid";
+  const std::size_t close = m_text.find("}}", m_at);
+  if (close == std::string_view::npos) return Invalid("a GUID is never closed by '}}'");
+  std::string_view text = Trim(m_text.substr(m_at + 1, close - m_at));
+  const bool hasWord = SameWord(text.substr(0, kWord.size()), kWord);
+  if (hasWord) text = Trim(text.substr(kWord.size()));
+  const std::optional<Guid> guid = hasWord ? ParseGuid(text) : std::nullopt;
+  if (!guid) return Invalid("not a GUID such as {guid {01234567-89AB-CDEF-0123-456789ABCDEF}}");
+  m_at = close + 2;
+  Token token = Symbol(Token::Kind::Literal, 0);
+  token.value = *guid;
+  return token;
+}
+
 Token Lexer::BracketedName() {
   const std::size_t close = m_text.find(']', m_at + 1);
   if (close == std::string_view::npos) return Invalid("a name in brackets is never closed");
@@ -105,6 +120,8 @@ Token Lexer::Next() {
       return BracketedName();
     case '#':
       return DateLiteral();
+    case '{':
+      return GuidLiteral();
     case '=':
       return Symbol(Kind::Equal, 1);
     case '<':
@@ -118,6 +135,14 @@ Token Lexer::Next() {
       return Symbol(Kind::Minus, 1);
     case '*':
       return Symbol(Kind::Star, 1);
+    case '/':
+      return Symbol(Kind::Slash, 1);
+    case '\\':
+      return Symbol(Kind::Backslash, 1);
+    case '^':
+      return Symbol(Kind::Caret, 1);
+    case '&':
+      return Symbol(Kind::Ampersand, 1);
     case '.':
       return Symbol(Kind::Dot, 1);
     case ',':

@@ -23,6 +23,7 @@ class Lexer {
   Token TextLiteral(char quote);
   Token NumberLiteral();
   Token DateLiteral();
+  Token GuidLiteral();
   Token BracketedName();
   Token Word();
   char At(std::size_t position) const { return position < m_text.size() ? m_text[position] : '\0'; }

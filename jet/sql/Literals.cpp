@@ -153,8 +153,6 @@ std::optional<DateTime> ParseDate(std::string_view text) {
 std::optional<Guid> ParseGuid(std::string_view text) {
   if (text.size() == 38 && text.front() == '{' && text.back() == '}') text = text.substr(1, 36);
   if (text.size() != 36) return std::nullopt;
-  // Where the bytes as written stand in the file.
-  static constexpr std::size_t kPlaces[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
   Guid guid;
   std::size_t at = 0;
   for (std::size_t i = 0; i < guid.bytes.size(); ++i) {
@@ -164,7 +162,7 @@ std::optional<Guid> ParseGuid(std::string_view text) {
     const std::optional<std::uint8_t> high = HexDigit(text[at++]);
     const std::optional<std::uint8_t> low = HexDigit(text[at++]);
     if (!high || !low) return std::nullopt;
-    guid.bytes[kPlaces[i]] = static_cast<std::uint8_t>(*high << 4 | *low);
+    guid.bytes[Guid::kAsWritten[i]] = static_cast<std::uint8_t>(*high << 4 | *low);
   }
   return guid;
 }

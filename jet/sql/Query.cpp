@@ -179,12 +179,7 @@ Query BindSelect(const SelectStatement& statement, Store& store) {
   for (const Expression& condition : statement.conditions)
     AddConditions(condition, scope, query);
   for (const OrderItem& item : statement.order) {
-    const BoundColumn column = scope.Resolve(item.column);
-    if (KindOf(column.type) == ValueKind::Binary) {
-      throw Error(ErrorNumber::TypeMismatch,
-                  "Rows cannot be ordered by the binary column " + Describe(item.column) + ".");
-    }
-    query.order.push_back({column, item.ascending});
+    query.order.push_back({scope.Resolve(item.column), item.ascending});
   }
   return query;
 }

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kMostDigits = 9;  // such numbers fit 32 bits
 
-/// Behind what begins at `at`: a text, date, name, word or number, or any other character.
+/// Behind what begins at `at`: a text, date, GUID, name, word or number, or any other character.
 std::size_t EndOfPiece(std::string_view statement, std::size_t at) {
   const char first = statement[at];
   if (BeginsWord(first) || IsDigit(first)) {
@@ -17,8 +17,8 @@ std::size_t EndOfPiece(std::string_view statement, std::size_t at) {
       ++at;
     return at;
   }
-  if (first != '\'' && first != '"' && first != '[' && first != '#') return at + 1;
-  const std::size_t close = statement.find(first == '[' ? ']' : first, at + 1);
+  if (first != '\'' && first != '"' && first != '[' && first != '#' && first != '{') return at + 1;
+  const std::size_t close = statement.find(first == '[' ? ']' : first == '{' ? '}' : first, at + 1);
   return close == std::string_view::npos ? statement.size() : close + 1;
 }
 

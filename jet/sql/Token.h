@@ -13,7 +13,7 @@ struct Token {
     End,
     Word,     ///< a name or keyword without brackets: `text`
     Name,     ///< a name in brackets: `text` is what stands between them
-    Literal,  ///< a number, text or date: `value`
+    Literal,  ///< a number, text, date or GUID: `value`
     Equal,
     NotEqual,
     Less,
@@ -23,6 +23,10 @@ struct Token {
     Plus,
     Minus,
     Star,
+    Slash,
+    Backslash,
+    Caret,
+    Ampersand,
     Dot,
     Comma,
     Open,

@@ -104,14 +104,17 @@ std::uint32_t Table::RowCount() const {
   return format::LoadU32(page.Data() + format::definition_page::kRowCount);
 }
 
+Bytes Table::ReadLongValue(const ColumnDefinition& column, const format::RowField& field) const {
+  return LongValues(m_store->Pages(), m_store->Allocator(), m_definition, column).Read(field.bytes);
+}
+
 Value Table::Read(const format::RowView& row, std::size_t column) const {
   const ColumnDefinition& definition = m_definition.columns[column];
   const format::RowField field = row.Field(definition);
   if (definition.type == ColumnType::YesNo) return field.present;
   if (!field.present) return {};
   if (!definition.IsLongValue()) return format::DecodeValue(definition, field.bytes);
-  Bytes bytes =
-      LongValues(m_store->Pages(), m_store->Allocator(), m_definition, definition).Read(field.bytes);
+  Bytes bytes = ReadLongValue(definition, field);
   if (definition.type == ColumnType::Ole) return bytes;
   std::string text;
   format::DecodeText(bytes, text);
@@ -120,11 +123,15 @@ Value Table::Read(const format::RowView& row, std::size_t column) const {
 
 Value Table::ReadForKey(const RowRef& row, std::size_t column) const {
   const ColumnDefinition& definition = m_definition.columns[column];
-  if (definition.type != ColumnType::Text) return Read(row, column);
+  if (definition.type != ColumnType::Text && definition.type != ColumnType::Memo) return Read(row, column);
   const format::RowField field = View(row).Field(definition);
   if (!field.present) return {};
   std::string text;
-  format::DecodeText(field.bytes, text, format::LoneSurrogates::Keep);
+  if (definition.type == ColumnType::Text) {
+    format::DecodeText(field.bytes, text, format::LoneSurrogates::Keep);
+  } else {
+    format::DecodeText(ReadLongValue(definition, field), text, format::LoneSurrogates::Keep);
+  }
   return text;
 }
 
@@ -137,9 +144,7 @@ std::optional<std::string_view> Table::ReadText(const format::RowView& row, std:
     if (const std::optional<std::string_view> ascii = format::AsciiIn(field.bytes)) return ascii;
     format::DecodeText(field.bytes, buffer);
   } else {
-    format::DecodeText(
-        LongValues(m_store->Pages(), m_store->Allocator(), m_definition, definition).Read(field.bytes),
-        buffer);
+    format::DecodeText(ReadLongValue(definition, field), buffer);
   }
   return buffer;
 }

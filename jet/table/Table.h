@@ -122,6 +122,7 @@ class Table {
     std::optional<std::int32_t> lastAutoNumber;  ///< what the table notes with the row, if it gives numbers
   };
 
+  Bytes ReadLongValue(const format::ColumnDefinition& column, const format::RowField& field) const;
   RowValues IndexedValues(const RowRef& row) const;
   KeyOfRow KeyFor(const TableIndex& index, const RowValues& values) const;
   void CheckRules(std::size_t column, const Value& value) const;

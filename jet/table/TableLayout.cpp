@@ -189,8 +189,8 @@ void AddIndex(TableDefinition& definition, const std::string& tableName, const I
   IndexDefinition index;
   for (const IndexColumn& part : wanted.columns) {
     const ColumnDefinition& column = Find(definition, part.name, who);
-    if (column.IsLongValue())
-      throw Invalid(who + "cannot be on the column '" + column.name + "', which holds long values.");
+    if (column.type == ColumnType::Ole)
+      throw Invalid(who + "cannot be on the column '" + column.name + "', which holds long binary values.");
     const bool twice = std::any_of(index.columns.begin(), index.columns.end(),
                                    [&](const auto& other) { return other.column == column.number; });
     if (twice) throw Invalid(who + "names the column '" + column.name + "' twice.");

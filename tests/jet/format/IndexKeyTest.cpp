@@ -47,11 +47,26 @@ TEST(IndexKey, OfAGuid_FollowsItsWrittenForm) {
   EXPECT_EQ(KeyOf(guid, ColumnType::Guid), "7f03020100050407060908090a0b0c0d0e0f08");
 }
 
+TEST(IndexKey, OfDecimals_PutsNegativeOnesFirstEitherWay) {
+  Decimal decimal;
+  decimal.words[0] = 0x01020304;
+  EXPECT_EQ(KeyOf(decimal, ColumnType::Decimal), "7fff00000000000000000000000001020304");
+  EXPECT_EQ(KeyOf(decimal, ColumnType::Decimal, false), "80fffffffffffffffffffffffffffefdfcfb");
+  decimal.negative = true;
+  EXPECT_EQ(KeyOf(decimal, ColumnType::Decimal), "7f00fffffffffffffffffffffffffefdfcfb");
+  EXPECT_EQ(KeyOf(decimal, ColumnType::Decimal, false), "800000000000000000000000000001020304");
+  EXPECT_EQ(KeyOf({}, ColumnType::Decimal, false), "ff");
+}
+
+TEST(IndexKey, OfMemos_IsThatOfTheirFirst255Characters) {
+  EXPECT_EQ(KeyOf(std::string(300, 'a'), ColumnType::Memo), KeyOf(std::string(255, 'a'), ColumnType::Text));
+  EXPECT_EQ(KeyOf("abc", ColumnType::Memo, false), KeyOf("abc", ColumnType::Text, false));
+}
+
 TEST(IndexKey, WithoutAKnownForm_IsRefusedAndLeavesTheKey) {
-  EXPECT_EQ(KeyOf(Decimal{}, ColumnType::Decimal), "none");
   EXPECT_EQ(KeyOf(Bytes{}, ColumnType::Binary, false), "none");
   EXPECT_EQ(KeyOf(Guid{}, ColumnType::Guid, false), "none");
-  EXPECT_EQ(KeyOf("x", ColumnType::Memo), "none");
+  EXPECT_EQ(KeyOf(Bytes{}, ColumnType::Ole), "none");
   EXPECT_EQ(KeyOf("x", ColumnType::Long), "none");
   EXPECT_EQ(KeyOf(256, ColumnType::Byte), "none");
   EXPECT_EQ(KeyOf(-32769, ColumnType::Integer), "none");

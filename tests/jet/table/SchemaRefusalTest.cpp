@@ -73,7 +73,7 @@ TEST_F(SchemaRefusal, OfIndexes) {
   EXPECT_EQ(Index("teams", "i", {{"nothing"}}), 3259);
   EXPECT_EQ(Index("teams", "i", {{"id"}, {"ID"}}), 3259);
   EXPECT_EQ(
-      Table({"new", {Column("m", ColumnType::Memo)}, {{"i", {{"m"}}, false, false, false, false, false}}}),
+      Table({"new", {Column("m", ColumnType::Ole)}, {{"i", {{"m"}}, false, false, false, false, false}}}),
       3259);
 }
 

@@ -58,6 +58,8 @@ TableSpec People() {
   table.indexes = {Primary({{"id"}}),
                    Unique("code", {{"code"}}),
                    Plain("name", {{"name"}, {"year", false}}),
+                   Plain("notes", {{"notes"}}),
+                   Plain("amount", {{"amount", false}, {"tag"}}),
                    Plain("name down", {{"name", false}}),
                    Plain("active", {{"active"}, {"level", false}}),
                    Plain("salary", {{"salary"}}),
