@@ -39,6 +39,7 @@ enum class ErrorNumber : int {
   UnknownField = 3265,   ///< the recordset has no column of that name
   NullInRequiredColumn = 3314,
   ZeroLengthText = 3315,
+  RuleViolated = 3317,         ///< a row that a validation rule of its table or columns does not allow
   NotADatabase = 3343,         ///< not a Jet database, or a version this engine does not know
   FileHeldExclusively = 3356,  ///< someone else has the file open exclusively
   ObjectClosed = 3420,         ///< the database or the recordset was closed

@@ -9,6 +9,13 @@
 
 namespace jet {
 
+/// A condition that values must keep to. One that gives Null holds.
+struct ValidationRule {
+  std::string expression;  ///< as ">0" of a column, "[from] < [to]" of a table
+  std::string message;     ///< what users are told when it does not hold; empty: nothing
+  friend bool operator==(const ValidationRule&, const ValidationRule&) = default;
+};
+
 /// A column of a table, as it is or as it should be made.
 struct ColumnSpec {
   std::string name;
@@ -18,10 +25,10 @@ struct ColumnSpec {
   bool compressed = true;        ///< text and memo: stored with a byte a character where that is shorter
   bool required = false;         ///< Null is refused
   bool allowZeroLength = false;  ///< text and memo: an empty text is allowed
-  std::optional<std::string>
-      defaultValue;             ///< the default's expression text: a constant, as "0", "False", "\"QB\""
-  std::uint8_t precision = 18;  ///< decimal: digits in all, 1..28
-  std::uint8_t scale = 0;       ///< decimal: digits after the point, 0..precision
+  std::optional<std::string> defaultValue;   ///< the default's expression text, as "0", "\"QB\"", "Date()"
+  std::optional<ValidationRule> validation;  ///< the rule of the column alone
+  std::uint8_t precision = 18;               ///< decimal: digits in all, 1..28
+  std::uint8_t scale = 0;                    ///< decimal: digits after the point, 0..precision
 };
 
 struct IndexColumn {
@@ -42,8 +49,9 @@ struct IndexSpec {
 
 struct TableSpec {
   std::string name;
-  std::vector<ColumnSpec> columns;  ///< 1 to 255
-  std::vector<IndexSpec> indexes;   ///< up to 32
+  std::vector<ColumnSpec> columns;                          ///< 1 to 255
+  std::vector<IndexSpec> indexes;                           ///< up to 32
+  std::optional<ValidationRule> validation = std::nullopt;  ///< the rule of whole rows
 };
 
 /// A table as it stands in the file.

@@ -97,9 +97,9 @@ std::string_view WithoutBlanks(std::string_view text) {
 // Errors for which the row is to blame, and not the file or the system.
 bool IsFaultOfRow(jet::ErrorNumber number) {
   using enum jet::ErrorNumber;
-  constexpr jet::ErrorNumber kFaults[] = {DuplicateKey,         RecordTooLarge, NullInPrimaryKey,
-                                          TextTooLong,          NoReferredRow,  CannotConvert,
-                                          NullInRequiredColumn, ZeroLengthText, FeatureNotSupported};
+  constexpr jet::ErrorNumber kFaults[] = {
+      DuplicateKey,  RecordTooLarge,       NullInPrimaryKey, TextTooLong,  NoReferredRow,
+      CannotConvert, NullInRequiredColumn, ZeroLengthText,   RuleViolated, FeatureNotSupported};
   return std::find(std::begin(kFaults), std::end(kFaults), number) != std::end(kFaults);
 }
 

@@ -9,6 +9,7 @@
 
 #include "jet/Error.h"
 #include "jet/format/TextCodec.h"
+#include "jet/sql/ExpressionRules.h"
 #include "jet/sql/Literals.h"
 #include "jet/sql/Numbers.h"
 
@@ -187,6 +188,11 @@ class Conversion {
 Value ConvertForColumn(const Value& value, const format::ColumnDefinition& column, const std::string& table) {
   if (value.IsNull()) return column.type == ColumnType::YesNo ? Value(false) : Value();
   return Conversion(value, column, table).Convert();
+}
+
+Value EvaluateDefault(const std::string& expression) {
+  if (std::optional<Value> constant = ConstantDefault(expression)) return *std::move(constant);
+  return sql::EvaluateConstant(expression);
 }
 
 std::optional<Value> ConstantDefault(const std::string& expression) {

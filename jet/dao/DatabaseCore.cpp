@@ -5,6 +5,7 @@
 
 #include "jet/Error.h"
 #include "jet/dao/RecordsetCore.h"
+#include "jet/sql/ExpressionRules.h"
 
 namespace jet {
 
@@ -13,7 +14,9 @@ DatabaseCore::DatabaseCore(std::string name, std::unique_ptr<Store> store, bool 
     : m_name(std::move(name)),
       m_store(std::move(store)),
       m_readOnly(readOnly),
-      m_observer(std::move(observer)) {}
+      m_observer(std::move(observer)) {
+  sql::UseExpressionRules(*m_store);
+}
 
 DatabaseCore::~DatabaseCore() {
   try {

@@ -28,14 +28,15 @@ Value RowEdit::Missing(std::size_t column) const {
   const format::ColumnDefinition& definition = m_table->Definition().columns[column];
   if (!HasDefault(column)) return definition.type == ColumnType::YesNo ? Value(false) : Value();
   const std::string& expression = *m_table->Rules(column).defaultValue;
-  const std::optional<Value> constant = ConstantDefault(expression);
-  if (!constant) {
-    throw Error(ErrorNumber::FeatureNotSupported,
-                "Column '" + definition.name + "' of table '" + m_table->Name() +
-                    "' needs a value: its default, " + expression +
-                    ", is an expression that the engine does not work out.");
+  Value value;
+  try {
+    value = EvaluateDefault(expression);
+  } catch (const Error& error) {
+    throw Error(ErrorNumber::FeatureNotSupported, "Column '" + definition.name + "' of table '" +
+                                                      m_table->Name() + "' needs a value: its default, " +
+                                                      expression + ", cannot be evaluated. " + error.what());
   }
-  return ConvertForColumn(*constant, definition, m_table->Name());
+  return ConvertForColumn(value, definition, m_table->Name());
 }
 
 void RowEdit::Assign(std::size_t column, const Value& value) {

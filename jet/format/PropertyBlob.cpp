@@ -129,6 +129,11 @@ const PropertyBlob::Block* PropertyBlob::FindColumn(std::string_view column) con
   return found == blocks.end() ? nullptr : &*found;
 }
 
+const PropertyBlob::Block* PropertyBlob::FindObject() const {
+  const auto found = std::ranges::find(blocks, kObjectBlock, &Block::kind);
+  return found == blocks.end() ? nullptr : &*found;
+}
+
 const PropertyBlob::Property* FindProperty(const PropertyBlob::Block& block, std::string_view name) {
   const auto found = std::find_if(block.properties.begin(), block.properties.end(),
                                   [&](const PropertyBlob::Property& p) { return SameName(p.name, name); });

@@ -36,6 +36,8 @@ struct PropertyBlob {
 
   /// The block of a column, its name in any case; nullptr when it has none.
   const Block* FindColumn(std::string_view column) const;
+  /// The block of the table itself; nullptr when it has none.
+  const Block* FindObject() const;
 };
 
 /// A property of a block by its name in any case; nullptr when there is none.

@@ -14,6 +14,10 @@ std::string Describe(const Expression& expression) {
       if (expression.literal.IsNull()) return "Null";
       if (const auto* text = expression.literal.As<std::string>()) return "'" + *text + "'";
       return expression.literal.ToText();
+    case Expression::Kind::Arithmetic:
+      return "the result of arithmetic";
+    case Expression::Kind::Call:
+      return "the result of a function";
     default:
       return "a condition";
   }

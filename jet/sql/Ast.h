@@ -15,16 +15,25 @@ struct ColumnName {
 
 enum class Comparison { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual };
 
+/// Operators that give a value.
+enum class Operator { Add, Subtract, Multiply, Divide, DivideWhole, Modulo, Power, Join, Negate };
+
+/// Functions of rules and defaults: the day, the moment and the time of day in local time, the characters of
+/// a text, and one of two values.
+enum class Function { Date, Now, Time, Len, If };
+
 struct Expression {
   enum class Kind {
     Column,
     Literal,
-    Compare,  ///< two operands
-    Like,     ///< text and pattern
-    IsNull,   ///< one operand
-    And,      ///< two or more
-    Or,       ///< two or more
-    Not,      ///< one
+    Compare,     ///< two operands
+    Like,        ///< text and pattern
+    IsNull,      ///< one operand
+    And,         ///< two or more
+    Or,          ///< two or more
+    Not,         ///< one
+    Arithmetic,  ///< two, one of Negate
+    Call,        ///< those of the function
   };
   Kind kind = Kind::Literal;
   ColumnName column;
@@ -32,6 +41,8 @@ struct Expression {
   std::size_t place = 0;  ///< of a literal: where it stands in the statement, without its sign
   bool negated = false;   ///< a number behind a minus
   Comparison comparison = Comparison::Equal;
+  Operator arithmetic = Operator::Add;
+  Function function = Function::Date;
   std::vector<Expression> operands;
 };
 

@@ -64,6 +64,48 @@ void BindLike(const Expression& expression, BoundExpression& bound) {
     bound.pattern.emplace(pattern.literal.ToText());
 }
 
+[[noreturn]] void RaiseNoResult(const BoundExpression& left, const BoundExpression& right) {
+  throw Error(ErrorNumber::TypeMismatch, std::string("There is no such arithmetic with ") +
+                                             NameOf(left.valueKind) + " and " + NameOf(right.valueKind) +
+                                             ".");
+}
+
+ValueKind KindOfResult(Operator arithmetic, const BoundExpression& left, const BoundExpression& right) {
+  const ValueKind a = left.valueKind;
+  const ValueKind b = right.valueKind;
+  if (a == ValueKind::Binary || b == ValueKind::Binary) RaiseNoResult(left, right);
+  if (arithmetic == Operator::Join) return ValueKind::Text;
+  const bool adds = arithmetic == Operator::Add || arithmetic == Operator::Subtract;
+  const auto isNumber = [](ValueKind kind) { return kind == ValueKind::Number || kind == ValueKind::Null; };
+  const auto isTime = [&](ValueKind kind) { return kind == ValueKind::Date || isNumber(kind); };
+  if (isNumber(a) && isNumber(b)) return ValueKind::Number;
+  if (arithmetic == Operator::Subtract && a == ValueKind::Date && b == ValueKind::Date)
+    return ValueKind::Number;
+  if (adds && isTime(a) && isTime(b)) return ValueKind::Date;
+  if (arithmetic == Operator::Add && a == ValueKind::Text && b == ValueKind::Text) return ValueKind::Text;
+  RaiseNoResult(left, right);
+}
+
+ValueKind KindOfCall(const Expression& expression, const BoundExpression& call) {
+  switch (call.function) {
+    case Function::Date:
+    case Function::Now:
+    case Function::Time:
+      return ValueKind::Date;
+    case Function::Len:
+      if (call.operands[0].valueKind == ValueKind::Binary) RaiseNoResult(call.operands[0], call.operands[0]);
+      return ValueKind::Number;
+    case Function::If:
+      break;
+  }
+  NeedCondition(expression.operands[0], call.operands[0].valueKind);
+  const ValueKind yes = call.operands[1].valueKind;
+  const ValueKind no = call.operands[2].valueKind;
+  if (yes != no && yes != ValueKind::Null && no != ValueKind::Null)
+    RaiseNoResult(call.operands[1], call.operands[2]);
+  return yes == ValueKind::Null ? no : yes;
+}
+
 BoundExpression Bind(const Expression& expression, const NameScope& scope) {
   BoundExpression bound;
   bound.kind = expression.kind;
@@ -98,6 +140,14 @@ BoundExpression Bind(const Expression& expression, const NameScope& scope) {
       for (std::size_t i = 0; i < bound.operands.size(); ++i)
         NeedCondition(expression.operands[i], bound.operands[i].valueKind);
       break;
+    case Kind::Arithmetic:
+      bound.arithmetic = expression.arithmetic;
+      bound.valueKind = KindOfResult(bound.arithmetic, bound.operands.front(), bound.operands.back());
+      break;
+    case Kind::Call:
+      bound.function = expression.function;
+      bound.valueKind = KindOfCall(expression, bound);
+      break;
   }
   return bound;
 }
@@ -108,6 +158,10 @@ BoundExpression BindCondition(const Expression& condition, const NameScope& scop
   BoundExpression bound = Bind(condition, scope);
   NeedCondition(condition, bound.valueKind);
   return bound;
+}
+
+BoundExpression BindExpression(const Expression& expression, const NameScope& scope) {
+  return Bind(expression, scope);
 }
 
 }  // namespace jet::sql

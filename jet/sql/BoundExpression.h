@@ -34,6 +34,8 @@ struct BoundExpression {
   std::size_t place = 0;  ///< of a literal: where it stands in the statement, without its sign
   bool negated = false;   ///< a number behind a minus
   Comparison comparison = Comparison::Equal;
+  Operator arithmetic = Operator::Add;
+  Function function = Function::Date;
   std::optional<LikePattern> pattern;  ///< of a like whose pattern is a literal
   std::string text;                    ///< a column or literal as written, for people
   std::vector<BoundExpression> operands;
@@ -50,6 +52,9 @@ class NameScope {
 /// Looks up the names of a condition and checks its kinds. Raises UnknownColumnInStatement, TypeMismatch,
 /// BadPattern.
 BoundExpression BindCondition(const Expression& condition, const NameScope& scope);
+
+/// The same of any expression. Raises TypeMismatch too for arithmetic with what are no numbers.
+BoundExpression BindExpression(const Expression& expression, const NameScope& scope);
 
 /// Calls `visit` with every column in the expression.
 template <typename Visit>

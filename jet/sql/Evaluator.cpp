@@ -1,9 +1,12 @@
 #include "jet/sql/Evaluator.h"
 
+#include <cmath>
 #include <compare>
 #include <utility>
 
 #include "jet/format/SortKey.h"
+#include "jet/format/TextCodec.h"
+#include "jet/sql/Arithmetic.h"
 #include "jet/sql/Numbers.h"
 
 namespace jet::sql {
@@ -67,6 +70,8 @@ Truth Evaluator::Test(const BoundExpression& condition) {
     }
     case Kind::Column:
     case Kind::Literal:
+    case Kind::Arithmetic:
+    case Kind::Call:
       return TruthOf(Evaluate(condition));
   }
   return Truth::Unknown;
@@ -75,8 +80,36 @@ Truth Evaluator::Test(const BoundExpression& condition) {
 Value Evaluator::Evaluate(const BoundExpression& expression) {
   if (expression.kind == Kind::Literal) return expression.literal;
   if (expression.kind == Kind::Column) return m_rows->Read(expression.column.place);
+  if (expression.kind == Kind::Arithmetic || expression.kind == Kind::Call) return Calculate(expression);
   const Truth truth = Test(expression);
   return truth == Truth::Unknown ? Value() : Value(truth == Truth::True);
+}
+
+// Operands have an evaluator of their own: the texts of a comparison that this is a part of stay as they are.
+Value Evaluator::Calculate(const BoundExpression& expression) {
+  Evaluator inner(*m_rows);
+  const auto operand = [&](std::size_t i) { return inner.Evaluate(expression.operands[i]); };
+  if (expression.kind == Kind::Arithmetic) {
+    return expression.arithmetic == Operator::Negate
+               ? sql::Calculate(Operator::Subtract, Value(std::int32_t{0}), operand(0))
+               : sql::Calculate(expression.arithmetic, operand(0), operand(1));
+  }
+  switch (expression.function) {
+    case Function::Date:
+      return DateTime{std::floor(LocalNow().days)};
+    case Function::Now:
+      return LocalNow();
+    case Function::Time:
+      return DateTime{LocalNow().days - std::floor(LocalNow().days)};
+    case Function::Len: {
+      const Value value = operand(0);
+      if (value.IsNull()) return {};
+      return static_cast<std::int32_t>(format::Utf16Length(value.ToText()));
+    }
+    case Function::If:
+      return operand(inner.Holds(expression.operands[0]) ? 1 : 2);
+  }
+  return {};
 }
 
 bool Evaluator::IsNull(const BoundExpression& operand) {

@@ -30,12 +30,14 @@ class Evaluator {
 
   Truth Test(const BoundExpression& condition);
   bool Holds(const BoundExpression& condition) { return Test(condition) == Truth::True; }
-  /// What a column, literal or condition gives.
+  /// What a column, literal, condition or calculation gives. Raises CannotConvert for arithmetic without a
+  /// result, such as a division by zero.
   Value Evaluate(const BoundExpression& expression);
 
  private:
   Truth Compare(const BoundExpression& comparison);
   Truth Like(const BoundExpression& like);
+  Value Calculate(const BoundExpression& expression);
   bool IsNull(const BoundExpression& operand);
   std::optional<std::string_view> TextOf(const BoundExpression& operand, std::string& buffer);
 

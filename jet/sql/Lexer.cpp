@@ -61,7 +61,7 @@ Token Lexer::DateLiteral() {
   const std::size_t close = m_text.find('#', m_at + 1);
   if (close == std::string_view::npos) return Invalid("a date between # is never closed");
   const std::string_view text = m_text.substr(m_at + 1, close - m_at - 1);
-  const std::optional<DateTime> date = ParseDate(Trim(text));
+  const std::optional<DateTime> date = ParseDateLiteral(Trim(text));
   if (!date) return Invalid("'" + std::string(text) + "' is not a date such as #2024-09-05#");
   m_at = close + 1;
   Token token = Symbol(Token::Kind::Literal, 0);

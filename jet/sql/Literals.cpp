@@ -95,6 +95,38 @@ std::optional<int> ReadTime(std::string_view text) {
   return (*hours * 60 + *minutes) * 60 + *seconds;
 }
 
+std::optional<int> TakeOneOrTwoDigits(std::string_view& text) {
+  return TakeDigits(text, text.size() > 1 && IsDigit(text[1]) ? 2 : 1);
+}
+
+/// The same of "7:30:15 PM", also with one digit for the hour, and without AM or PM.
+std::optional<int> ReadTimeOfClock(std::string_view text) {
+  std::optional<int> afternoon;
+  if (text.size() > 3 &&
+      (SameWord(text.substr(text.size() - 3), " am") || SameWord(text.substr(text.size() - 3), " pm"))) {
+    afternoon = SameWord(text.substr(text.size() - 2), "pm") ? 1 : 0;
+    text.remove_suffix(3);
+  }
+  const std::string padded = text.size() > 1 && text[1] == ':' ? "0" + std::string(text) : std::string(text);
+  const std::optional<int> seconds = ReadTime(padded);
+  if (!seconds || !afternoon) return seconds;
+  const int hour = *seconds / 3600;
+  if (hour < 1 || hour > 12) return std::nullopt;
+  return *seconds + 3600 * ((hour == 12 ? -12 : 0) + 12 * *afternoon);
+}
+
+std::optional<DateTime> DateOf(int wantedYear, int month, int day, int seconds) {
+  using namespace std::chrono;
+  if (wantedYear < kFirstYear || wantedYear > kLastYear) return std::nullopt;
+  const year_month_day date{year(wantedYear), std::chrono::month(static_cast<unsigned>(month)),
+                            std::chrono::day(static_cast<unsigned>(day))};
+  if (!date.ok()) return std::nullopt;
+  const auto days = static_cast<double>((sys_days(date) - sys_days(year(1899) / December / 30)).count());
+  const double fraction = seconds / kSecondsOfDay;
+  // The time of day counts away from zero, also for days before the first.
+  return DateTime{days < 0 ? days - fraction : days + fraction};
+}
+
 std::optional<std::uint8_t> HexDigit(char c) {
   if (IsDigit(c)) return static_cast<std::uint8_t>(c - '0');
   if (c >= 'A' && c <= 'F') return static_cast<std::uint8_t>(c - 'A' + 10);
@@ -128,26 +160,40 @@ std::optional<Value> ParseNumber(std::string_view text) {
 
 std::optional<DateTime> ParseDate(std::string_view text) {
   const std::optional<int> year = TakeDigits(text, 4);
-  if (!year || *year < kFirstYear || *year > kLastYear || !Take(text, '-')) return std::nullopt;
+  if (!year || !Take(text, '-')) return std::nullopt;
   const std::optional<int> month = TakeDigits(text, 2);
   if (!month || !Take(text, '-')) return std::nullopt;
   const std::optional<int> day = TakeDigits(text, 2);
   if (!day) return std::nullopt;
-  using namespace std::chrono;
-  const year_month_day date{std::chrono::year(*year), std::chrono::month(static_cast<unsigned>(*month)),
-                            std::chrono::day(static_cast<unsigned>(*day))};
-  if (!date.ok()) return std::nullopt;
   std::optional<int> seconds = 0;
   if (!text.empty()) {
     if (!Take(text, ' ') && !Take(text, 'T')) return std::nullopt;
     seconds = ReadTime(text);
     if (!seconds) return std::nullopt;
   }
-  const auto days =
-      static_cast<double>((sys_days(date) - sys_days(std::chrono::year(1899) / December / 30)).count());
-  const double fraction = *seconds / kSecondsOfDay;
-  // The time of day counts away from zero, also for days before the first.
-  return DateTime{days < 0 ? days - fraction : days + fraction};
+  return DateOf(*year, *month, *day, *seconds);
+}
+
+std::optional<DateTime> ParseDateLiteral(std::string_view text) {
+  if (const std::optional<DateTime> date = ParseDate(text)) return date;
+  if (text.find('/') == std::string_view::npos) {
+    const std::optional<int> seconds = ReadTimeOfClock(text);
+    if (!seconds) return std::nullopt;
+    return DateTime{*seconds / kSecondsOfDay};
+  }
+  const std::optional<int> month = TakeOneOrTwoDigits(text);
+  if (!month || !Take(text, '/')) return std::nullopt;
+  const std::optional<int> day = TakeOneOrTwoDigits(text);
+  if (!day || !Take(text, '/')) return std::nullopt;
+  const std::optional<int> year = TakeDigits(text, 4);
+  if (!year) return std::nullopt;
+  std::optional<int> seconds = 0;
+  if (!text.empty()) {
+    if (!Take(text, ' ')) return std::nullopt;
+    seconds = ReadTimeOfClock(text);
+    if (!seconds) return std::nullopt;
+  }
+  return DateOf(*year, *month, *day, *seconds);
 }
 
 std::optional<Guid> ParseGuid(std::string_view text) {

@@ -17,6 +17,10 @@ std::optional<Value> ParseNumber(std::string_view text);
 /// between; years 100 to 9999. None when there is no such day or time.
 std::optional<DateTime> ParseDate(std::string_view text);
 
+/// The same of what stands between # in an expression: also "1/31/2024", the month first, "1/31/2024 7:30:15
+/// PM" and a time alone.
+std::optional<DateTime> ParseDateLiteral(std::string_view text);
+
 /// The GUID that the whole text says, with or without braces.
 std::optional<Guid> ParseGuid(std::string_view text);
 

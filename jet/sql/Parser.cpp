@@ -1,9 +1,12 @@
 #include "jet/sql/Parser.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "jet/Error.h"
 #include "jet/sql/Lexer.h"
@@ -44,7 +47,9 @@ Value Negative(const Value& number) {
 /// Reads by recursive descent, a token ahead.
 class Parser {
  public:
-  explicit Parser(std::string_view text) : m_text(text), m_lexer(text) {
+  /// `isRule`: with what rules and defaults have besides the select dialect.
+  explicit Parser(std::string_view text, bool isRule = false)
+      : m_text(text), m_lexer(text), m_isRule(isRule) {
     if (text.size() > kMaxStatementLength) {
       throw Error(ErrorNumber::SyntaxErrorInExpression, "The statement is longer than " +
                                                             std::to_string(kMaxStatementLength / 1024) +
@@ -55,6 +60,8 @@ class Parser {
 
   SelectStatement Select();
   Expression Criterion();
+  Expression ColumnRule(const std::string& column);
+  Expression WholeValue();
 
  private:
   void Advance() { m_token = m_lexer.Next(); }
@@ -78,6 +85,15 @@ class Parser {
   Expression Not();
   Expression Predicate();
   Expression Operand();
+  bool BeginsWithoutLeftSide() const;
+  Expression LeftSide(bool& isWhole);
+  Expression Between(Expression left);
+  Expression In(Expression left);
+  Expression Calculation(std::size_t level = 0);
+  Expression Signed();
+  Expression RaisedToPower();
+  Expression Primary();
+  Expression Call(std::string_view name);
   Expression Chain(Kind kind, std::string_view word, Expression (Parser::*part)());
 
   /// Counts nesting for as long as it lives.
@@ -101,6 +117,8 @@ class Parser {
   std::string_view m_text;
   Lexer m_lexer;
   Token m_token;
+  bool m_isRule;
+  std::optional<Expression> m_subject;  // the column that comparisons without a left side are of
   ErrorNumber m_error = ErrorNumber::SyntaxErrorInExpression;
   int m_depth = 0;
 };
@@ -317,6 +335,9 @@ std::optional<Comparison> ComparisonOf(Token::Kind kind) {
       return std::nullopt;
   }
 }
+bool NamesColumn(const Expression& expression) {
+  return expression.kind == Kind::Column || std::ranges::any_of(expression.operands, NamesColumn);
+}
 }  // namespace
 
 Expression Parser::Not() {
@@ -325,27 +346,201 @@ Expression Parser::Not() {
   return Unary(Kind::Not, Not());
 }
 
+// Whether a predicate of a column's rule begins with its operator.
+bool Parser::BeginsWithoutLeftSide() const {
+  return ComparisonOf(m_token.kind).has_value() || IsWord("is") || IsWord("like") || IsWord("between") ||
+         IsWord("in");
+}
+
+// What a predicate begins with; `isWhole` when it is the whole predicate.
+Expression Parser::LeftSide(bool& isWhole) {
+  if (!m_subject) return m_isRule ? Calculation() : Operand();
+  if (BeginsWithoutLeftSide()) return *m_subject;
+  if (Take(Token::Kind::Open)) {
+    const Nested nested(*this);
+    Expression inside = Or();
+    if (!Take(Token::Kind::Close)) Raise("expected ')', 'and' or 'or'");
+    if (!Is(Token::Kind::End) && !Is(Token::Kind::Close) && !IsWord("and") && !IsWord("or"))
+      Raise("expected 'and' or 'or'");
+    isWhole = true;
+    return inside;
+  }
+  return Calculation();
+}
+
 Expression Parser::Predicate() {
-  Expression left = Operand();
+  bool isWhole = false;
+  Expression left = LeftSide(isWhole);
+  if (isWhole) return left;
+  // What follows is no predicate of its own.
+  const std::optional<Expression> subject = std::exchange(m_subject, std::nullopt);
+  const auto whole = [&](Expression predicate, bool negated) {
+    m_subject = subject;
+    return negated ? Unary(Kind::Not, std::move(predicate)) : std::move(predicate);
+  };
+  const auto right = [&] { return m_isRule ? Calculation() : Operand(); };
   if (const std::optional<Comparison> comparison = ComparisonOf(m_token.kind)) {
     Advance();
-    Expression result = Binary(Kind::Compare, std::move(left), Operand());
+    Expression result = Binary(Kind::Compare, std::move(left), right());
     result.comparison = *comparison;
-    return result;
+    return whole(std::move(result), false);
   }
   if (TakeWord("is")) {
     const bool negated = TakeWord("not");
     if (!TakeWord("null")) Raise("expected 'null'");
-    Expression result = Unary(Kind::IsNull, std::move(left));
-    return negated ? Unary(Kind::Not, std::move(result)) : std::move(result);
+    return whole(Unary(Kind::IsNull, std::move(left)), negated);
   }
   const bool negated = TakeWord("not");
-  if (TakeWord("like")) {
-    Expression result = Binary(Kind::Like, std::move(left), Operand());
-    return negated ? Unary(Kind::Not, std::move(result)) : std::move(result);
-  }
+  if (TakeWord("like")) return whole(Binary(Kind::Like, std::move(left), right()), negated);
+  if (m_isRule && TakeWord("between")) return whole(Between(std::move(left)), negated);
+  if (m_isRule && TakeWord("in")) return whole(In(std::move(left)), negated);
   if (negated) Raise("expected 'like'");
+  const bool isValue = left.kind == Kind::Literal || left.kind == Kind::Arithmetic || left.kind == Kind::Call;
+  if (subject && isValue && !NamesColumn(left)) left = Binary(Kind::Compare, *subject, std::move(left));
+  return whole(std::move(left), false);
+}
+
+Expression Parser::Between(Expression left) {
+  Expression least = Binary(Kind::Compare, left, Calculation());
+  least.comparison = Comparison::GreaterOrEqual;
+  if (!TakeWord("and")) Raise("expected 'and'");
+  Expression most = Binary(Kind::Compare, std::move(left), Calculation());
+  most.comparison = Comparison::LessOrEqual;
+  return Binary(Kind::And, std::move(least), std::move(most));
+}
+
+Expression Parser::In(Expression left) {
+  if (!Take(Token::Kind::Open)) Raise("expected '('");
+  Expression any;
+  any.kind = Kind::Or;
+  do {
+    any.operands.push_back(Binary(Kind::Compare, left, Calculation()));
+  } while (Take(Token::Kind::Comma));
+  if (!Take(Token::Kind::Close)) Raise("expected ',' or ')'");
+  return any;
+}
+
+namespace {
+
+struct OperatorSign {
+  Token::Kind token;
+  Operator meaning;
+};
+
+// Operators with two operands, those that bind least first.
+const std::vector<std::vector<OperatorSign>> kOperators = {
+    {{Token::Kind::Ampersand, Operator::Join}},
+    {{Token::Kind::Plus, Operator::Add}, {Token::Kind::Minus, Operator::Subtract}},
+    {{Token::Kind::Word, Operator::Modulo}},  // the only one that is a word: mod
+    {{Token::Kind::Backslash, Operator::DivideWhole}},
+    {{Token::Kind::Star, Operator::Multiply}, {Token::Kind::Slash, Operator::Divide}},
+};
+
+Expression Arithmetic(Operator meaning, Expression left, std::optional<Expression> right) {
+  Expression result = Unary(Kind::Arithmetic, std::move(left));
+  result.arithmetic = meaning;
+  if (right) result.operands.push_back(*std::move(right));
+  return result;
+}
+
+struct FunctionName {
+  std::string_view name;
+  Function function;
+  std::size_t operands;
+};
+constexpr FunctionName kFunctions[] = {{"date", Function::Date, 0},
+                                       {"now", Function::Now, 0},
+                                       {"time", Function::Time, 0},
+                                       {"len", Function::Len, 1},
+                                       {"iif", Function::If, 3}};
+
+}  // namespace
+
+Expression Parser::Calculation(std::size_t level) {
+  if (level == kOperators.size()) return Signed();
+  Expression left = Calculation(level + 1);
+  for (;;) {
+    const auto& signs = kOperators[level];
+    const auto sign = std::ranges::find_if(signs, [&](const OperatorSign& candidate) {
+      return Is(candidate.token) && (candidate.meaning != Operator::Modulo || IsWord("mod"));
+    });
+    if (sign == signs.end()) return left;
+    Advance();
+    left = Arithmetic(sign->meaning, std::move(left), Calculation(level + 1));
+  }
+}
+
+Expression Parser::Signed() {
+  if (!Is(Token::Kind::Plus) && !Is(Token::Kind::Minus)) return RaisedToPower();
+  const Nested nested(*this);
+  const bool negative = Is(Token::Kind::Minus);
+  Advance();
+  Expression operand = Signed();
+  if (!negative) return operand;
+  if (operand.kind != Kind::Literal || !IsNumber(operand.literal) || operand.literal.As<bool>() != nullptr ||
+      operand.literal == Value(std::numeric_limits<std::int32_t>::min()))
+    return Arithmetic(Operator::Negate, std::move(operand), std::nullopt);
+  operand.literal = Negative(operand.literal);
+  return operand;
+}
+
+Expression Parser::RaisedToPower() {
+  Expression left = Primary();
+  while (Take(Token::Kind::Caret))
+    left = Arithmetic(Operator::Power, std::move(left), Signed());
   return left;
+}
+
+Expression Parser::Primary() {
+  Expression primary;
+  for (const auto& [word, meaning] :
+       {std::pair("yes", true), std::pair("on", true), std::pair("no", false), std::pair("off", false)}) {
+    if (!TakeWord(word)) continue;
+    primary.literal = meaning;
+    return primary;
+  }
+  if (Is(Token::Kind::Word)) {
+    const std::string name = m_token.text;
+    const Token token = m_token;
+    const Lexer lexer = m_lexer;
+    Advance();
+    if (Is(Token::Kind::Open)) return Call(name);
+    m_token = token;
+    m_lexer = lexer;
+  }
+  return Operand();
+}
+
+// The call of a function, from its parenthesis on.
+Expression Parser::Call(std::string_view name) {
+  const auto* const found = std::ranges::find_if(
+      kFunctions, [&](const FunctionName& candidate) { return SameWord(candidate.name, name); });
+  if (found == std::end(kFunctions)) Raise("there is no function '" + std::string(name) + "'");
+  Advance();
+  const Nested nested(*this);
+  const std::optional<Expression> subject = std::exchange(m_subject, std::nullopt);
+  Expression call;
+  call.kind = Kind::Call;
+  call.function = found->function;
+  for (std::size_t i = 0; i < found->operands; ++i) {
+    if (i > 0 && !Take(Token::Kind::Comma)) Raise("expected ','");
+    call.operands.push_back(Or());
+  }
+  if (!Take(Token::Kind::Close)) Raise("expected ')'");
+  m_subject = subject;
+  return call;
+}
+
+Expression Parser::ColumnRule(const std::string& column) {
+  m_subject.emplace();
+  m_subject->kind = Kind::Column;
+  m_subject->column.name = column;
+  return Criterion();
+}
+
+Expression Parser::WholeValue() {
+  Take(Token::Kind::Equal);
+  return Criterion();
 }
 
 Expression Parser::Operand() {
@@ -388,6 +583,18 @@ SelectStatement ParseSelect(std::string_view text) {
 
 Expression ParseCriterion(std::string_view text) {
   return Parser(text).Criterion();
+}
+
+Expression ParseTableRule(std::string_view text) {
+  return Parser(text, true).Criterion();
+}
+
+Expression ParseColumnRule(std::string_view text, const std::string& column) {
+  return Parser(text, true).ColumnRule(column);
+}
+
+Expression ParseValue(std::string_view text) {
+  return Parser(text, true).WholeValue();
 }
 
 }  // namespace jet::sql

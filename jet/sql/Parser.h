@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "jet/sql/Ast.h"
@@ -18,5 +19,16 @@ SelectStatement ParseSelect(std::string_view text);
 
 /// Reads the text of a where clause, without the word itself. Raises SyntaxErrorInExpression.
 Expression ParseCriterion(std::string_view text);
+
+/// Reads the validation rule of a table: a condition with between, in, arithmetic and functions besides.
+/// Raises SyntaxErrorInExpression.
+Expression ParseTableRule(std::string_view text);
+/// Reads the validation rule of a column. A comparison without a left side (">0", "like 'A*'") is one of the
+/// column, and a value alone without a column ("'A' or 'B'") is what the column must be equal to. Raises
+/// SyntaxErrorInExpression.
+Expression ParseColumnRule(std::string_view text, const std::string& column);
+/// Reads an expression that gives a value, such as a default, also with '=' before it. Raises
+/// SyntaxErrorInExpression.
+Expression ParseValue(std::string_view text);
 
 }  // namespace jet::sql

@@ -121,6 +121,7 @@ TableSpec WithoutRules(const TableInfo& table) {
     column.required = false;
     column.allowZeroLength = true;
     column.defaultValue.reset();
+    column.validation.reset();
   }
   return spec;
 }

@@ -33,6 +33,7 @@ ColumnSpec DescribeColumn(const Table& table, std::size_t number) {
   result.required = rules.required;
   result.allowZeroLength = rules.allowZeroLength;
   result.defaultValue = rules.defaultValue;
+  result.validation = rules.validation;
   result.precision = column.precision;
   result.scale = column.scale;
   return result;
@@ -61,6 +62,7 @@ TableInfo DescribeTable(const Table& table) {
   info.name = table.Name();
   info.isSystem = table.IsSystem();
   info.rowCount = table.RowCount();
+  info.validation = table.RowRule();
   // Definitions list columns in any order; people know them in the order of their making.
   std::vector<std::size_t> order(table.Definition().columns.size());
   for (std::size_t c = 0; c < order.size(); ++c)

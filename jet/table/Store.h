@@ -13,6 +13,7 @@
 #include "jet/file/Pager.h"
 #include "jet/format/DatabaseHeader.h"
 #include "jet/table/PageAllocator.h"
+#include "jet/table/RowRules.h"
 #include "jet/table/Table.h"
 
 namespace jet {
@@ -51,6 +52,11 @@ class Store {
   std::vector<std::string> TableNames() const;
   const std::vector<CatalogEntry>& Catalog() const { return m_catalog; }
 
+  /// Has tables evaluate their validation rules by `make`. Without it changes of tables that have such rules
+  /// are refused.
+  void UseRules(MakeRowRules make) { m_makeRules = make; }
+  MakeRowRules RulesMaker() const { return m_makeRules; }
+
   Pager& Pages() { return *m_pager; }
   PageAllocator& Allocator() { return m_allocator; }
 
@@ -71,6 +77,7 @@ class Store {
   std::unique_ptr<Pager> m_pager;
   format::DatabaseHeader m_header;
   PageAllocator m_allocator;
+  MakeRowRules m_makeRules = nullptr;
   std::vector<CatalogEntry> m_catalog;
   std::unordered_map<std::string, std::size_t> m_byName;  // folded name -> place in m_catalog
   std::map<PageNumber, std::unique_ptr<Table>> m_tables;  // by definition page, those used so far

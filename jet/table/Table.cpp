@@ -22,6 +22,31 @@ using format::LogicalIndexDefinition;
 namespace {
 constexpr std::uint32_t kSystemObject = 0x80000000;
 constexpr std::uint32_t kHiddenSystemObject = 2;
+
+bool FlagIn(const format::PropertyBlob::Block& block, const char* name, bool otherwise) {
+  const auto* const property = format::FindProperty(block, name);
+  return property == nullptr || property->value.empty() ? otherwise : property->value[0] != std::byte{0};
+}
+
+/// A property's text; none when it is missing or empty.
+std::optional<std::string> TextIn(const format::PropertyBlob::Block& block, const char* name) {
+  const auto* const property = format::FindProperty(block, name);
+  if (property == nullptr || property->value.empty()) return std::nullopt;
+  std::string text;
+  format::DecodeText(property->value, text);
+  return text;
+}
+
+std::optional<ValidationRule> ValidationIn(const format::PropertyBlob::Block& block) {
+  std::optional<std::string> expression = TextIn(block, "ValidationRule");
+  if (!expression) return std::nullopt;
+  return ValidationRule{*std::move(expression), TextIn(block, "ValidationText").value_or("")};
+}
+
+ColumnRules RulesIn(const format::PropertyBlob::Block& block) {
+  return {FlagIn(block, "Required", false), FlagIn(block, "AllowZeroLength", true),
+          TextIn(block, "DefaultValue"), ValidationIn(block)};
+}
 }  // namespace
 
 Table::Table(Store& store, const CatalogEntry& entry)
@@ -62,34 +87,26 @@ void Table::Reload() {
   }
 }
 
-const ColumnRules& Table::Rules(std::size_t column) const {
-  if (!m_rules) {
-    std::vector<ColumnRules> rules(m_definition.columns.size());
-    Table& catalog = m_store->TableAt(format::system_page::kObjects);
-    const std::optional<std::size_t> properties = catalog.FindColumn("LvProp");
-    const std::optional<RowRef> row = catalog.Fetch(m_catalogRow);
-    const Value blob = properties && row ? catalog.Read(*row, *properties) : Value();
-    if (const Bytes* bytes = blob.As<Bytes>()) {
-      const format::PropertyBlob decoded = format::DecodeProperties(*bytes);
-      for (std::size_t c = 0; c < rules.size(); ++c) {
-        const auto* block = decoded.FindColumn(m_definition.columns[c].name);
-        if (block == nullptr) continue;
-        const auto flag = [&](const char* name, bool otherwise) {
-          const auto* property = format::FindProperty(*block, name);
-          return property == nullptr || property->value.empty() ? otherwise
-                                                                : property->value[0] != std::byte{0};
-        };
-        rules[c].required = flag("Required", false);
-        rules[c].allowZeroLength = flag("AllowZeroLength", true);
-        if (const auto* property = format::FindProperty(*block, "DefaultValue");
-            property != nullptr && !property->value.empty()) {
-          format::DecodeText(property->value, rules[c].defaultValue.emplace());
-        }
-      }
+const Table::TableRules& Table::ReadRules() const {
+  if (m_rules) return *m_rules;
+  TableRules rules;
+  rules.columns.resize(m_definition.columns.size());
+  Table& catalog = m_store->TableAt(format::system_page::kObjects);
+  const std::optional<std::size_t> properties = catalog.FindColumn("LvProp");
+  const std::optional<RowRef> row = catalog.Fetch(m_catalogRow);
+  const Value blob = properties && row ? catalog.Read(*row, *properties) : Value();
+  if (const Bytes* bytes = blob.As<Bytes>()) {
+    const format::PropertyBlob decoded = format::DecodeProperties(*bytes);
+    for (std::size_t c = 0; c < rules.columns.size(); ++c) {
+      const auto* const block = decoded.FindColumn(m_definition.columns[c].name);
+      if (block != nullptr) rules.columns[c] = RulesIn(*block);
+      rules.hasExpressions = rules.hasExpressions || rules.columns[c].validation;
     }
-    m_rules = std::move(rules);
+    if (const auto* const block = decoded.FindObject()) rules.row = ValidationIn(*block);
+    rules.hasExpressions = rules.hasExpressions || rules.row;
   }
-  return (*m_rules)[column];
+  m_rules = std::move(rules);
+  return *m_rules;
 }
 
 std::optional<std::size_t> Table::FindColumn(std::string_view name) const {

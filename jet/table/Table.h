@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/Schema.h"
 #include "jet/Value.h"
 #include "jet/file/Pager.h"
 #include "jet/format/RowBuilder.h"
@@ -16,6 +17,7 @@
 #include "jet/format/TableDefinition.h"
 #include "jet/table/Index.h"
 #include "jet/table/RowId.h"
+#include "jet/table/RowRules.h"
 #include "jet/table/RowStore.h"
 
 namespace jet {
@@ -27,7 +29,8 @@ struct CatalogEntry;
 struct ColumnRules {
   bool required = false;
   bool allowZeroLength = true;
-  std::optional<std::string> defaultValue;  ///< the expression's text
+  std::optional<std::string> defaultValue;   ///< the expression's text
+  std::optional<ValidationRule> validation;  ///< the rule of the column alone
 };
 
 /// A change of one column of a row: the column's position in the definition's list and the value, already of
@@ -52,7 +55,9 @@ class Table {
   const std::string& Name() const { return m_name; }
   const format::TableDefinition& Definition() const { return m_definition; }
   /// The rules of column `column` of the definition's list.
-  const ColumnRules& Rules(std::size_t column) const;
+  const ColumnRules& Rules(std::size_t column) const { return ReadRules().columns[column]; }
+  /// The rule of whole rows.
+  const std::optional<ValidationRule>& RowRule() const { return ReadRules().row; }
   /// Position of a column in the definition's list; its name in any case.
   std::optional<std::size_t> FindColumn(std::string_view name) const;
   bool IsSystem() const { return m_isSystem; }
@@ -78,8 +83,8 @@ class Table {
 
   /// Adds a row. Columns that are not named are Null; yes/no columns false; automatic numbers are given.
   /// Default values are the caller's business. Raises NullInPrimaryKey, NullInRequiredColumn, ZeroLengthText,
-  /// DuplicateKey, NoReferredRow, RecordTooLarge, FileTooLarge, FeatureNotSupported (an index that cannot be
-  /// kept).
+  /// RuleViolated, DuplicateKey, NoReferredRow, RecordTooLarge, FileTooLarge, FeatureNotSupported (an index
+  /// that cannot be kept).
   RowId Insert(std::vector<ColumnValue> values);
   /// Changes columns of a row; the others keep their very bytes. Raises as Insert does, RowDeleted,
   /// RowIsReferred.
@@ -123,6 +128,15 @@ class Table {
   };
 
   Bytes ReadLongValue(const format::ColumnDefinition& column, const format::RowField& field) const;
+  struct TableRules {
+    std::vector<ColumnRules> columns;
+    std::optional<ValidationRule> row;
+    bool hasExpressions = false;                  ///< whether there is any validation rule
+    mutable std::unique_ptr<RowRules> evaluated;  ///< made when first asked for
+  };
+  const TableRules& ReadRules() const;
+  void CheckExpressions(const IncomingRow& row) const;
+  void CheckExpressions(const RowRef& old, std::span<const ColumnValue> changes) const;
   RowValues IndexedValues(const RowRef& row) const;
   KeyOfRow KeyFor(const TableIndex& index, const RowValues& values) const;
   void CheckRules(std::size_t column, const Value& value) const;
@@ -162,8 +176,8 @@ class Table {
   std::vector<TableIndex> m_indexes;
   std::unique_ptr<RowStore> m_rows;
   format::RowBuilder m_builder{m_definition};
-  Bytes m_stored;                                           // a value on its way into m_builder
-  mutable std::optional<std::vector<ColumnRules>> m_rules;  // read from the properties when first asked for
+  Bytes m_stored;                             // a value on its way into m_builder
+  mutable std::optional<TableRules> m_rules;  // read from the properties when first asked for
 };
 
 /// Walks the live rows of a table in storage order: pages in ascending number, slots in ascending number.

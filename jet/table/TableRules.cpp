@@ -43,6 +43,19 @@ void Table::CheckRules(std::size_t column, const Value& value) const {
   }
 }
 
+void Table::CheckExpressions(const IncomingRow& row) const {
+  const TableRules& rules = ReadRules();
+  if (!rules.hasExpressions) return;
+  if (rules.evaluated == nullptr) {
+    if (m_store->RulesMaker() == nullptr) {
+      throw Error(ErrorNumber::FeatureNotSupported,
+                  "Table '" + m_name + "' has validation rules, and nothing to evaluate them with.");
+    }
+    rules.evaluated = m_store->RulesMaker()(*this);
+  }
+  rules.evaluated->Check(row);
+}
+
 void Table::CheckKeyNulls(std::size_t index, const RowValues& values) const {
   const bool primary = PrimaryIndex() == index;
   if (!primary && !m_indexes[index].index.Definition().IsRequired()) return;

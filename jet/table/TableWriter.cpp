@@ -159,6 +159,8 @@ Table::NewRow Table::MakeRow(std::vector<ColumnValue>&& changes) const {
   row.lastAutoNumber = GiveAutomaticValues(row);
   for (std::size_t c = 0; c < row.values.size(); ++c)
     CheckRules(c, row.values[c]);
+  if (ReadRules().hasExpressions)
+    CheckExpressions({[&](std::size_t column) { return row.values[column]; }, row.given, true});
   return row;
 }
 
@@ -279,6 +281,17 @@ RowId Table::Insert(std::vector<ColumnValue> changes) {
   return *id;
 }
 
+void Table::CheckExpressions(const RowRef& old, std::span<const ColumnValue> changes) const {
+  std::vector<bool> assigned(m_definition.columns.size());
+  for (const ColumnValue& change : changes)
+    assigned[change.column] = true;
+  const auto read = [&](std::size_t column) {
+    if (!assigned[column]) return Read(old, column);
+    return std::ranges::find(changes, column, &ColumnValue::column)->value;
+  };
+  CheckExpressions({read, assigned, false});
+}
+
 void Table::Update(RowId id, std::span<const ColumnValue> values) {
   ChangeUnit unit(m_store->Pages());
   UpdateRow(id, values, 0);
@@ -296,12 +309,13 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
   if (!row) throw Error(ErrorNumber::RowDeleted, "The row of table '" + m_name + "' was deleted.");
   const RowValues oldValues = IndexedValues(*row);
   const Bytes oldBytes(row->Bytes().begin(), row->Bytes().end());
-  row.reset();
   RowValues values = oldValues;
   for (const ColumnValue& change : changes) {
     CheckRules(change.column, change.value);
     values[change.column] = change.value;
   }
+  if (ReadRules().hasExpressions) CheckExpressions(*row, changes);
+  row.reset();
 
   struct KeyChange {
     std::size_t index;
