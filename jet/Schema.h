@@ -25,10 +25,11 @@ struct ColumnSpec {
   bool compressed = true;        ///< text and memo: stored with a byte a character where that is shorter
   bool required = false;         ///< Null is refused
   bool allowZeroLength = false;  ///< text and memo: an empty text is allowed
-  std::optional<std::string> defaultValue;   ///< the default's expression text, as "0", "\"QB\"", "Date()"
-  std::optional<ValidationRule> validation;  ///< the rule of the column alone
-  std::uint8_t precision = 18;               ///< decimal: digits in all, 1..28
-  std::uint8_t scale = 0;                    ///< decimal: digits after the point, 0..precision
+  std::optional<std::string> defaultValue =
+      std::nullopt;  ///< the default's expression text, as "0", "\"QB\"", "Date()"
+  std::optional<ValidationRule> validation = std::nullopt;  ///< the rule of the column alone
+  std::uint8_t precision = 18;                              ///< decimal: digits in all, 1..28
+  std::uint8_t scale = 0;                                   ///< decimal: digits after the point, 0..precision
 };
 
 struct IndexColumn {

@@ -86,18 +86,6 @@ SortEntry EntryOf(char32_t point) {
   return entry;
 }
 
-/// As NextCodePoint, but a surrogate that stands alone, coded in three bytes as if it were a character, is
-/// that surrogate.
-char32_t NextSortPoint(std::string_view text, std::size_t& at) {
-  const char32_t point = NextCodePoint(text, at);
-  if (point != kInvalidByte + 0xED || text.size() - at < 2) return point;
-  const auto second = static_cast<unsigned char>(text[at]);
-  const auto third = static_cast<unsigned char>(text[at + 1]);
-  if (second < 0xA0 || second > 0xBF || (third & 0xC0) != 0x80) return point;
-  at += 2;
-  return 0xD000 | (second & 0x3FU) << 6 | (third & 0x3FU);
-}
-
 // A key:  | inline bytes | 01 | weights | 01 01 | kana | 01 | specials | 00 |
 //
 // The part from 01 01 on is there only if there are kana or specials. The weights are a byte for each
@@ -132,7 +120,7 @@ KeyText FirstCharacters(std::string_view text) {
   std::size_t units = 0;
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t before = at;
-    const char32_t point = NextSortPoint(text, at);
+    const char32_t point = NextCodePointOrSurrogate(text, at);
     units += point >= kPairs && point < kInvalidByte ? 2U : 1U;
     if (units <= kMaxKeyCharacters) continue;
     const bool isCut = point >= kPairs && point < kInvalidByte && units == kMaxKeyCharacters + 1;
@@ -222,7 +210,7 @@ class Tail {
 std::vector<std::byte> TailOf(std::string_view text) {
   Tail tail;
   for (std::size_t at = 0; at < text.size();)
-    tail.Add(EntryOf(NextSortPoint(text, at)));
+    tail.Add(EntryOf(NextCodePointOrSurrogate(text, at)));
   std::vector<std::byte> bytes;
   tail.AppendTo(bytes);
   return bytes;
@@ -237,7 +225,7 @@ class PrimaryBytes {
   int Next() {
     while (m_pendingBits == 0) {
       if (m_at == m_text.size()) return -1;
-      const SortEntry entry = EntryOf(NextSortPoint(m_text, m_at));
+      const SortEntry entry = EntryOf(NextCodePointOrSurrogate(m_text, m_at));
       m_onlyPlain = m_onlyPlain && entry.kind == SortKind::Plain;
       m_pending = entry.primary;
       m_pendingBits = entry.primary > 0xFFFFFF ? 32
@@ -295,7 +283,7 @@ bool AppendTextKey(std::string_view utf8, std::vector<std::byte>& key) {
     tail.Add(entry);
   };
   for (std::size_t at = 0; at < text.size();) {
-    const SortEntry entry = EntryOf(NextSortPoint(text, at));
+    const SortEntry entry = EntryOf(NextCodePointOrSurrogate(text, at));
     if (entry.kind == SortKind::Invalid) {
       key.resize(before);
       return false;

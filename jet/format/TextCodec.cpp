@@ -199,6 +199,16 @@ char32_t NextCodePoint(std::string_view utf8, std::size_t& position) {
   return point;
 }
 
+char32_t NextCodePointOrSurrogate(std::string_view utf8, std::size_t& position) {
+  const char32_t point = NextCodePoint(utf8, position);
+  if (point != kInvalidByte + 0xED || utf8.size() - position < 2) return point;
+  const auto second = static_cast<std::uint8_t>(utf8[position]);
+  const auto third = static_cast<std::uint8_t>(utf8[position + 1]);
+  if (second < 0xA0 || second > 0xBF || (third & 0xC0) != 0x80) return point;
+  position += 2;
+  return 0xD000 | (second & 0x3FU) << 6 | (third & 0x3FU);
+}
+
 void AppendUtf8(char32_t point, std::string& into) {
   const auto put = [&into](char32_t byte) {
     into.push_back(static_cast<char>(static_cast<std::uint8_t>(byte)));
@@ -242,13 +252,13 @@ std::optional<std::string_view> AsciiIn(std::span<const std::byte> stored) {
   return std::string_view(reinterpret_cast<const char*>(runs.data()), runs.size());
 }
 
-Bytes EncodeText(std::string_view utf8, bool compress) {
+Bytes EncodeText(std::string_view utf8, bool compress, LoneSurrogates lone) {
   Bytes stored;
-  AppendText(utf8, compress, stored);
+  AppendText(utf8, compress, stored, lone);
   return stored;
 }
 
-void AppendText(std::string_view utf8, bool compress, Bytes& into) {
+void AppendText(std::string_view utf8, bool compress, Bytes& into, LoneSurrogates lone) {
   const auto bytes = std::as_bytes(std::span(utf8));
   const std::size_t begin = into.size();
   if (compress && utf8.size() > kMarkSize && AllAscii(bytes)) {
@@ -258,7 +268,7 @@ void AppendText(std::string_view utf8, bool compress, Bytes& into) {
     std::memcpy(into.data() + begin + kMarkSize, bytes.data(), bytes.size());
     return;
   }
-  const std::u16string units = Utf8ToUtf16(utf8);
+  const std::u16string units = Utf8ToUtf16(utf8, lone);
   // Plain text that begins with U+FEFF would read as compressed.
   const bool mustCompress = !units.empty() && units.front() == kMarkAsUnit;
   if (compress || mustCompress) {
@@ -278,8 +288,8 @@ void AppendText(std::string_view utf8, bool compress, Bytes& into) {
     StoreU16(into.data() + begin + 2 * i, units[i]);
 }
 
-std::size_t Utf16Length(std::string_view utf8) {
-  return AllAscii(std::as_bytes(std::span(utf8))) ? utf8.size() : Utf8ToUtf16(utf8).size();
+std::size_t Utf16Length(std::string_view utf8, LoneSurrogates lone) {
+  return AllAscii(std::as_bytes(std::span(utf8))) ? utf8.size() : Utf8ToUtf16(utf8, lone).size();
 }
 
 std::string Utf16ToUtf8(std::u16string_view units) {
@@ -292,11 +302,12 @@ std::string Utf16ToUtf8(std::u16string_view units) {
   return result;
 }
 
-std::u16string Utf8ToUtf16(std::string_view utf8) {
+std::u16string Utf8ToUtf16(std::string_view utf8, LoneSurrogates lone) {
   std::u16string units;
   units.reserve(utf8.size());
   for (std::size_t at = 0; at < utf8.size();) {
-    const char32_t point = NextCodePoint(utf8, at);
+    const char32_t point =
+        lone == LoneSurrogates::Keep ? NextCodePointOrSurrogate(utf8, at) : NextCodePoint(utf8, at);
     if (point >= kInvalidByte) {
       throw Error(ErrorNumber::CannotConvert,
                   "A text is not valid UTF-8 at byte " + std::to_string(at - 1) + ".");

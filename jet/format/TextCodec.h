@@ -18,7 +18,7 @@ namespace jet::format {
 /// What becomes of a surrogate without its partner.
 enum class LoneSurrogates {
   Replace,  ///< U+FFFD
-  Keep,     ///< three bytes, as if it were a character; only AppendTextKey understands them
+  Keep,     ///< three bytes, as if it were a character, which other functions take only if told to
 };
 
 /// Reads a stored text, plain or compressed, into `into`, replacing what it held. Raises DamagedFile for an
@@ -39,19 +39,21 @@ inline std::span<const std::byte> CompressedBytes(std::span<const std::byte> sto
 /// The stored form of a text: compressed when `compress` is set and that is shorter and possible. Raises
 /// CannotConvert when the text is not UTF-8. A text that begins with U+FEFF is compressed in any case, since
 /// plain it would be taken for compressed; one that cannot be raises CannotConvert.
-Bytes EncodeText(std::string_view utf8, bool compress);
+/// With `lone` Keep, surrogates in three bytes are text too.
+Bytes EncodeText(std::string_view utf8, bool compress, LoneSurrogates lone = LoneSurrogates::Replace);
 /// Appends it.
-void AppendText(std::string_view utf8, bool compress, Bytes& into);
+void AppendText(std::string_view utf8, bool compress, Bytes& into,
+                LoneSurrogates lone = LoneSurrogates::Replace);
 
 /// Number of UTF-16 units of a text, the length that limits of columns and names count. Raises CannotConvert
 /// when the text is not UTF-8.
-std::size_t Utf16Length(std::string_view utf8);
+std::size_t Utf16Length(std::string_view utf8, LoneSurrogates lone = LoneSurrogates::Replace);
 
 /// UTF-8 of UTF-16 units; a lone surrogate gives U+FFFD.
 std::string Utf16ToUtf8(std::u16string_view units);
 
 /// UTF-16 units of a UTF-8 text. Raises CannotConvert when the text is not UTF-8.
-std::u16string Utf8ToUtf16(std::string_view utf8);
+std::u16string Utf8ToUtf16(std::string_view utf8, LoneSurrogates lone = LoneSurrogates::Replace);
 
 /// UTF-8 of plain little-endian UTF-16 in bytes, as names in table definitions are stored. Raises DamagedFile
 /// for an odd number of bytes.
@@ -63,6 +65,9 @@ inline constexpr char32_t kInvalidByte = 0x110000;
 /// The code point that begins at `position` of a text, and moves `position` behind it. A byte that is no part
 /// of valid UTF-8 (also an encoded surrogate or an overlong form) is answered as kInvalidByte + byte.
 char32_t NextCodePoint(std::string_view utf8, std::size_t& position);
+
+/// The same; but three bytes of a surrogate, coded as if it were a character, are that surrogate.
+char32_t NextCodePointOrSurrogate(std::string_view utf8, std::size_t& position);
 
 /// Appends a code point as UTF-8; one that is none (a surrogate, past U+10FFFF) as U+FFFD.
 void AppendUtf8(char32_t codePoint, std::string& into);

@@ -65,12 +65,12 @@ std::byte* Grow(Bytes& into, std::size_t size) {
 }
 
 void AppendTextValue(const ColumnDefinition& column, const std::string& text, Bytes& into) {
-  if (2 * Utf16Length(text) > column.size) {
+  if (2 * Utf16Length(text, LoneSurrogates::Keep) > column.size) {
     throw Error(ErrorNumber::TextTooLong, "The text for the column '" + column.name + "' is longer than " +
                                               std::to_string(column.size / 2) + " characters.");
   }
   const std::size_t begin = into.size();
-  AppendText(text, column.compressed && !column.IsFixed(), into);
+  AppendText(text, column.compressed && !column.IsFixed(), into, LoneSurrogates::Keep);
   if (!column.IsFixed()) return;
   for (std::size_t size = into.size() - begin; size + 1 < column.size; size += 2)
     StoreU16(Grow(into, 2), u' ');

@@ -26,6 +26,7 @@ inline constexpr std::int32_t kTypeTable = 1;
 inline constexpr std::int32_t kTypeDatabase = 2;
 inline constexpr std::int32_t kTypeContainer = 3;
 inline constexpr std::int32_t kTypeRelationship = 8;
+inline constexpr std::uint32_t kNotEnforced = 0x2;  ///< attribute of a relationship (column grbit)
 }  // namespace catalog
 
 /// The four accounts that rights are given to, as a file writes them. Files differ in a mask, which does not

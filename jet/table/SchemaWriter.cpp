@@ -1,5 +1,7 @@
 #include "jet/table/SchemaWriter.h"
 
+#include <utility>
+
 #include "jet/Error.h"
 #include "jet/format/PageLayout.h"
 #include "jet/table/CatalogWriter.h"
@@ -46,13 +48,9 @@ Table& SchemaWriter::UserTable(std::string_view name) {
   return *table;
 }
 
-void SchemaWriter::CreateTable(const TableSpec& table) {
-  format::TableDefinition definition = LayOutTable(table);
-  const Bytes properties = MakeTableProperties(table);
+void SchemaWriter::AddTable(const std::string& name, format::TableDefinition definition,
+                            const Bytes& properties) {
   CatalogWriter writer(*m_store);
-  if (writer.Has(catalog::kTables, table.name)) {
-    throw Error(ErrorNumber::ObjectExists, "The database already has a table or query '" + table.name + "'.");
-  }
   Apply([&] {
     Pager& pager = m_store->Pages();
     PageAllocator& allocator = m_store->Allocator();
@@ -62,10 +60,34 @@ void SchemaWriter::CreateTable(const TableSpec& table) {
     WriteDefinition(pager, allocator, definition, {});
     const Accounts accounts = writer.FindAccounts();
     writer.AddObject(
-        {definition.page, catalog::kTables, table.name, catalog::kTypeTable, 0, accounts.admin, properties});
+        {definition.page, catalog::kTables, name, catalog::kTypeTable, 0, accounts.admin, properties});
     writer.AddRight({definition.page, accounts.admin, kTableRights, false});
     writer.AddRight({definition.page, accounts.users, kTableRights, false});
   });
+}
+
+void SchemaWriter::CreateTable(const TableSpec& table) {
+  format::TableDefinition definition = LayOutTable(table);
+  if (CatalogWriter(*m_store).Has(catalog::kTables, table.name)) {
+    throw Error(ErrorNumber::ObjectExists, "The database already has a table or query '" + table.name + "'.");
+  }
+  AddTable(table.name, std::move(definition), MakeTableProperties(table));
+}
+
+Table& SchemaWriter::CreateTableLike(const Table& original) {
+  AddTable(original.Name(), LayOutLike(original.Definition(), original.Name()), {});
+  return *m_store->FindTable(original.Name());
+}
+
+void SchemaWriter::MarkAutomaticColumns(Table& copy, const Table& original) {
+  format::TableDefinition definition = copy.Definition();
+  bool isChanged = false;
+  for (const format::ColumnDefinition& column : original.Definition().columns) {
+    format::ColumnDefinition& same = definition.columns[*copy.FindColumn(column.name)];
+    isChanged = isChanged || same.flags != column.flags;
+    same.flags = column.flags;
+  }
+  if (isChanged) Apply([&] { ChangeDefinition(copy, definition); });
 }
 
 void SchemaWriter::CreateIndex(std::string_view tableName, const IndexSpec& index) {

@@ -22,6 +22,12 @@ class SchemaWriter {
   /// Raises ObjectExists, InvalidDefinition.
   void CreateTable(const TableSpec& table);
 
+  /// Makes an empty table with the name and the columns of one of another file, attributes that are not
+  /// understood included, but without rules and indexes; columns are not numbered automatically yet.
+  Table& CreateTableLike(const Table& original);
+  /// Has the columns of a copy get automatic values where those of the original do.
+  void MarkAutomaticColumns(Table& copy, const Table& original);
+
   /// Adds an index to a table, which may have rows. Raises UnknownTable, ObjectExists, InvalidDefinition; for
   /// rows that the index cannot have DuplicateKey, NullInPrimaryKey, NullInRequiredColumn,
   /// FeatureNotSupported.
@@ -36,6 +42,7 @@ class SchemaWriter {
   void SetPassword(std::string_view password);
 
  private:
+  void AddTable(const std::string& name, format::TableDefinition definition, const Bytes& properties);
   void Apply(const std::function<void()>& change);
   Table& UserTable(std::string_view name);
 

@@ -161,6 +161,24 @@ TableDefinition LayOutTable(const TableSpec& table) {
   return definition;
 }
 
+TableDefinition LayOutLike(const TableDefinition& original, const std::string& tableName) {
+  TableDefinition definition;
+  definition.isSystem = original.isSystem;
+  definition.columns = original.columns;
+  std::ranges::sort(definition.columns, {}, &ColumnDefinition::number);
+  for (ColumnDefinition& column : definition.columns) {
+    column.flags &= static_cast<std::uint8_t>(~(column_flag::kAutoNumber | column_flag::kAutoGuid));
+    column.fixedOffset = 0;
+  }
+  PlaceColumns(definition, tableName);
+  // Back into the order in which the file lists them.
+  std::vector<ColumnDefinition> listed;
+  for (const ColumnDefinition& column : original.columns)
+    listed.push_back(*std::ranges::find(definition.columns, column.name, &ColumnDefinition::name));
+  definition.columns = std::move(listed);
+  return definition;
+}
+
 std::uint32_t NextIndexNumber(const TableDefinition& definition) {
   std::uint32_t next = 0;
   for (const LogicalIndexDefinition& index : definition.logicalIndexes)

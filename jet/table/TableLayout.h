@@ -20,6 +20,11 @@ void CheckName(const char* what, std::string_view name);
 /// The definition of a new table with its columns and indexes.
 format::TableDefinition LayOutTable(const TableSpec& table);
 
+/// The definition of a table with the columns of another, in the order of their numbers but without places of
+/// deleted ones, and without indexes. Attributes stay, but no column gets automatic values. Raises
+/// InvalidDefinition when rows would not fit a page.
+format::TableDefinition LayOutLike(const format::TableDefinition& original, const std::string& tableName);
+
 /// Adds an index to a definition.
 void AddIndex(format::TableDefinition& definition, const std::string& tableName, const IndexSpec& index);
 

@@ -80,7 +80,7 @@ std::span<const std::byte> Table::StoredValue(const ColumnDefinition& column, co
   }
   LongValues values(m_store->Pages(), m_store->Allocator(), m_definition, column);
   if (const std::string* text = value.As<std::string>())
-    return buffer = values.Write(format::EncodeText(*text, column.compressed));
+    return buffer = values.Write(format::EncodeText(*text, column.compressed, format::LoneSurrogates::Keep));
   if (const Bytes* bytes = value.As<Bytes>()) return buffer = values.Write(*bytes);
   throw Error(ErrorNumber::CannotConvert,
               "The value does not fit column '" + column.name + "' of table '" + m_name + "'.");
