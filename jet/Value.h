@@ -44,6 +44,9 @@ struct Currency {
 /// A point in time: days since 1899-12-30; the fraction is the time of day, also for negative days.
 struct DateTime {
   double days = 0;
+
+  /// Whether it is a moment from 0100-01-01 00:00 to the end of 9999, which is what files can hold.
+  bool IsInRange() const { return days >= -657434 && days < 2958466; }
   friend auto operator<=>(const DateTime&, const DateTime&) = default;
 };
 

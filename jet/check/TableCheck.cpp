@@ -21,8 +21,6 @@ namespace {
 
 constexpr std::size_t kSlotNumbers = 256;  // a row pointer has one byte for the slot
 constexpr std::size_t kMovedPointerBytes = 4;
-constexpr double kFirstDay = -657434;      // year 100
-constexpr double kDayAfterLast = 2958466;  // year 10000
 
 [[noreturn]] void RaiseDamaged(const std::string& what) {
   throw Error(ErrorNumber::DamagedFile, what);
@@ -271,8 +269,7 @@ void TableCheck::CheckValue(const ColumnDefinition& column, std::span<const std:
   }
   if (!IsKnownType(column.type)) return;
   const Value value = DecodeValue(column, field.bytes);
-  if (const auto* date = value.As<DateTime>();
-      date != nullptr && !(date->days >= kFirstDay && date->days < kDayAfterLast)) {
+  if (const auto* date = value.As<DateTime>(); date != nullptr && !date->IsInRange()) {
     RaiseDamaged("the date in column '" + column.name + "' is none");
   }
   if (const auto* number = value.As<std::int32_t>(); number != nullptr && column.IsAutoNumber()) {

@@ -18,8 +18,6 @@ namespace {
 
 constexpr std::size_t kMostShown = 40;
 constexpr std::uint8_t kCurrencyScale = 4;
-constexpr double kFirstDay = -657434;      // 100-01-01
-constexpr double kDayAfterLast = 2958466;  // the day after 9999-12-31
 
 std::string Shown(const Value& value) {
   std::string text = value.IsNull() ? "Null" : value.ToText();
@@ -135,12 +133,12 @@ class Conversion {
   }
 
   Value Date() const {
-    const std::string wanted = "dates of the years 100 to 9999";
+    const std::string wanted = "dates from 0100-01-01 00:00 to 9999-12-31";
     std::optional<DateTime> date;
     if (const auto* held = m_value->As<DateTime>()) date = *held;
     if (const auto* text = m_value->As<std::string>()) date = sql::ParseDate(sql::Trim(*text));
-    if (!date || !(date->days > kFirstDay - 1 && date->days < kDayAfterLast)) Raise(wanted);
-    return *date;
+    if (!date || !date->IsInRange()) Raise(wanted);
+    return date->days == 0 ? DateTime{} : *date;  // zero has one sign, and one index key
   }
 
   Value Text() const {

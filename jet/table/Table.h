@@ -160,6 +160,7 @@ class Table {
   void AddEntry(std::size_t index, KeyOfRow&& key, RowId id);
   void CountKey(std::size_t index);
   void CountRow(const NewRow& row);
+  void RaiseLastAutoNumber(std::span<const ColumnValue> changes);
   void RemoveEntry(std::size_t index, const KeyOfRow& key, RowId id);
   std::span<const std::byte> StoredValue(const format::ColumnDefinition& column, const Value& value,
                                          Bytes& buffer);

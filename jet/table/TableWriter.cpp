@@ -281,6 +281,21 @@ RowId Table::Insert(std::vector<ColumnValue> changes) {
   return *id;
 }
 
+// The number given last is never below one in the table.
+void Table::RaiseLastAutoNumber(std::span<const ColumnValue> changes) {
+  for (const ColumnValue& change : changes) {
+    const ColumnDefinition& column = m_definition.columns[change.column];
+    const auto* const number = change.value.As<std::int32_t>();
+    if (number == nullptr || !column.IsAutoNumber() || column.type != ColumnType::Long) continue;
+    const PageHandle page = m_store->Pages().Get(m_definition.page);
+    const auto last =
+        static_cast<std::int32_t>(format::LoadU32(page.Data() + definition_page::kLastAutoNumber));
+    if (*number <= last) continue;
+    format::StoreU32(m_store->Pages().Change(m_definition.page).Data() + definition_page::kLastAutoNumber,
+                     static_cast<std::uint32_t>(*number));
+  }
+}
+
 void Table::CheckExpressions(const RowRef& old, std::span<const ColumnValue> changes) const {
   std::vector<bool> assigned(m_definition.columns.size());
   for (const ColumnValue& change : changes)
@@ -356,6 +371,7 @@ void Table::UpdateRow(RowId id, std::span<const ColumnValue> changes, int depth)
     }
   }
   m_rows->Replace(id, m_builder.Build());
+  RaiseLastAutoNumber(changes);
   for (KeyChange& key : keyChanges) {
     RemoveEntry(key.index, key.before, id);
     AddEntry(key.index, std::move(key.after), id);

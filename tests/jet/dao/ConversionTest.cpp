@@ -118,6 +118,12 @@ TEST(Conversion, DatesGuidsAndBytes) {
   ExpectRefused("5.9.2024", ColumnType::DateTime);
   ExpectRefused(17, ColumnType::DateTime);
   ExpectRefused(DateTime{1e9}, ColumnType::DateTime);
+  // What the checker takes: midnight of the first day, the last moment of the last.
+  EXPECT_EQ(Convert("0100-01-01", ColumnType::DateTime), Value(DateTime{-657434}));
+  ExpectRefused("0100-01-01 06:00", ColumnType::DateTime);
+  EXPECT_EQ(Convert(DateTime{2958465.99}, ColumnType::DateTime), Value(DateTime{2958465.99}));
+  ExpectRefused(DateTime{2958466}, ColumnType::DateTime);
+  EXPECT_FALSE(std::signbit(Convert(DateTime{-0.0}, ColumnType::DateTime).As<DateTime>()->days));
   ExpectRefused(DateTime{1}, ColumnType::Long);
   const Value guid = Convert("{01234567-89AB-CDEF-0123-456789ABCDEF}", ColumnType::Guid);
   EXPECT_EQ(guid.ToText(), "{01234567-89AB-CDEF-0123-456789ABCDEF}");

@@ -195,6 +195,14 @@ TEST_F(UpdateTest, AutomaticNumbersGoOn) {
   EXPECT_EQ(rows->Fields("id").Value(), Value(1));
   EXPECT_EQ(*rows->Fields("name").Text(), std::string(5000, 'a'));
   EXPECT_EQ(One("select max(id) from numbered"), Value(3));
+  // A number that somebody chose is the last one given, whichever way it came.
+  rows->Edit();
+  rows->Fields("id").Value(70);
+  rows->Update();
+  EXPECT_TRUE(database->Check().findings.empty());
+  rows->AddNew();
+  rows->Update();
+  EXPECT_EQ(One("select max(id) from numbered"), Value(71));
 }
 
 TEST_F(UpdateTest, RefusedRowsOfAUnitLeaveTheOthersInPlace) {
