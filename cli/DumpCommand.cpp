@@ -6,6 +6,7 @@
 #include "cli/ExitCode.h"
 #include "cli/Nearest.h"
 #include "cli/Rows.h"
+#include "cli/Utf8.h"
 
 namespace cli {
 namespace {
@@ -21,6 +22,9 @@ jet::TableInfo FindTable(const jet::Database& database, const std::string& name)
     return database.Table(name);
   } catch (const jet::Error& error) {
     if (error.Number() != jet::ErrorNumber::UnknownTable) throw;
+    for (const jet::ObjectInfo& object : database.Objects()) {
+      if (LowerCase(object.name) == LowerCase(name)) throw;  // the error says what it is
+    }
     std::vector<std::string> names;
     for (const jet::TableInfo& table : database.Tables()) {
       if (!table.isSystem) names.push_back(table.name);

@@ -4,12 +4,16 @@
 #include "cli/DatabaseOptions.h"
 #include "cli/Json.h"
 #include "cli/TextTable.h"
+#include "cli/Utf8.h"
 
 namespace cli {
 namespace {
 
+constexpr std::size_t kDefinitionWidth = 100;
+
 struct TablesOptions : DatabaseOptions {
   bool system = false;
+  bool all = false;
 };
 
 const char* TypeName(jet::ColumnType type) {
@@ -96,8 +100,31 @@ Json TableJson(const jet::TableInfo& table) {
   return json;
 }
 
+/// Every object of the file with its kind; for queries the statement, for linked tables where they are.
+void AllObjects(Context& context, const jet::Database& database) {
+  Json document = Json::Array();
+  TextTable list({{"name"}, {"kind"}, {"rows", TextTable::Align::Right}, {"definition"}});
+  for (const jet::ObjectInfo& object : database.Objects()) {
+    const bool isTable = object.kind == jet::ObjectKind::Table || object.kind == jet::ObjectKind::SystemTable;
+    Json json = isTable ? TableJson(database.Table(object.name)) : Json();
+    json["name"] = object.name;
+    json["kind"] = jet::NameOf(object.kind);
+    if (!object.definition.empty()) json["definition"] = object.definition;
+    document.Append(json);
+    list.Add({Printable(object.name), jet::NameOf(object.kind),
+              isTable ? std::to_string(database.Table(object.name).rowCount) : "",
+              CutToWidth(Printable(object.definition), kDefinitionWidth)});
+  }
+  if (context.json) {
+    context.output.Line(JsonText(document));
+  } else {
+    list.Print(context.output);
+  }
+}
+
 void Tables(Context& context, const TablesOptions& options) {
   const auto database = options.Open(context);
+  if (options.all) return AllObjects(context, *database);
   Json document = Json::Array();
   using Align = TextTable::Align;
   TextTable list({{"table"}, {"rows", Align::Right}, {"columns", Align::Right}, {"key"}});
@@ -121,6 +148,7 @@ void AddTablesCommand(Command& app) {
       app.AddCommand("tables", "List the tables of a file; with --json their columns and indexes too");
   auto options = std::make_shared<TablesOptions>();
   command.AddFlag("--system", options->system, "list the system tables too");
+  command.AddFlag("--all", options->all, "list every object of the file with its kind");
   options->AddTo(command);
   command.Runs(Tables, options);
 }

@@ -73,4 +73,33 @@ struct RelationInfo {
   bool cascadeDeletes = false;
 };
 
+/// What an object of the catalog is.
+enum class ObjectKind {
+  Table,
+  SystemTable,
+  LinkedTable,
+  Query,
+  Relationship,
+  Form,
+  Report,
+  Macro,
+  Module,
+  Document,
+  Container,
+  Database,
+  User,
+  Unknown
+};
+
+/// "stored query", "linked table" and so on, for messages.
+const char* NameOf(ObjectKind kind);
+
+/// An object of the catalog, of any kind.
+struct ObjectInfo {
+  std::string name;
+  ObjectKind kind = ObjectKind::Unknown;
+  std::string
+      definition;  ///< of a query the statement, if it can be put together; of a linked table its source
+};
+
 }  // namespace jet

@@ -78,8 +78,9 @@ TableInfo Database::Table(std::string_view name) const {
   m_core->Observe("Database.Table", name);
   const jet::Table* const table = m_core->OpenStore().FindTable(name);
   if (table == nullptr) {
-    throw Error(ErrorNumber::UnknownTable,
-                "The database '" + m_core->Name() + "' has no table '" + std::string(name) + "'.");
+    throw Error(ErrorNumber::UnknownTable, "The database '" + m_core->Name() + "' has no table '" +
+                                               std::string(name) + "'." +
+                                               DescribeNoTable(m_core->OpenStore(), name));
   }
   return DescribeTable(*table);
 }
@@ -87,6 +88,11 @@ TableInfo Database::Table(std::string_view name) const {
 std::vector<RelationInfo> Database::Relations() const {
   m_core->Observe("Database.Relations");
   return DescribeRelations(m_core->OpenStore());
+}
+
+std::vector<ObjectInfo> Database::Objects() const {
+  m_core->Observe("Database.Objects");
+  return DescribeObjects(m_core->OpenStore());
 }
 
 void Database::CreateTable(const TableSpec& table) {

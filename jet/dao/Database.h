@@ -46,6 +46,8 @@ class Database {
   /// One table; its name in any case. Raises UnknownTable.
   TableInfo Table(std::string_view name) const;
   std::vector<RelationInfo> Relations() const;
+  /// Everything that the catalog lists, in name order: tables, stored queries, forms and so on.
+  std::vector<ObjectInfo> Objects() const;
 
   /// Schema changes; each applies whole or not at all. They raise ObjectExists, UnknownTable,
   /// InvalidDefinition, and the errors of rows that break a new unique index or relationship (DuplicateKey,

@@ -27,6 +27,8 @@ namespace {
 //   mask 0x06a build, 4        | 0x06e sort order: LCID, 2, and version, 2 | 0x072 creation date, double
 constexpr std::array<std::uint8_t, 20> kSignature = {0,   1,   0,   0,   'S', 't', 'a', 'n', 'd', 'a',
                                                      'r', 'd', ' ', 'J', 'e', 't', ' ', 'D', 'B', 0};
+constexpr std::array<std::uint8_t, 20> kAceSignature = {0,   1,   0,   0,   'S', 't', 'a', 'n', 'd', 'a',
+                                                        'r', 'd', ' ', 'A', 'C', 'E', ' ', 'D', 'B', 0};
 constexpr std::size_t kVersion = 0x14;
 constexpr std::uint32_t kVersionJet4 = 1;
 constexpr std::size_t kMaskedArea = 0x18;
@@ -101,6 +103,14 @@ std::string TakePassword(std::span<const std::byte> page, const std::array<std::
   return Utf16ToUtf8(units);
 }
 
+bool HasSignature(std::span<const std::byte> page, std::span<const std::uint8_t> signature) {
+  return page.size() >= signature.size() &&
+         std::equal(signature.begin(), signature.end(), page.begin(),
+                    [](std::uint8_t wanted, std::byte found) { return std::byte{wanted} == found; });
+}
+
+constexpr const char* kIsAce = "is a database of the newer generation ACE; only Jet 4 can be opened";
+
 [[noreturn]] void RaiseNotADatabase(const std::string& fileName, const char* why) {
   throw Error(ErrorNumber::NotADatabase, "The file '" + fileName + "' " + why + ".");
 }
@@ -108,17 +118,13 @@ std::string TakePassword(std::span<const std::byte> page, const std::array<std::
 }  // namespace
 
 DatabaseHeader DecodeDatabaseHeader(std::span<const std::byte> page, const std::string& fileName) {
-  if (page.size() < kSignature.size() ||
-      !std::equal(kSignature.begin(), kSignature.end(), page.begin(),
-                  [](std::uint8_t wanted, std::byte found) { return std::byte{wanted} == found; })) {
-    RaiseNotADatabase(fileName, "is not a Jet database");
-  }
+  if (HasSignature(page, kAceSignature)) RaiseNotADatabase(fileName, kIsAce);
+  if (!HasSignature(page, kSignature)) RaiseNotADatabase(fileName, "is not a Jet database");
   if (page.size() < kPageSize) RaiseNotADatabase(fileName, "is too short to be a Jet database");
   const std::uint32_t version = LoadU32(page.data() + kVersion);
   if (version < kVersionJet4)
     RaiseNotADatabase(fileName, "is a database of the older version Jet 3; only Jet 4 can be opened");
-  if (version > kVersionJet4)
-    RaiseNotADatabase(fileName, "is a database of a version newer than Jet 4; only Jet 4 can be opened");
+  if (version > kVersionJet4) RaiseNotADatabase(fileName, kIsAce);
 
   std::array<std::byte, kPageSize> plain{};
   std::copy_n(page.begin(), kPageSize, plain.begin());

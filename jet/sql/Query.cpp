@@ -5,6 +5,7 @@
 
 #include "jet/Error.h"
 #include "jet/format/NameOrder.h"
+#include "jet/table/Describe.h"
 
 namespace jet::sql {
 namespace {
@@ -57,8 +58,9 @@ void BindSources(const SelectStatement& statement, Store& store, Query& query) {
   for (const TableReference& reference : statement.tables) {
     Table* const table = store.FindTable(reference.name);
     if (table == nullptr) {
-      throw Error(ErrorNumber::UnknownTable,
-                  "The database '" + store.FileName() + "' has no table '" + reference.name + "'.");
+      throw Error(ErrorNumber::UnknownTable, "The database '" + store.FileName() + "' has no table '" +
+                                                 reference.name + "'." +
+                                                 DescribeNoTable(store, reference.name));
     }
     const std::string& label = reference.alias.empty() ? table->Name() : reference.alias;
     for (const SourceTable& other : query.sources) {

@@ -1,12 +1,15 @@
 #include "jet/table/Describe.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "jet/Error.h"
 #include "jet/format/NameOrder.h"
 #include "jet/format/PageLayout.h"
+#include "jet/table/StoredQuery.h"
 
 namespace jet {
 
@@ -19,6 +22,23 @@ namespace {
 constexpr std::int32_t kNotEnforced = 0x2;
 constexpr std::int32_t kCascadeUpdates = 0x100;
 constexpr std::int32_t kCascadeDeletes = 0x1000;
+
+// Types of the catalog's objects (column Type).
+constexpr std::pair<std::int32_t, ObjectKind> kObjectTypes[] = {
+    {1, ObjectKind::Table},        {2, ObjectKind::Database},    {3, ObjectKind::Container},
+    {4, ObjectKind::LinkedTable},  {5, ObjectKind::Query},       {6, ObjectKind::LinkedTable},
+    {8, ObjectKind::Relationship}, {-32768, ObjectKind::Form},   {-32766, ObjectKind::Macro},
+    {-32764, ObjectKind::Report},  {-32761, ObjectKind::Module}, {-32758, ObjectKind::User},
+    {-32757, ObjectKind::Document}};
+constexpr std::uint32_t kSystemFlags = 0x80000002;
+
+ObjectKind KindOf(std::int32_t type, std::uint32_t flags) {
+  const auto* const found =
+      std::ranges::find(kObjectTypes, type, &std::pair<std::int32_t, ObjectKind>::first);
+  if (found == std::end(kObjectTypes)) return ObjectKind::Unknown;
+  const bool isSystemTable = found->second == ObjectKind::Table && (flags & kSystemFlags) != 0;
+  return isSystemTable ? ObjectKind::SystemTable : found->second;
+}
 
 ColumnSpec DescribeColumn(const Table& table, std::size_t number) {
   const ColumnDefinition& column = table.Definition().columns[number];
@@ -127,6 +147,82 @@ std::vector<RelationInfo> DescribeRelations(Store& store) {
     result.push_back(std::move(info));
   }
   return result;
+}
+
+const char* NameOf(ObjectKind kind) {
+  switch (kind) {
+    case ObjectKind::Table:
+      return "table";
+    case ObjectKind::SystemTable:
+      return "system table";
+    case ObjectKind::LinkedTable:
+      return "linked table";
+    case ObjectKind::Query:
+      return "stored query";
+    case ObjectKind::Relationship:
+      return "relationship";
+    case ObjectKind::Form:
+      return "form";
+    case ObjectKind::Report:
+      return "report";
+    case ObjectKind::Macro:
+      return "macro";
+    case ObjectKind::Module:
+      return "module";
+    case ObjectKind::Document:
+      return "document";
+    case ObjectKind::Container:
+      return "container";
+    case ObjectKind::Database:
+      return "database";
+    case ObjectKind::User:
+      return "user";
+    case ObjectKind::Unknown:
+      break;
+  }
+  return "object of an unknown kind";
+}
+
+std::vector<ObjectInfo> DescribeObjects(Store& store) {
+  const Table& catalog = store.TableAt(format::system_page::kObjects);
+  const std::map<std::uint32_t, std::string> queries = StoredQueryTexts(store);
+  std::vector<ObjectInfo> objects;
+  for (TableScan scan(catalog); scan.Next();) {
+    const auto read = [&](const char* name) {
+      const std::optional<std::size_t> column = catalog.FindColumn(name);
+      return column ? catalog.Read(scan.Row(), *column) : Value();
+    };
+    const auto number = [&](const char* name) {
+      const Value value = read(name);
+      return value.As<std::int32_t>() == nullptr ? 0 : *value.As<std::int32_t>();
+    };
+    ObjectInfo object;
+    object.name = read("Name").ToText();
+    object.kind = KindOf(number("Type"), static_cast<std::uint32_t>(number("Flags")));
+    if (object.kind == ObjectKind::LinkedTable) {
+      for (const char* const part : {"ForeignName", "Database", "Connect"}) {
+        const std::string text = read(part).ToText();
+        if (!text.empty()) object.definition += (object.definition.empty() ? "" : " in ") + text;
+      }
+    } else if (const auto found = queries.find(static_cast<std::uint32_t>(number("Id")));
+               object.kind == ObjectKind::Query && found != queries.end()) {
+      object.definition = found->second;
+    }
+    objects.push_back(std::move(object));
+  }
+  std::ranges::sort(objects, [](const ObjectInfo& a, const ObjectInfo& b) {
+    return format::CompareNames(a.name, b.name) < 0;
+  });
+  return objects;
+}
+
+std::string DescribeNoTable(Store& store, std::string_view name) {
+  for (const ObjectInfo& object : DescribeObjects(store)) {
+    if (!format::SameName(object.name, name)) continue;
+    return " '" + object.name + "' is a " + NameOf(object.kind) +
+           (object.definition.empty() ? "." : ": " + object.definition);
+  }
+  return {};
 }
 
 }  // namespace jet

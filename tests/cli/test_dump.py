@@ -56,6 +56,18 @@ class Dump(support.CliTest):
         with_system = support.json_of(self.succeed("tables", "--file", file, "--json", "--system"))
         self.assertIn("MSysObjects", [t["name"] for t in with_system])
 
+    def test_tables_all_lists_objects_that_dump_names_and_refuses(self):
+        file = FIXTURES / "league.mdb"
+        objects = support.json_of(self.succeed("tables", "--file", file, "--json", "--all"))
+        kinds = {o["name"]: o["kind"] for o in objects}
+        self.assertEqual(kinds["player info"], "table")
+        self.assertEqual(kinds["MSysObjects"], "system table")
+        self.assertEqual(kinds["Databases"], "container")
+        self.assertIn("player info  ", self.succeed("tables", "--file", file, "--all"))
+        relationship = next(name for name, kind in kinds.items() if kind == "relationship")
+        self.fail_with(REFUSED, "dump", relationship, "--file", file, says="'%s' is a relationship" % relationship)
+        self.assertEqual(self.succeed("dump", "MSysQueries", "--file", file).count("\n"), 1)
+
     @unittest.skipUnless(os.path.exists("/dev/full"), "the system has no device that is always full")
     def test_output_that_cannot_be_written_is_a_failure(self):
         for words in (["dump", "player info", "--file", FIXTURES / "league.mdb"],

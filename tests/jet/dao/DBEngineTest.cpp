@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -6,6 +8,7 @@
 
 #include "jet/Check.h"
 #include "tests/jet/dao/Databases.h"
+#include "tests/support/DesktopObjects.h"
 
 namespace jet {
 namespace {
@@ -68,6 +71,39 @@ TEST_F(DBEngineTest, FilesThatAreNoDatabases) {
     ExpectError(bad.number, [&] { OpenWith(test::kFixtureConnect, "bad.mdb"); });
   }
   ExpectError(ErrorNumber::FileNotFound, [&] { OpenWith("", "nowhere.mdb"); });
+
+  std::vector<std::byte> newer = test::ReadWholeFile(test::FixturePath("league.mdb"));
+  newer[0x14] = std::byte{2};
+  memory->Put("newer.mdb", newer);
+  const auto open = [&] { OpenWith("", "newer.mdb"); };
+  EXPECT_NE(ExpectError(ErrorNumber::NotADatabase, open).find("ACE"), std::string::npos);
+  constexpr std::string_view kName = "Standard ACE DB";
+  std::transform(kName.begin(), kName.end(), newer.begin() + 4,
+                 [](char c) { return static_cast<std::byte>(c); });
+  memory->Put("newer.mdb", newer);
+  EXPECT_NE(ExpectError(ErrorNumber::NotADatabase, open).find("ACE"), std::string::npos);
+}
+
+TEST_F(DBEngineTest, EveryObjectIsListedByItsKind) {
+  database.reset();
+  test::AddDesktopObjects(files->Open("league.mdb", {}));
+  const auto league = OpenWith(test::kFixtureConnect);
+  std::map<std::string, ObjectInfo> objects;
+  for (const ObjectInfo& object : league->Objects())
+    objects.emplace(object.name, object);
+  EXPECT_EQ(objects["best players"].kind, ObjectKind::Query);
+  EXPECT_EQ(
+      objects["best players"].definition,
+      "select distinct p.[last name], [team info].abbr as team from [player info] as p inner join "
+      "[team info] on p.[team id] = [team info].id where p.[is retired] = False order by p.[last name] desc");
+  EXPECT_EQ(objects["far players"].kind, ObjectKind::LinkedTable);
+  EXPECT_EQ(objects["far players"].definition, "players in C:\\far.mdb");
+  EXPECT_EQ(objects["Draft form"].kind, ObjectKind::Form);
+  EXPECT_EQ(objects["MSysAccessObjects"].kind, ObjectKind::SystemTable);
+  EXPECT_EQ(objects["player info"].kind, ObjectKind::Table);
+  const std::string sentence =
+      ExpectError(ErrorNumber::UnknownTable, [&] { league->OpenRecordset("select * from [Far Players]"); });
+  EXPECT_NE(sentence.find("'far players' is a linked table: players in C:"), std::string::npos) << sentence;
 }
 
 TEST_F(DBEngineTest, ATornLastPageIsDamage_OnlyIfItIsInUse) {
