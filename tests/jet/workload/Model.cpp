@@ -73,7 +73,7 @@ std::string ModelTable::Where(const ModelRow& row) const {
   std::string text;
   for (const std::size_t column : key) {
     if (!text.empty()) text += " and ";
-    const bool quoted = row[column].As<std::string>() != nullptr;
+    const bool quoted = row[column].As<std::string>() != nullptr || row[column].As<Guid>() != nullptr;
     text += "[" + info.columns[column].name +
             "] = " + (quoted ? "'" + row[column].ToText() + "'" : row[column].ToText());
   }
@@ -159,6 +159,10 @@ std::set<ErrorNumber> Model::Refusals(const std::string& name, const ModelRow& r
     if (column.required && row[i].IsNull()) refusals.insert(ErrorNumber::NullInRequiredColumn);
     if (!column.allowZeroLength && text != nullptr && text->empty())
       refusals.insert(ErrorNumber::ZeroLengthText);
+    // The only rule that the model knows.
+    const auto* number = row[i].As<std::int32_t>();
+    if (column.validation && column.validation->expression == ">0" && number != nullptr && *number <= 0)
+      refusals.insert(ErrorNumber::RuleViolated);
   }
   const std::string oldKey = old == nullptr ? std::string() : table.KeyOf(*old);
   for (const IndexSpec& index : table.info.indexes) {
