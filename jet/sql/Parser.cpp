@@ -86,6 +86,7 @@ class Parser {
   Expression Predicate();
   Expression Operand();
   bool BeginsWithoutLeftSide() const;
+  void CountOperator();
   Expression LeftSide(bool& isWhole);
   Expression Between(Expression left);
   Expression In(Expression left);
@@ -121,6 +122,7 @@ class Parser {
   std::optional<Expression> m_subject;  // the column that comparisons without a left side are of
   ErrorNumber m_error = ErrorNumber::SyntaxErrorInExpression;
   int m_depth = 0;
+  int m_operators = 0;
 };
 
 bool Parser::Take(Token::Kind kind) {
@@ -456,6 +458,12 @@ constexpr FunctionName kFunctions[] = {{"date", Function::Date, 0},
 
 }  // namespace
 
+// A chain of operators makes a tree as deep as it is long.
+void Parser::CountOperator() {
+  if (++m_operators > kMaxOperators)
+    Raise("an expression has at most " + std::to_string(kMaxOperators) + " operators");
+}
+
 Expression Parser::Calculation(std::size_t level) {
   if (level == kOperators.size()) return Signed();
   Expression left = Calculation(level + 1);
@@ -466,6 +474,7 @@ Expression Parser::Calculation(std::size_t level) {
     });
     if (sign == signs.end()) return left;
     Advance();
+    CountOperator();
     left = Arithmetic(sign->meaning, std::move(left), Calculation(level + 1));
   }
 }
@@ -486,8 +495,10 @@ Expression Parser::Signed() {
 
 Expression Parser::RaisedToPower() {
   Expression left = Primary();
-  while (Take(Token::Kind::Caret))
+  while (Take(Token::Kind::Caret)) {
+    CountOperator();
     left = Arithmetic(Operator::Power, std::move(left), Signed());
+  }
   return left;
 }
 

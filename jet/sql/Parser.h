@@ -12,6 +12,8 @@ namespace jet::sql {
 inline constexpr std::size_t kMaxStatementLength = 64 * 1024;
 /// Deepest nesting of parentheses and `not` in a statement.
 inline constexpr int kMaxNesting = 200;
+/// Most operators of arithmetic in a rule or default.
+inline constexpr int kMaxOperators = 500;
 
 /// Reads a select statement. Raises NotASelect for anything else, SyntaxErrorInFrom for a mistake in the from
 /// clause, SyntaxErrorInExpression elsewhere, also for a statement too long or too deep.

@@ -217,7 +217,13 @@ std::vector<ObjectInfo> DescribeObjects(Store& store) {
 }
 
 std::string DescribeNoTable(Store& store, std::string_view name) {
-  for (const ObjectInfo& object : DescribeObjects(store)) {
+  std::vector<ObjectInfo> objects;
+  try {
+    objects = DescribeObjects(store);
+  } catch (const Error&) {
+    return {};  // the missing table is the error to report
+  }
+  for (const ObjectInfo& object : objects) {
     if (!format::SameName(object.name, name)) continue;
     return " '" + object.name + "' is a " + NameOf(object.kind) +
            (object.definition.empty() ? "." : ": " + object.definition);

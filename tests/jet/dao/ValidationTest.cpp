@@ -111,6 +111,10 @@ TEST_F(ValidationTest, WhatCannotBeEvaluated_IsRefusedAndNeverIgnored) {
                            "1/0 > [c]", "Forms!x!y > 1", "Between 1", "> 2 3"}) {
     EXPECT_EQ(Takes(ColumnType::Long, rule, 1), kUnknown) << rule;
   }
+  std::string chain = ">0";
+  for (int i = 0; i < 10000; ++i)
+    chain += "+1";
+  EXPECT_EQ(Takes(ColumnType::Long, chain, 1), kUnknown) << "a tree as deep as this would exhaust the stack";
 }
 
 TEST_F(ValidationTest, AnUnknownRule_StopsNewRowsAndAssignmentsToItsColumn) {
