@@ -43,6 +43,15 @@ constexpr auto K = SortKind::Kana2;
 constexpr auto I = SortKind::Ignored;
 #include "jet/format/SortTable.inc"
 
+/// Inline bytes of ASCII characters that have nothing else, as most have; 0 for the others.
+constexpr std::array<std::uint16_t, 0x80> kPlainAscii = [] {
+  std::array<std::uint16_t, 0x80> table{};
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    if (kDenseTable[i].kind == SortKind::Plain) table[i] = static_cast<std::uint16_t>(kDenseTable[i].primary);
+  }
+  return table;
+}();
+
 constexpr char32_t kHighSurrogates = 0xD800;
 constexpr char32_t kLowSurrogates = 0xDC00;
 constexpr char32_t kSurrogatesEnd = 0xE000;
@@ -129,11 +138,12 @@ KeyText FirstCharacters(std::string_view text) {
   return {text};
 }
 
-/// Appends the bytes of a number, the highest first, without zeros in front.
-void AppendBytesOf(std::uint32_t number, std::vector<std::byte>& into) {
-  for (int shift = 24; shift >= 0; shift -= 8) {
-    if (number >> shift != 0) into.push_back(static_cast<std::byte>(number >> shift & 0xFF));
+/// Writes the bytes of a number, the highest first, without zeros in front; where they end.
+std::byte* PutBytesOf(std::uint32_t number, std::byte* to) {
+  for (int shift = number > 0xFFFF ? 24 : 8; shift >= 0; shift -= 8) {
+    if (number >> shift != 0) *to++ = static_cast<std::byte>(number >> shift & 0xFF);
   }
+  return to;
 }
 
 /// Weights, kana and specials of a text: what decides between texts with the same inline bytes.
@@ -146,7 +156,9 @@ class Tail {
       case SortKind::Kana1:
       case SortKind::Kana2:
       case SortKind::Invalid:
-        AppendBytesOf(entry.weight != 0 ? entry.weight : kPlainWeight, m_weights);
+        if (entry.weight > 0xFF) m_weights.push_back(static_cast<std::byte>(entry.weight >> 8));
+        m_weights.push_back(entry.weight != 0 ? static_cast<std::byte>(entry.weight & 0xFF)
+                                              : std::byte{kPlainWeight});
         if (entry.kind == SortKind::Kana1) m_kana.push_back(kKana1Entry);
         if (entry.kind == SortKind::Kana2) m_kana.push_back(kKana2Entry);
         break;
@@ -225,6 +237,13 @@ class PrimaryBytes {
   int Next() {
     while (m_pendingBits == 0) {
       if (m_at == m_text.size()) return -1;
+      const auto byte = static_cast<unsigned char>(m_text[m_at]);
+      if (byte < kPlainAscii.size() && kPlainAscii[byte] != 0) {
+        ++m_at;
+        m_pending = kPlainAscii[byte];
+        m_pendingBits = m_pending > 0xFF ? 16 : 8;
+        break;
+      }
       const SortEntry entry = EntryOf(NextCodePointOrSurrogate(m_text, m_at));
       m_onlyPlain = m_onlyPlain && entry.kind == SortKind::Plain;
       m_pending = entry.primary;
@@ -255,14 +274,14 @@ bool AppendPlainKey(std::string_view text, std::vector<std::byte>& key) {
   key.resize(before + 2 * text.size() + 2);  // each has two bytes at most
   std::byte* to = key.data() + before;
   for (const char c : text) {
-    const auto point = static_cast<unsigned char>(c);
-    const SortEntry& entry = kDenseTable[point];
-    if (point >= 0x80 || entry.kind != SortKind::Plain) {
+    const auto byte = static_cast<unsigned char>(c);
+    const std::uint16_t primary = byte < kPlainAscii.size() ? kPlainAscii[byte] : std::uint16_t{0};
+    if (primary == 0) {
       key.resize(before);
       return false;
     }
-    if (entry.primary > 0xFF) *to++ = static_cast<std::byte>(entry.primary >> 8);
-    *to++ = static_cast<std::byte>(entry.primary & 0xFF);
+    if (primary > 0xFF) *to++ = static_cast<std::byte>(primary >> 8);
+    *to++ = static_cast<std::byte>(primary & 0xFF);
   }
   *to++ = kSectionEnd;
   *to++ = kKeyEnd;
@@ -273,24 +292,23 @@ bool AppendPlainKey(std::string_view text, std::vector<std::byte>& key) {
 }  // namespace
 
 bool AppendTextKey(std::string_view utf8, std::vector<std::byte>& key) {
+  if (utf8.size() <= kMaxKeyCharacters && AppendPlainKey(WithoutTrailingBlanks(utf8), key)) return true;
   const KeyText first = FirstCharacters(utf8);
   const std::string_view text = first.half == 0 ? WithoutTrailingBlanks(first.text) : first.text;
-  if (first.half == 0 && AppendPlainKey(text, key)) return true;
-  const std::size_t before = key.size();
+  std::array<std::byte, sizeof(SortEntry::primary) * (kMaxKeyCharacters + 1)> primary;
+  std::byte* end = primary.data();
   Tail tail;
   const auto add = [&](const SortEntry& entry) {
-    AppendBytesOf(entry.primary, key);
+    end = PutBytesOf(entry.primary, end);
     tail.Add(entry);
   };
   for (std::size_t at = 0; at < text.size();) {
     const SortEntry entry = EntryOf(NextCodePointOrSurrogate(text, at));
-    if (entry.kind == SortKind::Invalid) {
-      key.resize(before);
-      return false;
-    }
+    if (entry.kind == SortKind::Invalid) return false;
     add(entry);
   }
   if (first.half != 0) add(EntryOf(first.half));
+  key.insert(key.end(), primary.data(), end);
   tail.AppendTo(key);
   return true;
 }

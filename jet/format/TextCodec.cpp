@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "jet/Error.h"
 #include "jet/format/Bytes.h"
@@ -75,21 +76,10 @@ class Utf8Writer {
   Utf8Writer& operator=(const Utf8Writer&) = delete;
 
   void Put(char32_t unit) {
-    if (m_high != 0) {
-      const char32_t high = m_high;
-      m_high = 0;
-      if (IsLowSurrogate(unit)) {
-        AppendUtf8(0x10000 + ((high - 0xD800) << 10) + (unit - 0xDC00), m_into);
-        return;
-      }
-      PutLone(high);
-    }
-    if (unit < 0x80) {
+    if (m_high != 0 || IsSurrogate(unit)) {
+      PutAfterOrAsSurrogate(unit);
+    } else if (unit < 0x80) {
       m_into.push_back(static_cast<char>(unit));
-    } else if (IsHighSurrogate(unit)) {
-      m_high = unit;
-    } else if (IsLowSurrogate(unit)) {
-      PutLone(unit);
     } else {
       AppendUtf8(unit, m_into);
     }
@@ -100,6 +90,7 @@ class Utf8Writer {
   }
 
  private:
+  void PutAfterOrAsSurrogate(char32_t unit);
   void PutLone(char32_t surrogate) {
     if (!m_keepsLone) return AppendUtf8(kReplacement, m_into);
     m_into.push_back(static_cast<char>(0xE0 | surrogate >> 12));
@@ -111,6 +102,22 @@ class Utf8Writer {
   bool m_keepsLone;
   char32_t m_high = 0;
 };
+
+void Utf8Writer::PutAfterOrAsSurrogate(char32_t unit) {
+  const char32_t high = std::exchange(m_high, 0);
+  if (high != 0 && IsLowSurrogate(unit)) {
+    AppendUtf8(0x10000 + ((high - 0xD800) << 10) + (unit - 0xDC00), m_into);
+    return;
+  }
+  if (high != 0) PutLone(high);
+  if (IsHighSurrogate(unit)) {
+    m_high = unit;
+  } else if (IsLowSurrogate(unit)) {
+    PutLone(unit);
+  } else {
+    AppendUtf8(unit, m_into);
+  }
+}
 
 void DecodePlain(std::span<const std::byte> stored, std::string& into,
                  LoneSurrogates lone = LoneSurrogates::Replace) {
