@@ -12,7 +12,7 @@ namespace jet {
 /// A condition that values must keep to. One that gives Null holds.
 struct ValidationRule {
   std::string expression;  ///< as ">0" of a column, "[from] < [to]" of a table
-  std::string message;     ///< what users are told when it does not hold; empty: nothing
+  std::string message;     ///< shown when it does not hold; empty: none
   friend bool operator==(const ValidationRule&, const ValidationRule&) = default;
 };
 

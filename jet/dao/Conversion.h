@@ -17,8 +17,8 @@ namespace jet {
 /// longer than the column. `table` is for messages.
 Value ConvertForColumn(const Value& value, const format::ColumnDefinition& column, const std::string& table);
 
-/// The value of a default's expression: a constant or a calculation, as of Date(). Raises what tells why it
-/// cannot be evaluated.
+/// The value of a default's expression: a constant or a calculation, as of Date(). Raises the error of
+/// parsing or evaluating it when it cannot be evaluated.
 Value EvaluateDefault(const std::string& expression);
 
 /// The value of a default's expression, if it is a constant: a number, a text in quotes, true, false, yes, no

@@ -18,7 +18,7 @@ namespace jet::format {
 /// What becomes of a surrogate without its partner.
 enum class LoneSurrogates {
   Replace,  ///< U+FFFD
-  Keep,     ///< three bytes, as if it were a character, which other functions take only if told to
+  Keep,     ///< three bytes, as if it were a character, which other functions accept only with this option
 };
 
 /// Reads a stored text, plain or compressed, into `into`, replacing what it held. Raises DamagedFile for an

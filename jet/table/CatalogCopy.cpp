@@ -86,7 +86,8 @@ bool IsCore(std::uint32_t id) {
 std::set<std::string> EnforcedRelations(const std::vector<PlacedRow>& rows) {
   std::set<std::string> names;
   for (const PlacedRow& row : rows) {
-    if ((row.Id("grbit") & catalog::kNotEnforced) == 0) names.insert(format::FoldName(row.Text("szRelationship")));
+    if ((row.Id("grbit") & catalog::kNotEnforced) == 0)
+      names.insert(format::FoldName(row.Text("szRelationship")));
   }
   return names;
 }

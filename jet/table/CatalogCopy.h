@@ -22,7 +22,7 @@ class CatalogCopy {
   /// Adds the objects that are neither tables nor enforced relationships, and the rows of stored queries and
   /// of relationships that are not enforced. After the tables, before relationships are made.
   void AddObjects();
-  /// Gives objects that were made anew the dates and properties of the original ones, and all of them the
+  /// Gives rebuilt objects the dates and properties of the original ones, and all of them the
   /// rights. Last of all.
   void CopyAttributes();
 

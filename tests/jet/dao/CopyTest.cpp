@@ -132,7 +132,7 @@ TEST_F(CopyTest, CompactingKeepsEverythingAndGivesBackPages) {
   }
 }
 
-/// All rows of a system table as text, without columns that a copy has anew.
+/// All rows of a system table as text, without the given columns.
 std::vector<std::string> SystemRows(Database& database, const std::string& table,
                                     const std::vector<std::string>& without) {
   std::vector<std::string> texts;

@@ -195,7 +195,7 @@ TEST_F(UpdateTest, AutomaticNumbersGoOn) {
   EXPECT_EQ(rows->Fields("id").Value(), Value(1));
   EXPECT_EQ(*rows->Fields("name").Text(), std::string(5000, 'a'));
   EXPECT_EQ(One("select max(id) from numbered"), Value(3));
-  // A number that somebody chose is the last one given, whichever way it came.
+  // An assigned number counts as the last one given.
   rows->Edit();
   rows->Fields("id").Value(70);
   rows->Update();
