@@ -125,9 +125,17 @@ void DecodePlain(std::span<const std::byte> stored, std::string& into,
     throw Error(ErrorNumber::DamagedFile,
                 "A text of an odd number of bytes (" + std::to_string(stored.size()) + ") is damaged.");
   }
-  into.reserve(stored.size() / 2);
+  // Most texts are ASCII.
+  into.resize(stored.size() / 2);
+  std::size_t done = 0;
+  for (; done < into.size(); ++done) {
+    const std::uint16_t unit = LoadU16(stored.data() + 2 * done);
+    if (unit >= 0x80) break;
+    into[done] = static_cast<char>(unit);
+  }
+  into.resize(done);
   Utf8Writer writer(into, lone);
-  for (std::size_t at = 0; at < stored.size(); at += 2)
+  for (std::size_t at = 2 * done; at < stored.size(); at += 2)
     writer.Put(LoadU16(stored.data() + at));
   writer.Finish();
 }
