@@ -16,8 +16,8 @@ DraftOrder::DraftOrder(const HLIData::ISeasonInfo& season)
                 std::to_string(season.NoOfRounds()) + " rounds"),
       m_noOfManagers(std::max(season.NoOfManagers(), 0)),
       m_managers(ManagersInOrder(season)),
-      m_noOfPicks(DraftsOf(season).Count()) {
-  // Without picks the settings may be absurd.
+      m_noOfPicks(m_noOfManagers == 0 ? 0 : DraftsOf(season).Count()) {
+  // Two negative numbers have picks, but no place for them. Without picks the settings may be absurd.
   if (m_noOfPicks == 0)
     m_noOfManagers = std::min(m_noOfManagers, static_cast<std::int32_t>(m_managers.size()));
   // The picks that there are count, should the settings have been changed since the season was loaded.

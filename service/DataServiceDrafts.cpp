@@ -90,15 +90,8 @@ DataService::LoadedDrafts DataService::LoadDrafts(const SeasonInfo& season) {
   LoadedDrafts loaded;
   const std::int64_t noOfPicks = std::int64_t{season.NoOfManagers()} * season.NoOfRounds();
   const bool isTooLarge = noOfPicks > Schema::Draft::kMostPicks;
-  const bool isNegative = season.NoOfManagers() < 0 && season.NoOfRounds() < 0;
-  const bool isEmpty = isTooLarge || isNegative || noOfPicks < 0;
+  const bool isEmpty = isTooLarge || noOfPicks < 0;
   loaded.drafts = EmptyDraft(isEmpty ? 0 : static_cast<std::int32_t>(noOfPicks));
-  if (isNegative) {
-    loaded.problem = "Season " + std::to_string(season.ID()) + " has " +
-                     std::to_string(season.NoOfManagers()) + " managers and " +
-                     std::to_string(season.NoOfRounds()) + " rounds.";
-    return loaded;
-  }
   if (isTooLarge) {
     loaded.problem = "Season " + std::to_string(season.ID()) + " has " +
                      std::to_string(season.NoOfManagers()) + " x " + std::to_string(season.NoOfRounds()) +

@@ -119,6 +119,13 @@ TEST(DraftBoard, FitsEveryWidthWithEveryNumberOfManagersAndLeavesNoPickOut) {
   }
 }
 
+TEST(DraftBoard, PicksOfNegativeNumbersHaveNoPlace) {
+  const auto season = Season(-2, -1);
+  EXPECT_EQ(PicksOf(*season).size(), 2u);
+  EXPECT_TRUE(Rounds(Board(*season, 80)).empty());
+  EXPECT_NE(DraftOrder(*season).WhyUnsettled(), "");
+}
+
 TEST(DraftBoard, UsesTheWidthThatItHas) {
   const auto season = Season(12, 1);
   Fill(*season, 1);
