@@ -6,10 +6,10 @@
 
 #include "jet/Schema.h"
 #include "records/DraftInfo.h"
-#include "records/HLConsts.h"
 #include "records/PlayerInfo.h"
 #include "records/TeamInfo.h"
 #include "records/WinningInfo.h"
+#include "storage/Schema.h"
 
 namespace HLDataSrvc::test {
 
@@ -108,7 +108,7 @@ std::set<std::int32_t> SeasonModel::MisfitSeasons() const {
   std::set<std::int32_t> misfits;
   std::set<std::pair<std::string, std::string>> picked;
   for (const auto& [id, count] : picks) {
-    if (count > HLConsts::kMostPicks) misfits.insert(id);
+    if (count > Schema::Draft::kMostPicks) misfits.insert(id);
   }
   for (const Row& row : m_rows.at(kDraft)) {
     const std::int32_t season = Number(row[0]);
