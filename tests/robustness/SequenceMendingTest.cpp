@@ -76,7 +76,7 @@ class MendedLeague {
       Unlock(id);
       for (const LeagueFinding& finding : DraftFindings()) {
         if (finding.seasonID == id && finding.misfit == Misfit::TooManyPicks)
-          Mend({"season", "set", "--managers", "20", "--rounds", "5"});
+          Mend({"season", "set", "--managers", "20", "--rounds", "20"});
       }
       // Where the numbers are negative, picks have no place: they go together.
       if (HasNegativeNumbers(id)) {

@@ -22,7 +22,7 @@ namespace system_page = format::system_page;
 
 class Objects {
  public:
-  explicit Objects(Store& store) : m_store(&store), m_writer(store) {}
+  explicit Objects(Store& store) : m_writer(store) {}
 
   std::int32_t Add(std::int32_t parent, const char* name, std::int32_t type,
                    std::vector<std::pair<const char*, Value>> more = {}) {
@@ -54,7 +54,6 @@ class Objects {
   }
 
  private:
-  Store* m_store;
   CatalogWriter m_writer;
 };
 
