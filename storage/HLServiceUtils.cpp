@@ -43,18 +43,15 @@ bool IsHeldByAnother(const jet::Error& error) {
          error.Number() == jet::ErrorNumber::FileInUse;
 }
 
-// Opens the file in place of the one that `database` holds.
+// Opens the file in place of the one that `database` holds, which stays open if that fails.
 void OpenInPlaceOf(std::shared_ptr<jet::Database>& database, const std::string& path) {
   try {
     database = OpenExclusively(path);
     return;
   } catch (const jet::Error& error) {
-    if (!IsHeldByAnother(error) || !database || database->Name() != path) throw;
+    if (!IsHeldByAnother(error) || !database || !database->HoldsFile(path)) throw;
   }
-  // The one who holds the file may be `database` itself. Its changes are all written: letting go loses
-  // nothing.
-  database.reset();
-  database = OpenExclusively(path);
+  database = Engine().ReopenDatabase(*database, GetConnectString());
 }
 
 }  // namespace

@@ -17,7 +17,6 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kMostShown = 40;
-constexpr std::uint8_t kCurrencyScale = 4;
 
 std::string Shown(const Value& value) {
   std::string text = value.IsNull() ? "Null" : value.ToText();
@@ -96,7 +95,7 @@ class Conversion {
   Value Money() const {
     const std::string wanted = "amounts of money up to 922337203685477.5807";
     const std::optional<Decimal> decimal = sql::ToDecimal(Number(wanted));
-    std::optional<Decimal> scaled = decimal ? sql::Rescale(*decimal, kCurrencyScale) : std::nullopt;
+    std::optional<Decimal> scaled = decimal ? sql::Rescale(*decimal, sql::kCurrencyScale) : std::nullopt;
     if (!scaled) Raise(wanted);
     scaled->scale = 0;
     const std::optional<std::int64_t> units = sql::ToInteger(*scaled);

@@ -60,6 +60,17 @@ std::shared_ptr<Database> DBEngine::OpenDatabase(const std::string& name, bool e
       std::make_shared<DatabaseCore>(name, std::move(store), readOnly, m_options.observer));
 }
 
+std::shared_ptr<Database> DBEngine::ReopenDatabase(Database& database, const std::string& connect) {
+  DatabaseCore& core = *database.m_core;
+  Observe("DBEngine.OpenDatabase", core.Name());
+  auto store =
+      Store::Open(core.OpenStore().Pages().Storage().Share(), PasswordIn(connect), m_options.cacheBytes);
+  auto reopened = std::make_shared<Database>(
+      std::make_shared<DatabaseCore>(core.Name(), std::move(store), core.IsReadOnly(), m_options.observer));
+  core.Detach();
+  return reopened;
+}
+
 std::shared_ptr<Database> DBEngine::CreateDatabase(const std::string& name, const CreateOptions& options) {
   Observe("DBEngine.CreateDatabase", name);
   return CreateWithKey(name, options, options.encode ? RandomKey() : 0);
@@ -124,12 +135,13 @@ void DBEngine::CompactDatabase(Database& source, const std::string& name) {
 void DBEngine::ReplaceDatabase(Database& database, const std::string& from) {
   const std::string to = database.m_core->Name();
   Observe("DBEngine.ReplaceDatabase", to);
+  database.m_core->PrepareChange();  // raises if the log beside it would stay
   m_options.files->Replace(from, to, database.m_core->Release());
 }
 
 void DBEngine::ReplaceDatabase(const std::string& to, const std::string& from) {
   Observe("DBEngine.ReplaceDatabase", to);
-  std::unique_ptr<File> held;
+  std::shared_ptr<File> held;
   if (m_options.files->Exists(to)) held = m_options.files->Open(to, {});
   RedoLog(m_options.files, to, Durability::Off).Remove();
   m_options.files->Replace(from, to, std::move(held));

@@ -53,10 +53,20 @@ class DBEngine {
   /// without a password opens with any. Raises FileNotFound, InvalidFileName, PathNotFound, NotADatabase,
   /// PasswordRejected, FileInUse, FileHeldExclusively, PermissionDenied, DamagedFile, LogDoesNotBelong.
   ///
+  /// If a log was left beside the file and cannot be brought into it (a full disk, a folder that cannot be
+  /// written), the database is read through the log, and changes raise PermissionDenied with the reason. If
+  /// the log is damaged in the middle, DamagedFile says how many changes are lost; the log has another name
+  /// then, and the next opening succeeds.
+  ///
   /// A shared open that is not read-only holds the file as an exclusive one does, but only against other
   /// writers.
   std::shared_ptr<Database> OpenDatabase(const std::string& name, bool exclusive = false,
                                          bool readOnly = false, const std::string& connect = {});
+
+  /// Opens the file of an open database anew, as it is in the file now, without letting go of it. The
+  /// database is closed then; what it has not committed is lost. When it fails the database stays open.
+  /// Raises ObjectClosed, PasswordRejected, DamagedFile, NotADatabase.
+  std::shared_ptr<Database> ReopenDatabase(Database& database, const std::string& connect = {});
 
   /// Makes a new database file with empty system tables and opens it exclusively. Raises ObjectExists when
   /// the file is there; when it fails, no file is left behind.

@@ -44,6 +44,10 @@ bool Database::IsOpen() const {
   m_core->Observe("Database.IsOpen");
   return m_core->IsOpen();
 }
+bool Database::HoldsFile(const std::string& name) const {
+  return m_core->IsOpen() && m_core->OpenStore().Pages().Storage().IsNamed(name);
+}
+
 bool Database::IsReadOnly() const {
   m_core->Observe("Database.IsReadOnly");
   m_core->OpenStore();

@@ -32,6 +32,8 @@ class Database {
   const std::string& Name() const;
   bool IsOpen() const;
   bool IsReadOnly() const;
+  /// Whether it is open and the name leads to its file, not to another one that took its place.
+  bool HoldsFile(const std::string& name) const;
 
   /// Runs a select statement. A plain select of one table gives a dynaset, which can be changed; joins,
   /// aggregates give a snapshot, which cannot. Raises SyntaxErrorInFrom, SyntaxErrorInExpression, NotASelect,

@@ -35,6 +35,13 @@ Store& DatabaseCore::WritableStore() {
   Store& store = OpenStore();
   if (m_readOnly)
     throw Error(ErrorNumber::CannotUpdate, "The database '" + m_name + "' is open for reading only.");
+  const std::string refusal = store.Pages().Storage().Refusal();
+  if (!refusal.empty()) {
+    throw Error(ErrorNumber::PermissionDenied, "The database '" + m_name +
+                                                   "' can be read, and not changed: its log could not be "
+                                                   "brought into it. " +
+                                                   refusal);
+  }
   return store;
 }
 
@@ -139,9 +146,13 @@ void DatabaseCore::Close() {
   if (m_store != nullptr) TakeStore()->Close();
 }
 
-std::unique_ptr<File> DatabaseCore::Release() {
+std::shared_ptr<File> DatabaseCore::Release() {
   OpenStore();
   return TakeStore()->Release();
+}
+
+void DatabaseCore::Detach() {
+  if (m_store != nullptr) TakeStore()->Pages().Storage().Detach();
 }
 
 std::unique_ptr<Store> DatabaseCore::TakeStore() {

@@ -46,7 +46,8 @@ class DatabaseCore {
   void Add(RecordsetCore& recordset) { m_recordsets.push_back(&recordset); }
   void Remove(RecordsetCore& recordset);
 
-  /// Makes ready for a change of rows, which is a unit of its own. Raises ObjectClosed, CannotUpdate.
+  /// Makes ready for a change of rows, which is a unit of its own. Raises ObjectClosed, CannotUpdate,
+  /// PermissionDenied if the file could be opened for reading only.
   void PrepareChange();
   /// The store, ready for a change of the schema, which is a unit of its own.
   Store& StoreForSchema();
@@ -62,7 +63,9 @@ class DatabaseCore {
   /// Rolls back open transactions and closes the recordsets and the file. Twice is harmless.
   void Close();
   /// The same, and hands out the file, which is locked still. Raises ObjectClosed.
-  std::unique_ptr<File> Release();
+  std::shared_ptr<File> Release();
+  /// The same without the file, which another store has taken over.
+  void Detach();
 
  private:
   /// Rolls back its changes when destroyed before its unit was committed.

@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace jet {
 
@@ -27,6 +28,8 @@ class File {
   virtual void Sync() = 0;
   /// Whether the file was removed, so that what is written to it goes with this object.
   virtual bool IsRemoved() const { return false; }
+  /// Whether the name leads to this file, and not to another one that took its place.
+  virtual bool IsNamed(const std::string& /*name*/) const { return true; }
 };
 
 /// How a file is opened and what others may do with it meanwhile.
@@ -49,11 +52,13 @@ class FileSystem {
   /// The full name of a file that is there, which stays its name whatever folder the process goes to; of a
   /// link, where the system can tell, that of the file it leads to.
   virtual std::string RealName(const std::string& name) { return name; }
+  /// Other names in its folder that the file of this name has (hard links), where the system can tell.
+  virtual std::vector<std::string> OtherNames(const std::string& /*name*/) { return {}; }
   /// Removes a file, durably; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;
   /// Renames a file over whatever has the new name, atomically, and makes the renaming durable. `held` is the
   /// file `to`, open, or none: where the system can replace an open file, nobody else gets at it before.
-  virtual void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) = 0;
+  virtual void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) = 0;
 };
 
 /// The file system of the machine. Lives for ever.

@@ -10,13 +10,29 @@
 
 namespace jet {
 
-PageStore::PageStore(std::unique_ptr<File> file, std::string name, std::unique_ptr<RedoLog> log)
+PageStore::PageStore(std::shared_ptr<File> file, std::string name, std::shared_ptr<RedoLog> log)
     : m_file(std::move(file)), m_name(std::move(name)), m_log(std::move(log)) {}
 
-PageStore::PageStore(std::unique_ptr<File> file, std::string name)
+PageStore::PageStore(std::shared_ptr<File> file, std::string name)
     : PageStore(std::move(file), std::move(name), nullptr) {}
 
 PageStore::~PageStore() = default;
+
+std::unique_ptr<PageStore> PageStore::Share() const {
+  auto other = std::make_unique<PageStore>(m_file, m_name, m_log);
+  other->m_broken = m_broken;
+  other->m_unsynced = m_unsynced;
+  return other;
+}
+
+void PageStore::Detach() {
+  m_file.reset();
+  m_log.reset();
+}
+
+std::string PageStore::Refusal() const {
+  return m_log == nullptr ? std::string() : m_log->Refusal();
+}
 
 std::vector<std::byte> PageStore::ReadHeader() {
   if (m_log != nullptr && m_log->Has(0)) {
@@ -97,21 +113,20 @@ void PageStore::Apply(std::span<const ChangedPage> changes, PageNumber pageCount
 }
 
 void PageStore::ApplyLogged(std::span<const ChangedPage> changes, PageNumber pageCount) {
-  if (m_key == 0) {
+  if (m_key == 0 && !m_log->IsEmpty()) {
     m_log->Append(changes, m_pageCount, pageCount);
   } else {
-    std::vector<PageBytes> coded;
-    coded.reserve(2 * changes.size());  // stays where it is
+    std::deque<PageBytes> bytes;  // stay where they are
     const auto code = [&](PageNumber number, const PageBytes* page) -> const PageBytes* {
       if (page == nullptr || !IsCoded(number)) return page;
-      Code(number, coded.emplace_back(*page));
-      return &coded.back();
+      Code(number, bytes.emplace_back(*page));
+      return &bytes.back();
     };
     std::vector<ChangedPage> stored;
-    stored.reserve(changes.size());
     for (const ChangedPage& change : changes)
       stored.push_back(
           {change.number, code(change.number, change.before), code(change.number, change.after)});
+    if (m_log->IsEmpty()) AddWitnesses(stored, bytes);
     m_log->Append(stored, m_pageCount, pageCount);
   }
   if (!m_log->IsLong()) return;
@@ -119,6 +134,23 @@ void PageStore::ApplyLogged(std::span<const ChangedPage> changes, PageNumber pag
     m_log->Checkpoint(*m_file);
   } catch (const std::exception&) {
     // The unit is in the log all the same. The next one tries again, and closing tells.
+  }
+}
+
+/// Adds pages of the file that the unit leaves as they are, as they are stored.
+void PageStore::AddWitnesses(std::vector<ChangedPage>& changes, std::deque<PageBytes>& bytes) {
+  if (m_witnesses == nullptr) return;
+  std::vector<PageNumber> numbers = m_witnesses();
+  std::sort(numbers.begin(), numbers.end());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  const std::size_t changed = changes.size();  // in the order of their numbers
+  for (const PageNumber number : numbers) {
+    const auto end = changes.begin() + static_cast<std::ptrdiff_t>(changed);
+    const auto at = std::lower_bound(changes.begin(), end, number,
+                                     [](const ChangedPage& page, PageNumber n) { return page.number < n; });
+    if (number >= m_pageCount || (at != end && at->number == number)) continue;
+    m_file->Read(std::uint64_t{number} * kPageSize, bytes.emplace_back());
+    changes.push_back({.number = number, .before = &bytes.back()});
   }
 }
 
@@ -159,7 +191,7 @@ void PageStore::Close() {
   if (m_log != nullptr) m_log->Close(*m_file);
 }
 
-std::unique_ptr<File> PageStore::Release() {
+std::shared_ptr<File> PageStore::Release() {
   Close();
   return std::move(m_file);
 }

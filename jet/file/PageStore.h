@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "jet/file/File.h"
@@ -22,9 +25,13 @@ class RedoLog;
 class PageStore {
  public:
   /// `name` is used in messages. Start comes next.
-  PageStore(std::unique_ptr<File> file, std::string name);
-  PageStore(std::unique_ptr<File> file, std::string name, std::unique_ptr<RedoLog> log);
+  PageStore(std::shared_ptr<File> file, std::string name);
+  PageStore(std::shared_ptr<File> file, std::string name, std::shared_ptr<RedoLog> log);
   ~PageStore();
+  /// Another one for the same file and log. Only one of the two may change pages; the other one detaches.
+  std::unique_ptr<PageStore> Share() const;
+  /// Lets go of file and log without writing anything.
+  void Detach();
 
   /// The header page, as far as the file has one.
   std::vector<std::byte> ReadHeader();
@@ -32,6 +39,13 @@ class PageStore {
   void Start(std::uint32_t databaseKey);
   /// From here on changes go into the log; those made until then are durable.
   void UseLog(std::unique_ptr<RedoLog> log);
+  /// Has a log that begins note the state of the pages that `pages()` answers, by which another state of the
+  /// file is recognised when the log is replayed. They should be few, and change often.
+  void UseWitnesses(std::function<std::vector<PageNumber>()> pages) { m_witnesses = std::move(pages); }
+  /// See RedoLog::Refusal.
+  std::string Refusal() const;
+  /// Whether the name leads to the file.
+  bool IsNamed(const std::string& name) const { return m_file->IsNamed(name); }
 
   /// Whole pages of the file.
   PageNumber PageCount() const { return m_pageCount; }
@@ -50,22 +64,24 @@ class PageStore {
   /// Writes everything into the file, durably. What is in the log stays there when it fails.
   void Close();
   /// Closes, and hands out the file, which is locked still.
-  std::unique_ptr<File> Release();
+  std::shared_ptr<File> Release();
 
   /// Writes all pages into another file, coded as they are here.
   void CopyTo(File& other);
 
  private:
   void ApplyLogged(std::span<const ChangedPage> changes, PageNumber pageCount);
+  void AddWitnesses(std::vector<ChangedPage>& changes, std::deque<PageBytes>& bytes);
   void ApplyAtOnce(std::span<const ChangedPage> changes);
   void Write(PageNumber number, const PageBytes& bytes);
   void PutBack(std::span<const ChangedPage> attempted) noexcept;
   bool IsCoded(PageNumber number) const { return m_key != 0 && number != 0; }
   void Code(PageNumber number, PageBytes& bytes) const;
 
-  std::unique_ptr<File> m_file;
+  std::shared_ptr<File> m_file;
   std::string m_name;
-  std::unique_ptr<RedoLog> m_log;
+  std::shared_ptr<RedoLog> m_log;
+  std::function<std::vector<PageNumber>()> m_witnesses;
   std::uint32_t m_key = 0;
   PageNumber m_pageCount = 0;
   bool m_endsInsidePage = false;

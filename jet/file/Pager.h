@@ -115,7 +115,9 @@ class Pager {
   void UseLog(std::unique_ptr<RedoLog> log);
   void Close() { m_store->Close(); }
   /// The same, and hands out the file.
-  std::unique_ptr<File> Release() { return m_store->Release(); }
+  std::shared_ptr<File> Release() { return m_store->Release(); }
+  /// The pages as they are in the file. Changes go through the Pager only.
+  PageStore& Storage() { return *m_store; }
   /// Writes all pages as they are in the file, without changes that are under way.
   void CopyTo(File& other) { m_store->CopyTo(other); }
 

@@ -21,7 +21,7 @@ using PageBytes = std::array<std::byte, kPageSize>;
 struct ChangedPage {
   PageNumber number = 0;
   const PageBytes* before = nullptr;  ///< none: the page is new at the end of the file
-  const PageBytes* after = nullptr;
+  const PageBytes* after = nullptr;   ///< none: the page stays as it is (RedoLog only)
 };
 
 }  // namespace jet

@@ -7,25 +7,21 @@
 #include <utility>
 
 #include "jet/Error.h"
-#include "jet/file/Checksum.h"
+#include "jet/format/Bytes.h"
+#include "jet/format/Checksum.h"
 
 namespace jet {
 namespace {
 
-constexpr char kMark[16] = "jet redo log";
-constexpr std::uint32_t kVersion = 2;
-constexpr std::uint32_t kUnitMark = 0x54494E55;
+using format::kPageSectors;
+using format::kSectorSize;
+
 constexpr std::size_t kLeastAhead = std::size_t{64} << 10;  // zeros written ahead of the end at a time
 constexpr std::size_t kMostAhead = std::size_t{1} << 20;
 constexpr std::size_t kLongestWrite = std::size_t{1} << 20;  // units longer than this are written in pieces
 
 constexpr char kUncertain[] =
     " It cannot be known whether the change is stored: opening the database again shows it.";
-
-template <typename T>
-std::span<const std::byte> BytesOf(const T& value) {
-  return std::as_bytes(std::span(&value, 1));
-}
 
 std::uint64_t OffsetOf(PageNumber number) {
   return std::uint64_t{number} * kPageSize;
@@ -35,48 +31,12 @@ bool AllZero(std::span<const std::byte> bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](std::byte b) { return b == std::byte{0}; });
 }
 
-std::uint32_t SumOf(std::span<const std::byte> sector) {
-  Checksum sum;
-  sum.Add(sector);
-  return static_cast<std::uint32_t>(sum.Value());
-}
-
 std::uint64_t NewSalt() {
   std::random_device device;
   return (std::uint64_t{device()} << 32) | device();
 }
 
 }  // namespace
-
-struct RedoLog::Header {
-  char mark[sizeof kMark];
-  std::uint32_t version;
-  std::uint32_t pageSize;
-  std::uint32_t pageCount;
-  std::uint32_t unused;
-  std::uint64_t salt;
-  std::uint64_t sum;  // of what stands before it
-
-  std::uint64_t Sum() const {
-    Checksum checksum;
-    checksum.Add(BytesOf(*this).first(offsetof(Header, sum)));
-    return checksum.Value();
-  }
-};
-
-struct RedoLog::UnitHead {
-  std::uint32_t mark;
-  std::uint32_t sequence;
-  std::uint32_t pages;
-  std::uint32_t pageCount;
-};
-
-struct RedoLog::PageHead {
-  std::uint32_t number;
-  std::uint32_t isNew;
-  SectorSums before;
-  Hole hole;
-};
 
 RedoLog::RedoLog(std::shared_ptr<FileSystem> files, const std::string& databaseName, Durability durability,
                  std::uint64_t longLog)
@@ -87,13 +47,6 @@ RedoLog::RedoLog(std::shared_ptr<FileSystem> files, const std::string& databaseN
       m_longLog(longLog) {}
 
 RedoLog::~RedoLog() = default;
-
-RedoLog::SectorSums RedoLog::SumsOf(const PageBytes& page) {
-  SectorSums sums;
-  for (std::size_t i = 0; i < kSectors; ++i)
-    sums[i] = SumOf(std::span(page).subspan(i * kSectorSize, kSectorSize));
-  return sums;
-}
 
 RedoLog::Hole RedoLog::HoleIn(const PageBytes& page) {
   constexpr std::size_t kBlock = 64;
@@ -116,107 +69,209 @@ RedoLog::Hole RedoLog::HoleIn(const PageBytes& page) {
   return longest;
 }
 
-void RedoLog::AddWritten(std::span<const std::byte> written, Hole hole, Checksum& sum) {
-  sum.Add(written.first(hole.begin));
-  sum.Add(written.subspan(hole.begin));
-}
-
 void RedoLog::Recover(File& database, bool readOnly) {
-  if (!m_files->Exists(m_name)) return;
-  try {
-    m_file = m_files->Open(m_name, {.exclusive = !readOnly, .readOnly = readOnly, .create = false});
-  } catch (const Error& error) {
-    const bool isHeld =
-        error.Number() == ErrorNumber::FileInUse || error.Number() == ErrorNumber::FileHeldExclusively;
-    if (error.Number() == ErrorNumber::FileNotFound || (readOnly && isHeld)) return;
-    throw;
-  }
+  if (!OpenLeft(readOnly)) return;
+  std::uint32_t lost = 0;
   try {
     if (ReadHeader()) ReadUnits();
     if (!m_pages.empty()) CheckBelongs(database);
+    lost = LostUnits();
     m_earlier.clear();
+    m_witnesses.clear();
+    if (lost > 0) KeepDamaged(lost, database);
   } catch (...) {
     m_pages.clear();
     m_file.reset();
     throw;
   }
-  m_isReadOnly = readOnly;
-  Close(database);
+  if (m_isReadOnly) return;
+  try {
+    Close(database);
+  } catch (const Error& error) {
+    m_refusal = error.what();
+    m_isReadOnly = true;
+  }
+}
+
+/// Opens the log that was left, if there is one that others do not hold.
+bool RedoLog::OpenLeft(bool readOnly) {
+  if (!m_files->Exists(m_name)) FindBesideLink();
+  if (!m_files->Exists(m_name)) return false;
+  const auto open = [&](bool forReading) {
+    m_file = m_files->Open(m_name, {.exclusive = !readOnly, .readOnly = forReading, .create = false});
+    m_isReadOnly = forReading;
+  };
+  try {
+    try {
+      open(readOnly);
+    } catch (const Error& error) {
+      if (readOnly || error.Number() != ErrorNumber::PermissionDenied) throw;
+      open(true);
+      m_refusal = error.what();
+    }
+    return true;
+  } catch (const Error& error) {
+    const bool isHeld =
+        error.Number() == ErrorNumber::FileInUse || error.Number() == ErrorNumber::FileHeldExclusively;
+    if (error.Number() == ErrorNumber::FileNotFound || (readOnly && isHeld)) return false;
+    throw;
+  }
+}
+
+/// The log may have been made when the file was open by another of its names.
+void RedoLog::FindBesideLink() {
+  for (const std::string& other : m_files->OtherNames(m_databaseName)) {
+    if (m_files->Exists(NameFor(other))) m_name = NameFor(other);
+  }
 }
 
 bool RedoLog::ReadHeader() {
   std::array<std::byte, kSectorSize> sector{};
   const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(m_file->Size(), sector.size()));
-  m_file->Read(0, std::span(sector).first(size));
-  Header header;
-  std::memcpy(&header, sector.data(), sizeof header);
+  const std::span<std::byte> there = std::span(sector).first(size);
+  m_file->Read(0, there);
   // A log that was just being made when the machine stopped: nothing is in it yet.
-  const bool isMarked = std::memcmp(header.mark, kMark, std::min(size, sizeof kMark)) == 0;
-  if (AllZero(sector) || (isMarked && size < sector.size())) return false;
-  if (!isMarked || header.version != kVersion || header.pageSize != kPageSize ||
-      header.pageCount > kMaxPages || header.sum != header.Sum()) {
+  if (AllZero(sector) || (size < sector.size() && format::BeginsLikeLogHeader(there))) return false;
+  const std::optional<format::LogHeader> header = format::DecodeLogHeader(sector);
+  if (!header || header->pageCount > kMaxPages) {
     throw Error(ErrorNumber::DamagedFile,
                 "The log '" + m_name +
                     "' is damaged or of another version. To go on with the database as it is, without the "
                     "changes in the log, remove the log.");
   }
-  m_basePageCount = m_pageCount = header.pageCount;
-  m_sum = header.sum;
-  m_sequence = 0;
-  m_end = kSectorSize;
+  Begin(*header);
   return true;
 }
 
+void RedoLog::Begin(const format::LogHeader& header) {
+  m_basePageCount = m_pageCount = header.pageCount;
+  m_salt = header.salt;
+  m_sequence = 0;
+  m_end = kSectorSize;
+}
+
 void RedoLog::ReadUnits() {
+  // Whatever is not a whole unit, in its place and with the right checksum, is the end of the log.
   const std::uint64_t size = m_file->Size();
-  while (ReadUnit(size)) {
+  std::uint64_t bytesRead = 0;
+  for (;;) {
+    const std::optional<Unit> unit = ReadUnit(m_end, size, bytesRead);
+    if (!unit || unit->head.sequence != m_sequence + 1 || unit->head.pageCount < m_pageCount) return;
+    AddUnit(*unit);
   }
 }
 
-bool RedoLog::ReadUnit(std::uint64_t size) {
-  // Whatever is not a whole unit, in its place and with the right checksum, is the end of the log.
-  std::uint64_t at = m_end;
+/// The unit that begins there, if it is one of this log and whole; adds what was read of the file.
+std::optional<RedoLog::Unit> RedoLog::ReadUnit(std::uint64_t begin, std::uint64_t size,
+                                               std::uint64_t& bytesRead) {
+  std::uint64_t at = begin;
+  Checksum sum;
   const auto read = [&](std::span<std::byte> into) {
     if (size - at < into.size()) return false;
     m_file->Read(at, into);
     at += into.size();
+    bytesRead += into.size();
     return true;
   };
-  UnitHead head;
-  if (!read(std::as_writable_bytes(std::span(&head, 1)))) return false;
-  if (head.mark != kUnitMark || head.sequence != m_sequence + 1 || head.pages > head.pageCount ||
-      head.pageCount > kMaxPages || head.pageCount < m_pageCount) {
-    return false;
+  std::array<std::byte, UnitHead::kSize> head;
+  if (!read(head)) return std::nullopt;
+  const std::optional<UnitHead> decoded = format::DecodeLogUnitHead(head);
+  if (!decoded || decoded->salt != m_salt || decoded->pageCount > kMaxPages ||
+      decoded->pages > decoded->pageCount || (size - at) / PageHead::kSize < decoded->pages) {
+    return std::nullopt;
   }
-  if ((size - at) / sizeof(PageHead) < head.pages) return false;
-  std::vector<PageHead> pageHeads(head.pages);
-  if (!read(std::as_writable_bytes(std::span(pageHeads)))) return false;
-  Checksum sum(m_sum);
-  sum.Add(BytesOf(head));
-  sum.Add(std::as_bytes(std::span(pageHeads)));
+  m_buffer.resize(decoded->pages * PageHead::kSize);
+  if (!read(m_buffer)) return std::nullopt;
+  sum.Add(head);
+  sum.Add(m_buffer);
 
-  std::vector<std::pair<PageNumber, LoggedPage>> pages;
-  pages.reserve(head.pages);
+  Unit unit;
+  unit.head = *decoded;
+  unit.pages.reserve(decoded->pages);
   PageBytes page;
-  for (const PageHead& pageHead : pageHeads) {
-    if (pageHead.number >= head.pageCount || !pageHead.hole.Fits()) return false;
-    pages.push_back({pageHead.number, {at, pageHead.hole, pageHead.isNew != 0, pageHead.before}});
-    const auto written = std::span(page).first(pageHead.hole.Written());
-    if (!read(written)) return false;
-    AddWritten(written, pageHead.hole, sum);
+  for (std::size_t i = 0; i < decoded->pages; ++i) {
+    const auto pageHead = format::DecodeLogPageHead(
+        std::span<const std::byte>(m_buffer).subspan(i * PageHead::kSize).first<PageHead::kSize>());
+    if (!pageHead || pageHead->number >= decoded->pageCount) return std::nullopt;
+    unit.pages.emplace_back(*pageHead, at);
+    if (pageHead->kind == PageHead::Kind::Witness) continue;
+    const auto written = std::span(page).first(pageHead->hole.Written());
+    if (!read(written)) return std::nullopt;
+    sum.Add(written.first(pageHead->hole.begin));
+    sum.Add(written.subspan(pageHead->hole.begin));
   }
-  std::uint64_t stored = 0;
-  if (!read(std::as_writable_bytes(std::span(&stored, 1))) || stored != sum.Value()) return false;
+  std::array<std::byte, sizeof(std::uint64_t)> stored;
+  if (!read(stored) || format::LoadU64(stored.data()) != sum.Value()) return std::nullopt;
+  unit.end = at;
+  return unit;
+}
 
-  for (const auto& [number, logged] : pages) {
-    const auto [known, isFirst] = m_pages.try_emplace(number, logged);
-    if (!isFirst) m_earlier.emplace(number, std::exchange(known->second, logged));
+void RedoLog::AddUnit(const Unit& unit) {
+  for (const auto& [head, offset] : unit.pages) {
+    if (head.kind == PageHead::Kind::Witness) {
+      m_witnesses[head.number] = head.before;
+      continue;
+    }
+    const LoggedPage logged{.offset = offset,
+                            .hole = head.hole,
+                            .isNew = head.kind == PageHead::Kind::New,
+                            .before = head.before};
+    const auto [known, isFirst] = m_pages.try_emplace(head.number, logged);
+    if (!isFirst) m_earlier.emplace(head.number, std::exchange(known->second, logged));
   }
-  m_pageCount = head.pageCount;
-  m_sequence = head.sequence;
-  m_sum = stored;
-  m_end = at;
-  return true;
+  m_pageCount = unit.head.pageCount;
+  m_sequence = unit.head.sequence;
+  m_end = unit.end;
+}
+
+/// How many units the log had behind its end, of which it still has some whole: a place in it is damaged.
+///
+/// A power cut may leave such a gap where units were not synced one by one. That is no damage, but what the
+/// wished durability allows.
+std::uint32_t RedoLog::LostUnits() {
+  constexpr std::size_t kBlock = std::size_t{64} << 10;
+  if (m_end == 0) return 0;
+  const std::uint64_t size = m_file->Size();
+  std::uint32_t last = m_sequence;
+  bool isDamage = false;
+  std::uint64_t bytesRead = 0;  // bounds the work on a log that was made to be slow
+  std::vector<std::byte> block;
+  for (std::uint64_t at = m_end; size - at >= UnitHead::kSize && bytesRead <= 4 * size;) {
+    block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(size - at, kBlock)));
+    m_file->Read(at, block);
+    const auto mark = std::search(block.begin(), block.end(), UnitHead::kMark.begin(), UnitHead::kMark.end());
+    if (mark == block.end()) {
+      if (block.size() < kBlock) break;
+      at += block.size() - (UnitHead::kMarkSize - 1);  // a mark may lie across the end
+      continue;
+    }
+    at += static_cast<std::uint64_t>(mark - block.begin());
+    const std::optional<Unit> unit = ReadUnit(at, size, bytesRead);
+    at = unit ? unit->end : at + 1;
+    if (!unit || unit->head.sequence <= last) continue;
+    last = unit->head.sequence;
+    isDamage = isDamage || unit->head.followsSyncedUnits;
+  }
+  return isDamage ? last - m_sequence : 0;
+}
+
+/// Replays what stands before the damaged place, and keeps the log under another name.
+void RedoLog::KeepDamaged(std::uint32_t lost, File& database) {
+  const std::string changes = lost == 1 ? "1 change" : std::to_string(lost) + " changes";
+  const std::string damaged = "The log '" + m_name + "' of '" + m_databaseName + "' is damaged: ";
+  if (m_isReadOnly) {
+    throw Error(ErrorNumber::DamagedFile,
+                damaged + changes + " in it cannot be read. Open the database for writing to go on without.");
+  }
+  if (!m_pages.empty()) WritePages(database);
+  m_file.reset();
+  std::string kept = m_name + "-damaged";
+  for (int i = 2; m_files->Exists(kept); ++i)
+    kept = m_name + "-damaged-" + std::to_string(i);
+  m_files->Replace(m_name, kept, nullptr);
+  throw Error(ErrorNumber::DamagedFile,
+              damaged + changes + " in it are lost, those before are in the database. The log was kept as '" +
+                  kept + "'. Open the database again to go on.");
 }
 
 void RedoLog::CheckBelongs(File& database) {
@@ -230,6 +285,12 @@ void RedoLog::CheckBelongs(File& database) {
     database.Read(OffsetOf(number), there);
     if (!Belongs(number, page, there)) RaiseDoesNotBelong();
   }
+  for (const auto& [number, before] : m_witnesses) {
+    if (m_pages.contains(number)) continue;
+    if (OffsetOf(number) + kPageSize > size) RaiseDoesNotBelong();
+    database.Read(OffsetOf(number), stored);
+    if (format::SumsOfSectors(stored) != before) RaiseDoesNotBelong();
+  }
 }
 
 bool RedoLog::Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored) {
@@ -239,9 +300,9 @@ bool RedoLog::Belongs(PageNumber number, const LoggedPage& page, std::span<const
   const auto sectorAt = [&](std::size_t i) {
     return stored.subspan(i * kSectorSize).first(std::min(kSectorSize, stored.size() - i * kSectorSize));
   };
-  std::bitset<kSectors> isKnown;
+  std::bitset<kPageSectors> isKnown;
   for (std::size_t i = 0; i < sectors; ++i)
-    isKnown[i] = page.isNew ? AllZero(sectorAt(i)) : SumOf(sectorAt(i)) == page.before[i];
+    isKnown[i] = page.isNew ? AllZero(sectorAt(i)) : format::SumOfSector(sectorAt(i)) == page.before[i];
   const auto compare = [&](const LoggedPage& logged) {
     PageBytes state;
     Read(logged, state);
@@ -257,12 +318,12 @@ bool RedoLog::Belongs(PageNumber number, const LoggedPage& page, std::span<const
 }
 
 void RedoLog::RaiseDoesNotBelong() const {
-  throw Error(
-      ErrorNumber::LogDoesNotBelong,
-      "The log '" + m_name + "' does not belong to '" + m_databaseName +
-          "' as it is now: another program has changed the database since. To go on with the database "
-          "as it is, without the changes in the log, remove the log; to keep them, put the database "
-          "file back that was beside it.");
+  throw Error(ErrorNumber::LogDoesNotBelong,
+              "The log '" + m_name + "' does not belong to '" + m_databaseName +
+                  "' as it is now: another program has changed the database since, or it is a copy of "
+                  "another time. To go on with the database "
+                  "as it is, without the changes in the log, remove the log; to keep them, put the database "
+                  "file back that was beside it.");
 }
 
 void RedoLog::Read(PageNumber number, PageBytes& into) {
@@ -285,7 +346,6 @@ void RedoLog::Append(std::span<const ChangedPage> changes, PageNumber oldPageCou
   }
   m_file == nullptr ? Create(oldPageCount) : PutBackIfRemoved();
   const std::uint64_t end = m_end;
-  const std::uint64_t sum = m_sum;
   bool isWhole = false;
   try {
     AppendUnit(changes, pageCount);
@@ -295,28 +355,27 @@ void RedoLog::Append(std::span<const ChangedPage> changes, PageNumber oldPageCou
       m_file->Sync();
     }
   } catch (const Error& error) {
-    ForgetUnit(changes, end, sum, isWhole);
+    ForgetUnit(changes, end, isWhole);
     if (!m_isBroken) throw;
     Error uncertain(error.Number(), error.what() + std::string(kUncertain));
     uncertain.MarkUncertain();
     throw uncertain;
   } catch (...) {
-    ForgetUnit(changes, end, sum, isWhole);
+    ForgetUnit(changes, end, isWhole);
     throw;
   }
   // Nothing fails from here on: the unit is there.
   m_isSynced = m_durability == Durability::Full;
   m_pageCount = pageCount;
   ++m_sequence;
-  for (std::size_t i = 0; i < changes.size(); ++i)
-    m_pages.find(changes[i].number)->second = m_appended[i];
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    if (changes[i].after != nullptr) m_pages.find(changes[i].number)->second = m_appended[i];
+  }
 }
 
 /// Takes back a unit that failed; `isWhole`: it was written, and perhaps not synced.
-void RedoLog::ForgetUnit(std::span<const ChangedPage> changes, std::uint64_t end, std::uint64_t sum,
-                         bool isWhole) {
+void RedoLog::ForgetUnit(std::span<const ChangedPage> changes, std::uint64_t end, bool isWhole) {
   m_end = end;
-  m_sum = sum;
   ForgetUnwritten(changes);
   if (isWhole) Void();
 }
@@ -330,53 +389,73 @@ void RedoLog::ForgetUnwritten(std::span<const ChangedPage> changes) {
 }
 
 void RedoLog::AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount) {
-  Checksum sum(m_sum);
-  m_buffer.clear();
+  m_appended.clear();
+  std::uint64_t offset = m_end + UnitHead::kSize + changes.size() * PageHead::kSize;
+  for (const ChangedPage& change : changes) {
+    m_appended.push_back(Place(change, offset));
+    offset += m_appended.back().hole.Written();
+  }
+  const auto head = format::EncodeLogUnitHead({.sequence = m_sequence + 1,
+                                               .salt = m_salt,
+                                               .pages = static_cast<std::uint32_t>(changes.size()),
+                                               .pageCount = pageCount,
+                                               .followsSyncedUnits = m_isSynced || m_sequence == 0});
+  m_buffer.assign(head.begin(), head.end());
+  m_buffer.resize(head.size() + changes.size() * PageHead::kSize);
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    const LoggedPage& page = m_appended[i];
+    const auto kind = changes[i].after == nullptr ? PageHead::Kind::Witness
+                      : page.isNew                ? PageHead::Kind::New
+                                                  : PageHead::Kind::Changed;
+    format::EncodeLogPageHead(
+        {.number = changes[i].number, .kind = kind, .before = page.before, .hole = page.hole},
+        std::span(m_buffer).subspan(head.size() + i * PageHead::kSize).first<PageHead::kSize>());
+  }
+  Checksum sum;
+  sum.Add(head);
+  sum.Add(std::span<const std::byte>(m_buffer).subspan(head.size()));
+
   const auto put = [&](std::span<const std::byte> bytes) {
-    const std::size_t at = m_buffer.size();
-    m_buffer.resize(at + bytes.size());
-    std::memcpy(m_buffer.data() + at, bytes.data(), bytes.size());
+    m_buffer.insert(m_buffer.end(), bytes.begin(), bytes.end());
   };
   const auto flush = [&] {
     m_file->Write(m_end, m_buffer);
     m_end += m_buffer.size();
     m_buffer.clear();
   };
-  const UnitHead head{.mark = kUnitMark,
-                      .sequence = m_sequence + 1,
-                      .pages = static_cast<std::uint32_t>(changes.size()),
-                      .pageCount = pageCount};
-  put(BytesOf(head));
-  m_appended.clear();
-  std::uint64_t offset = m_end + sizeof head + changes.size() * sizeof(PageHead);
-  for (const ChangedPage& change : changes) {
-    const auto [known, isFirst] = m_pages.try_emplace(change.number);  // while that may fail still
-    LoggedPage page = known->second;
-    if (isFirst) {
-      page.isNew = change.before == nullptr;
-      if (!page.isNew) page.before = SumsOf(*change.before);
-    }
-    page.hole = HoleIn(*change.after);
-    page.offset = offset;
-    offset += page.hole.Written();
-    m_appended.push_back(page);
-    put(BytesOf(PageHead{
-        .number = change.number, .isNew = page.isNew ? 1u : 0u, .before = page.before, .hole = page.hole}));
-  }
-  sum.Add(BytesOf(head));
-  sum.Add(std::span<const std::byte>(m_buffer).subspan(sizeof head));
   for (std::size_t i = 0; i < changes.size(); ++i) {
+    if (changes[i].after == nullptr) continue;
     const std::span<const std::byte> page = *changes[i].after;
     const Hole hole = m_appended[i].hole;
-    const std::size_t begin = m_buffer.size();
-    put(page.first(hole.begin));
-    put(page.subspan(hole.begin + hole.size));
-    AddWritten(std::span<const std::byte>(m_buffer).subspan(begin), hole, sum);
+    for (const auto part : {page.first(hole.begin), page.subspan(hole.begin + hole.size)}) {
+      put(part);
+      sum.Add(part);
+    }
     if (m_buffer.size() >= kLongestWrite) flush();
   }
-  m_sum = sum.Value();
-  put(BytesOf(m_sum));
+  std::array<std::byte, sizeof(std::uint64_t)> stored;
+  format::StoreU64(stored.data(), sum.Value());
+  put(stored);
   flush();
+}
+
+/// What the log will have of a page, at an offset. Makes a place for it in m_pages, while that may still
+/// fail.
+RedoLog::LoggedPage RedoLog::Place(const ChangedPage& change, std::uint64_t offset) {
+  if (change.after == nullptr) {
+    return {.offset = offset,
+            .hole = {.begin = 0, .size = kPageSize},
+            .before = format::SumsOfSectors(*change.before)};
+  }
+  const auto [known, isFirst] = m_pages.try_emplace(change.number);
+  LoggedPage page = known->second;
+  if (isFirst) {
+    page.isNew = change.before == nullptr;
+    if (!page.isNew) page.before = format::SumsOfSectors(*change.before);
+  }
+  page.hole = HoleIn(*change.after);
+  page.offset = offset;
+  return page;
 }
 
 /// Keeps zeros ahead of the end. To sync what is written over them, the system need not note a new size of
@@ -406,15 +485,17 @@ void RedoLog::Void() {
 }
 
 void RedoLog::Create(PageNumber pageCount) {
-  m_file = m_files->Open(m_name, {.exclusive = true, .readOnly = false, .create = true});
+  m_file = m_files->Open(m_name, {.exclusive = true, .readOnly = false, .create = !m_isLeftBehind});
   m_ahead = 0;
   try {
+    if (m_isLeftBehind) m_file->Resize(0);
+    m_isLeftBehind = false;
     WriteHeader(pageCount);
   } catch (...) {
     try {
       Remove();
     } catch (const Error&) {
-      // What is left of it is empty.
+      m_isLeftBehind = true;  // nothing is in it
     }
     throw;
   }
@@ -441,20 +522,9 @@ void RedoLog::PutBackIfRemoved() {
 }
 
 void RedoLog::WriteHeader(PageNumber pageCount) {
-  Header header{};
-  std::memcpy(header.mark, kMark, sizeof kMark);
-  header.version = kVersion;
-  header.pageSize = kPageSize;
-  header.pageCount = pageCount;
-  header.salt = NewSalt();
-  header.sum = header.Sum();
-  std::array<std::byte, kSectorSize> sector{};
-  std::memcpy(sector.data(), &header, sizeof header);
-  m_file->Write(0, sector);
-  m_basePageCount = m_pageCount = pageCount;
-  m_sum = header.sum;
-  m_sequence = 0;
-  m_end = kSectorSize;
+  const format::LogHeader header{.pageCount = pageCount, .salt = NewSalt()};
+  m_file->Write(0, format::EncodeLogHeader(header));
+  Begin(header);
   m_isSynced = false;
 }
 

@@ -4,18 +4,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "jet/Durability.h"
 #include "jet/file/File.h"
 #include "jet/file/Pages.h"
+#include "jet/format/RedoLogLayout.h"
 
 namespace jet {
-
-class Checksum;
 
 /// The redo log of one open database file: a file beside it, named as it with "-log" behind, whatever link it
 /// was opened by.
@@ -26,13 +27,9 @@ class Checksum;
 /// programs see the file as the last checkpoint left it. Between checkpoints pages are read from the log if
 /// they are in it.
 ///
-/// Layout, in the machine's byte order, since a log is replayed where it was written:
-///     header   512 bytes: mark, version, page size, pages of the database file, salt, checksum
-///     unit     mark, sequence, pages in the unit, pages of the file after it; then for each page its number,
-///              whether the database file has it, a checksum of each of its sectors there, and where it is
-///              zero; then the pages as they become, each without its longest run of zeros; then a checksum
-///              of all of it, which begins with that of the unit before
-/// After a checkpoint of a log that stays in use, a new salt makes what is left in it void.
+/// format/RedoLogLayout.h has the layout. Each unit carries the log's salt; after a checkpoint of a log that
+/// stays in use, a new salt makes what is left in it void. The first unit also carries checksums of pages
+/// that it does not change, the witnesses, by which another state of the database file is recognised.
 ///
 /// Pages are here as they are in the file, coded if its pages are. The caller holds the lock of the database
 /// file; the log has one of its own, so that no two hold it.
@@ -55,8 +52,13 @@ class RedoLog {
   /// read only and somebody else has the log open: that one's changes are not ours to see yet.
   ///
   /// Raises LogDoesNotBelong, and touches neither file, when a page of the database file is neither as the
-  /// log found it nor as a unit of the log leaves it.
+  /// log found it nor as a unit of the log leaves it. Raises DamagedFile when units follow a damaged place:
+  /// those before it have been replayed then, and the log has another name, so that the next opening succeeds
+  /// (nothing is touched if it is read only).
   void Recover(File& database, bool readOnly);
+  /// Why there can be no changes although they were wished for: the log that was left could not be replayed
+  /// or removed, and is read where it is. Empty: there can.
+  const std::string& Refusal() const { return m_refusal; }
 
   /// Whether changes go into the log.
   bool IsUsed() const { return m_durability != Durability::Off; }
@@ -67,10 +69,11 @@ class RedoLog {
   /// A page that the log has.
   void Read(PageNumber number, PageBytes& into);
 
-  /// Appends a unit; `oldPageCount` are the pages of the database before it, `pageCount` those after it. When
-  /// it returns, the unit is as durable as wished. When it fails, the unit is not there. Should it be unknown
-  /// whether it is, the error is marked uncertain, and every later Append is refused. A log that somebody
-  /// removed is made anew, with all that was in it.
+  /// Appends a unit; `oldPageCount` are the pages of the database before it, `pageCount` those after it.
+  /// Pages without an `after` are witnesses, which the first unit should have: see IsEmpty. When it returns,
+  /// the unit is as durable as wished. When it fails, the unit is not there. Should it be unknown whether it
+  /// is, the error is marked uncertain, and every later Append is refused. A log that somebody removed is
+  /// made anew, with all that was in it.
   void Append(std::span<const ChangedPage> changes, PageNumber oldPageCount, PageNumber pageCount);
   /// Whether the log is so long that a checkpoint is due.
   bool IsLong() const { return m_end > m_longLog; }
@@ -85,20 +88,11 @@ class RedoLog {
   void Remove();
 
  private:
-  static constexpr std::size_t kSectorSize = 512;
-  static constexpr std::size_t kSectors = kPageSize / kSectorSize;
-  using SectorSums = std::array<std::uint32_t, kSectors>;
+  using Hole = format::LogHole;
+  using SectorSums = format::SectorSums;
+  using PageHead = format::LogPageHead;
+  using UnitHead = format::LogUnitHead;
 
-  struct Header;
-  struct UnitHead;
-  struct PageHead;
-  /// A run of zeros of a page that is not written. Pages are half empty mostly.
-  struct Hole {
-    std::uint16_t begin = 0;
-    std::uint16_t size = 0;
-    std::size_t Written() const { return kPageSize - size; }
-    bool Fits() const { return std::size_t{begin} + size <= kPageSize; }
-  };
   struct LoggedPage {
     std::uint64_t offset = 0;  ///< of its newest state in the log; 0 while its first one is being written
     Hole hole;
@@ -106,21 +100,33 @@ class RedoLog {
     SectorSums before{};  ///< of its state at the last checkpoint
   };
 
-  static SectorSums SumsOf(const PageBytes& page);
-  static Hole HoleIn(const PageBytes& page);
-  static void AddWritten(std::span<const std::byte> written, Hole hole, Checksum& sum);
+  /// A unit of the log that is whole.
+  struct Unit {
+    UnitHead head;
+    std::vector<std::pair<PageHead, std::uint64_t>> pages;  ///< and where their bytes begin
+    std::uint64_t end = 0;                                  ///< where it ends
+  };
 
+  static Hole HoleIn(const PageBytes& page);
+
+  bool OpenLeft(bool readOnly);
+  void FindBesideLink();
   void Create(PageNumber pageCount);
   void PutBackIfRemoved();
   void WriteHeader(PageNumber pageCount);
   bool ReadHeader();
+  void Begin(const format::LogHeader& header);
   void ReadUnits();
-  bool ReadUnit(std::uint64_t size);
+  std::optional<Unit> ReadUnit(std::uint64_t begin, std::uint64_t size, std::uint64_t& bytesRead);
+  void AddUnit(const Unit& unit);
+  std::uint32_t LostUnits();
+  [[noreturn]] void KeepDamaged(std::uint32_t lost, File& database);
   void CheckBelongs(File& database);
   bool Belongs(PageNumber number, const LoggedPage& page, std::span<const std::byte> stored);
   void Read(const LoggedPage& page, PageBytes& into);
+  LoggedPage Place(const ChangedPage& change, std::uint64_t offset);
   void AppendUnit(std::span<const ChangedPage> changes, PageNumber pageCount);
-  void ForgetUnit(std::span<const ChangedPage> changes, std::uint64_t end, std::uint64_t sum, bool isWhole);
+  void ForgetUnit(std::span<const ChangedPage> changes, std::uint64_t end, bool isWhole);
   void ForgetUnwritten(std::span<const ChangedPage> changes);
   void WriteAhead();
   void Void();
@@ -138,17 +144,20 @@ class RedoLog {
   std::unique_ptr<File> m_file;  // none: no log
   std::uint64_t m_end = 0;       // where the next unit goes
   std::uint64_t m_ahead = 0;     // up to where the file holds units or zeros, so far as is known
-  std::uint64_t m_sum = 0;       // of the last unit, or of the header
+  std::uint64_t m_salt = 0;
   std::uint32_t m_sequence = 0;
   PageNumber m_basePageCount = 0;
   PageNumber m_pageCount = 0;
   std::unordered_map<PageNumber, LoggedPage> m_pages;
   std::unordered_multimap<PageNumber, LoggedPage> m_earlier;  // states that later units replace, on opening
+  std::unordered_map<PageNumber, SectorSums> m_witnesses;     // on opening
   std::vector<std::byte> m_buffer;
   std::vector<LoggedPage> m_appended;  // the pages of the unit that is being appended
+  std::string m_refusal;
   bool m_isReadOnly = false;
   bool m_isSynced = false;
   bool m_isBroken = false;
+  bool m_isLeftBehind = false;  // a log without units could not be removed
 };
 
 }  // namespace jet

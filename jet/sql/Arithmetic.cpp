@@ -15,8 +15,6 @@
 namespace jet::sql {
 namespace {
 
-constexpr std::uint8_t kCurrencyScale = 4;
-
 [[noreturn]] void RaiseNoResult(const std::string& why) {
   throw Error(ErrorNumber::CannotConvert, "The expression has no result: " + why + ".");
 }

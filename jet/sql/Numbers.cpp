@@ -15,7 +15,6 @@ namespace jet::sql {
 namespace {
 
 constexpr std::uint8_t kMostScale = 28;
-constexpr std::uint8_t kCurrencyScale = 4;
 constexpr int kMantissaBits = 53;
 
 /// A whole number without sign, wide enough for any double or decimal brought to a common scale.

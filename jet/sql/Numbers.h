@@ -9,6 +9,9 @@
 /// Numbers of all kinds against each other, without rounding. Yes/no values are the numbers -1 and 0.
 namespace jet::sql {
 
+/// Decimals of a currency value.
+inline constexpr std::uint8_t kCurrencyScale = 4;
+
 /// Whether the value is a number, a yes/no value included.
 bool IsNumber(const Value& value);
 

@@ -75,6 +75,13 @@ std::unique_ptr<Store> Store::Adopt(std::unique_ptr<Pager> pager, format::Databa
   std::unique_ptr<Store> store(new Store(std::move(pager), std::move(header)));
   store->m_allocator.CheckFileIsWhole();
   store->ReadCatalog();
+  // Definitions change with the number of rows.
+  store->m_pager->Storage().UseWitnesses([&catalog = store->m_catalog] {
+    std::vector<PageNumber> definitions;
+    for (const CatalogEntry& entry : catalog)
+      definitions.push_back(entry.definition);
+    return definitions;
+  });
   return store;
 }
 
@@ -91,7 +98,7 @@ void Store::Close() {
   m_pager->Close();
 }
 
-std::unique_ptr<File> Store::Release() {
+std::shared_ptr<File> Store::Release() {
   return m_pager->Release();
 }
 

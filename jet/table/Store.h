@@ -68,7 +68,7 @@ class Store {
   /// Makes everything written survive a power cut, in the file itself. The Store must not be used afterwards.
   void Close();
   /// The same, and hands out the file, which is locked still.
-  std::unique_ptr<File> Release();
+  std::shared_ptr<File> Release();
 
  private:
   Store(std::unique_ptr<Pager> pager, format::DatabaseHeader header);

@@ -150,7 +150,7 @@ void CrashingFileSystem::Remove(const std::string& name) {
   m_machine->disks.erase(name);
 }
 
-void CrashingFileSystem::Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) {
+void CrashingFileSystem::Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) {
   if (m_machine->Fails()) Machine::RaiseFailed();
   if (m_machine->Enter()) Machine::RaiseDown();
   m_memory->Replace(from, to, std::move(held));

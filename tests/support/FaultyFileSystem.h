@@ -24,7 +24,7 @@ class FaultyFileSystem final : public FileSystem {
   std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) override;
   bool Exists(const std::string& name) override { return m_files->Exists(name); }
   void Remove(const std::string& name) override { m_files->Remove(name); }
-  void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) override {
+  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) override {
     m_files->Replace(from, to, std::move(held));
   }
 

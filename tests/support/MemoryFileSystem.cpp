@@ -98,7 +98,7 @@ void MemoryFileSystem::Remove(const std::string& name) {
 }
 
 void MemoryFileSystem::Replace(const std::string& from, const std::string& to,
-                               std::unique_ptr<File> /*held*/) {
+                               std::shared_ptr<File> /*held*/) {
   const auto found = m_files.find(Key(from));
   if (found == m_files.end())
     throw Error(ErrorNumber::FileNotFound, "Could not find the file '" + from + "'.");

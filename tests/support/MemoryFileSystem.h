@@ -18,7 +18,7 @@ class MemoryFileSystem final : public FileSystem {
   std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) override;
   bool Exists(const std::string& name) override;
   void Remove(const std::string& name) override;
-  void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) override;
+  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) override;
 
   /// Makes or overwrites a file, whoever has it open.
   void Put(const std::string& name, std::vector<std::byte> bytes);

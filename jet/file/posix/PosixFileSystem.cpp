@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -84,6 +85,14 @@ auto Uninterrupted(Call call) {
   return result;
 }
 
+/// Whether the name leads to the open file.
+bool LeadsTo(const std::string& systemName, const Descriptor& descriptor) {
+  struct stat opened {};
+  struct stat named {};
+  return ::fstat(descriptor.Number(), &opened) == 0 && ::stat(systemName.c_str(), &named) == 0 &&
+         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
 Descriptor OpenDescriptor(const std::string& systemName, int flags) {
   return Descriptor(Uninterrupted([&] { return ::open(systemName.c_str(), flags | O_CLOEXEC, 0666); }));
 }
@@ -140,6 +149,8 @@ class PosixFile final : public File {
       RaiseFor(errno, m_name, "write");
   }
 
+  bool IsNamed(const std::string& name) const override { return LeadsTo(ToSystemName(name), m_descriptor); }
+
   bool IsRemoved() const override {
 #ifdef STATX_NLINK
     // Who is asked for times as well notes those of later writes so exactly that each sync has more to write.
@@ -174,12 +185,12 @@ class PosixFileSystem final : public FileSystem {
           mode.create ? Create(name, systemName) : OpenExisting(name, systemName, mode.readOnly);
       try {
         Lock(descriptor, name, mode);
-        if (IsNamed(descriptor, systemName)) {
+        if (LeadsTo(systemName, descriptor)) {
           RefuseIfShared(name);
           return std::make_unique<PosixFile>(std::move(descriptor), name, mode.readOnly);
         }
       } catch (...) {
-        if (mode.create && IsNamed(descriptor, systemName)) ::unlink(systemName.c_str());
+        if (mode.create && LeadsTo(systemName, descriptor)) ::unlink(systemName.c_str());
         throw;
       }
     }
@@ -189,6 +200,22 @@ class PosixFileSystem final : public FileSystem {
   bool Exists(const std::string& name) override {
     struct stat status {};
     return !name.empty() && ::stat(ToSystemName(name).c_str(), &status) == 0;
+  }
+
+  std::vector<std::string> OtherNames(const std::string& name) override {
+    const std::string systemName = FollowLinks(ToSystemName(name));
+    struct stat status {};
+    if (::stat(systemName.c_str(), &status) != 0 || status.st_nlink < 2) return {};
+    std::vector<std::string> names;
+    std::error_code error;
+    const std::filesystem::path real = systemName;
+    for (const auto& entry : std::filesystem::directory_iterator(real.parent_path(), error)) {
+      struct stat other {};
+      if (entry.path() == real || ::lstat(entry.path().c_str(), &other) != 0) continue;
+      if (other.st_dev == status.st_dev && other.st_ino == status.st_ino)
+        names.push_back(entry.path().string());
+    }
+    return names;
   }
 
   std::string RealName(const std::string& name) override { return FollowLinks(ToSystemName(name)); }
@@ -202,7 +229,7 @@ class PosixFileSystem final : public FileSystem {
     RaiseFor(errno, name, "remove");
   }
 
-  void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> /*held*/) override {
+  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> /*held*/) override {
     file_names::Check(from);
     file_names::Check(to);
     const std::string target = FollowLinks(ToSystemName(to));
@@ -262,13 +289,6 @@ class PosixFileSystem final : public FileSystem {
     if (Uninterrupted([&] { return ::flock(descriptor.Number(), kind | LOCK_NB); }) == 0) return true;
     if (errno == EWOULDBLOCK) return false;
     RaiseFor(errno, name, "lock");
-  }
-
-  static bool IsNamed(const Descriptor& descriptor, const std::string& systemName) {
-    struct stat opened {};
-    struct stat named {};
-    return ::fstat(descriptor.Number(), &opened) == 0 && ::stat(systemName.c_str(), &named) == 0 &&
-           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
   }
 
   /// Programs that share a database lock ranges of a file beside it. One that nobody locks was left by a

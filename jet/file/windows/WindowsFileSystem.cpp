@@ -203,7 +203,7 @@ class WindowsFileSystem final : public FileSystem {
     RaiseFor(error, name, "remove");
   }
 
-  void Replace(const std::string& from, const std::string& to, std::unique_ptr<File> held) override {
+  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) override {
     file_names::Check(from);
     file_names::Check(to);
     held.reset();  // an open file cannot be replaced here
