@@ -75,12 +75,12 @@ std::unique_ptr<Store> Store::Adopt(std::unique_ptr<Pager> pager, format::Databa
   std::unique_ptr<Store> store(new Store(std::move(pager), std::move(header)));
   store->m_allocator.CheckFileIsWhole();
   store->ReadCatalog();
-  // Definitions change with the number of rows.
+  // The header tells files apart; definitions change with the number of rows.
   store->m_pager->Storage().UseWitnesses([&catalog = store->m_catalog] {
-    std::vector<PageNumber> definitions;
+    std::vector<PageNumber> pages{0};
     for (const CatalogEntry& entry : catalog)
-      definitions.push_back(entry.definition);
-    return definitions;
+      pages.push_back(entry.definition);
+    return pages;
   });
   return store;
 }

@@ -6,6 +6,7 @@
 #include "jet/Error.h"
 #include "jet/file/PageStore.h"
 #include "jet/file/RedoLog.h"
+#include "jet/format/RedoLogLayout.h"
 #include "tests/support/CrashingFileSystem.h"
 #include "tests/support/FaultyFileSystem.h"
 
@@ -245,13 +246,50 @@ TEST_F(RedoLogTest, AnyTornTailIsIgnored) {
                 StartingState())
         << size;
   }
+}
+
+// A damaged place anywhere: what stands before its unit is there, and what follows is not lost silently.
+TEST_F(RedoLogTest, UnitsBehindADamagedPlaceAreCountedAndKept) {
+  constexpr int kUnits = 10;
+  Files files;
+  std::vector<std::size_t> ends{format::kSectorSize};
+  {
+    auto machine = std::make_shared<CrashingFileSystem>(Files{{"f", Flat(StartingState())}});
+    auto pages = Open(machine, Durability::Full);
+    for (int unit = 1; unit <= kUnits; ++unit) {
+      Fill(*pages, 3, unit);
+      files = machine->Survivors();
+      std::size_t end = files.at("f-log").size();
+      while (files.at("f-log")[end - 1] == std::byte{0})
+        --end;
+      ends.push_back(end);
+    }
+  }
   std::mt19937 random(3);
-  for (int i = 0; i < 200; ++i) {
-    Files broken = files;
-    broken.at("f-log")[512 + random() % (log.size() - 512)] ^= static_cast<std::byte>(1 + random() % 255);
-    EXPECT_TRUE(ReadAll(*Open(std::make_shared<CrashingFileSystem>(broken), Durability::Full)) ==
-                StartingState())
-        << i;
+  for (int i = 0; i < 400; ++i) {
+    const std::size_t at = format::kSectorSize + random() % (ends.back() - format::kSectorSize);
+    const auto unit = static_cast<int>(std::upper_bound(ends.begin(), ends.end(), at) - ends.begin());
+    SCOPED_TRACE("byte " + std::to_string(at) + ", unit " + std::to_string(unit));
+    Files damaged = files;
+    damaged.at("f-log")[at] ^= static_cast<std::byte>(1 + random() % 255);
+    const auto up = std::make_shared<CrashingFileSystem>(damaged);
+    for (const bool readOnly : {true, false}) {
+      try {
+        Open(up, Durability::Full, readOnly);
+        EXPECT_EQ(unit, kUnits) << "a torn tail";
+      } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), ErrorNumber::DamagedFile);
+        const std::string words = error.what();
+        const int lost = kUnits - unit + 1;
+        EXPECT_NE(words.find(": " + std::to_string(lost) + " change"), std::string::npos) << words;
+        EXPECT_EQ(up->Exists("f-log"), readOnly);
+        EXPECT_EQ(up->Exists("f-log-damaged"), !readOnly);
+      }
+    }
+    const int found = First(*Open(up, Durability::Full), 3);
+    EXPECT_EQ(found, unit == 1 ? std::to_integer<int>(StartingState()[3][0]) : unit - 1);
+    if (unit == kUnits) continue;
+    EXPECT_TRUE(up->Survivors().at("f-log-damaged") == damaged.at("f-log"));
   }
 }
 
@@ -322,6 +360,20 @@ TEST_F(RedoLogTest, AUnitThatCannotBeWithdrawnIsReportedAsUncertain) {
         Open(std::make_shared<CrashingFileSystem>(files->Survivors(Crash::Kill)), Durability::Full);
     EXPECT_EQ(First(*up, 3) == 0x33, forGood);
   }
+}
+
+// A log whose header could be neither written nor taken away again is used by the next unit.
+TEST_F(RedoLogTest, ALogThatFailedWhenItWasMadeIsMadeLater) {
+  const auto files = std::make_shared<CrashingFileSystem>(Files{{"f", Flat(StartingState())}});
+  auto pages = Open(files, Durability::Full);
+  files->FailAt(2, test::Failure::Torn, true, 0);  // the header's write, and the removal
+  EXPECT_THROW(Fill(*pages, 3, 0x33), Error);
+  files->Mend();
+  Fill(*pages, 4, 0x44);
+  const auto up =
+      Open(std::make_shared<CrashingFileSystem>(files->Survivors(Crash::LoseUnsynced)), Durability::Full);
+  EXPECT_EQ(First(*up, 4), 0x44);
+  EXPECT_NE(First(*up, 3), 0x33);
 }
 
 TEST_F(RedoLogTest, FailedCheckpointKeepsTheChangesInTheLog) {
