@@ -2,6 +2,7 @@
 
 HALCYRA_TEST_EVERY tries only every N-th point; which ones follows from HALCYRA_TEST_SEED, random and printed if not set.
 """
+import errno
 import os
 import random
 import shutil
@@ -16,6 +17,7 @@ CRASHER = os.environ.get("HALCYRA_TEST_CRASHER", "")
 EVERY = int(os.environ.get("HALCYRA_TEST_EVERY", "1"))
 SEED = int(os.environ.get("HALCYRA_TEST_SEED", random.randrange(1 << 30)))
 KILLS = 300 // EVERY
+FAULTS = [(how, error) for how in ("fail", "fail for good", "short") for error in (errno.EIO, errno.ENOSPC)]
 SCRIPT = b"draft pick P40\ndraft pick P41\ndraft undo\ndraft pick T9\ndraft save\ndraft pick P42\ndraft save\nmanager fee 3 paid\n"
 PLAYERS = "id,first name,last name,position,team\n1,Ann,Lee,QB,AMB\n" + "".join(
     f"new,New{n},Player{n},RB,ASP\n" for n in range(40))
@@ -110,6 +112,42 @@ class Killed(DraftTest):
             self.assert_sound()
         self.assertGreater(points, 500)
         print(f"{points} points, every {EVERY}th tried, {done} after the commit")
+
+    @unittest.skipUnless(CRASHER, "there is no library to preload")
+    def test_faults_at_each_file_operation(self):
+        """What a command reports of a change is what the next one finds, whichever calls of the system fail."""
+        start = self.path.read_bytes()
+        calls = self.folder / "calls"
+        points = 0
+        phase = self.random.randrange(EVERY)
+        for words in COMMANDS[:-1]:
+            self.path.write_bytes(start)
+            if words[:2] == ["manager", "join"]:
+                self.done("manager", "leave", "12")
+            before = self.path.read_bytes()
+            _, after = self.run_whole(words, LD_PRELOAD=CRASHER, HALCYRA_TEST_CALLS=str(calls))
+            for call in range(1, int(calls.read_text()) + 1):
+                for how, error in FAULTS:
+                    points += 1
+                    if points % EVERY != phase:
+                        continue
+                    self.path.write_bytes(before)
+                    what = f"{words}, {how} of call {call} with {os.strerror(error)}"
+                    file = [self.folder / "players.csv"] if words[0] == "import" else []
+                    done = support.run("--folder", self.folder, *words, *file, env=support.environment(
+                        LD_PRELOAD=CRASHER, HALCYRA_TEST_CRASH_AT=str(call), HALCYRA_TEST_CRASH_HOW=how,
+                        HALCYRA_TEST_ERROR=str(error)))
+                    self.done("season", "list")
+                    now = self.path.read_bytes()
+                    what += f": {done.returncode} {done.stdout} {done.stderr}"
+                    if done.returncode == support.DONE:
+                        self.assertTrue(now == after, what)
+                    else:
+                        self.assertEqual(done.returncode, support.SYSTEM_FAILED, what)
+                        self.assertIn(os.strerror(error) if error == errno.EIO else "disk is full", done.stderr, what)
+                        self.assertTrue(now == before or (now == after and "cannot be known" in done.stderr), what)
+                    self.assertFalse((self.folder / (support.LIVE + "-log")).exists(), what)
+        print(f"{points} faults, every {EVERY}th tried")
 
     def expect_saved_shell(self, process, what):
         told = process.stdout.read().decode()

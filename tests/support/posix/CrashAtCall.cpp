@@ -1,9 +1,12 @@
-// Preloaded into a program, ends it as a kill does at one of its calls that change files.
+// Preloaded into a program, ends it as a kill does at one of its calls that change files, or has calls fail.
 //
 // HALCYRA_TEST_CRASH_AT is the call's number, from 1, and HALCYRA_TEST_CRASH_HOW says when: "before" it, "in"
-// it (a write leaves its first half), or "after" it. Without a number the program runs to its end.
+// it (a write leaves its first half), or "after" it; or it says "fail", "fail for good" (it and all calls after
+// it) or "short" (a write leaves its first half, and the next one fails), with the error HALCYRA_TEST_ERROR.
+// Without a number the program runs to its end.
 // HALCYRA_TEST_CALLS names a file that receives the number of calls, outside of the count itself.
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -22,10 +25,19 @@ Function* Original(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
+const char* Setting(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+/// What becomes of the current call; "": it is carried out.
 const char* HowToCrash() {
-  const char* const at = std::getenv("HALCYRA_TEST_CRASH_AT");
-  const char* const how = std::getenv("HALCYRA_TEST_CRASH_HOW");
-  return at != nullptr && how != nullptr && std::strtol(at, nullptr, 10) == calls ? how : "";
+  static const long at = std::strtol(Setting("HALCYRA_TEST_CRASH_AT"), nullptr, 10);
+  const char* const how = Setting("HALCYRA_TEST_CRASH_HOW");
+  if (at == 0) return "";
+  if (at == calls) return how;
+  if (std::strcmp(how, "fail for good") == 0 && at < calls) return how;
+  return std::strcmp(how, "short") == 0 && at + 1 == calls ? "fail" : "";
 }
 
 void Die() {
@@ -38,6 +50,11 @@ template <typename Call, typename Half>
 auto Enter(const Call& call, const Half& half) {
   ++calls;
   const char* const how = HowToCrash();
+  if (std::strncmp(how, "fail", 4) == 0) {
+    errno = std::atoi(Setting("HALCYRA_TEST_ERROR"));
+    return decltype(call()){-1};
+  }
+  if (std::strcmp(how, "short") == 0) return half();
   if (std::strcmp(how, "before") == 0) Die();
   if (std::strcmp(how, "in") == 0) {
     half();
@@ -49,7 +66,7 @@ auto Enter(const Call& call, const Half& half) {
 }
 template <typename Call>
 auto Enter(const Call& call) {
-  return Enter(call, [] {});
+  return Enter(call, [] { return decltype(call()){}; });
 }
 
 struct Report {
