@@ -123,6 +123,7 @@ void League::Transact(const std::string& failure, const std::function<void()>& w
   };
   m_isInTransaction = true;
   try {
+    HLDataSrvc::CheckCanChange(service);
     HLDataSrvc::RunInTransaction(service, [&] {
       work();
       RaiseShownMessages();

@@ -1,15 +1,37 @@
 #include "service/DataService.h"
 
 #include <exception>
+#include <string>
 #include <utility>
 
 #include "HLIData/Error.h"
+#include "jet/Error.h"
 #include "jet/dao/Database.h"
+#include "records/Failures.h"
 #include "records/SeasonInfo.h"
 #include "records/SettingInfo.h"
 #include "service/Writes.h"
 
 namespace HLDataSrvc {
+namespace {
+
+/// Raises the error that ended an operation together with the one because of which not even what was written
+/// before it is stored.
+[[noreturn]] void RaiseBoth(const std::exception_ptr& error, const jet::Error& notCommitted) {
+  std::string text;
+  try {
+    std::rethrow_exception(error);
+  } catch (const ShownError&) {
+    // Its message box is there already.
+  } catch (const std::exception& first) {
+    text = std::string(first.what()) + " ";
+  }
+  jet::Error both(notCommitted.Number(), text + notCommitted.what());
+  if (notCommitted.IsUncertain()) both.MarkUncertain();
+  throw both;
+}
+
+}  // namespace
 
 DataService::DataService(std::shared_ptr<Host> host) : m_host(std::move(host)) {}
 
@@ -69,8 +91,9 @@ void DataService::Write(const std::function<void(Writes& writes)>& write) {
   }
   try {
     writes.Commit();
-  } catch (...) {
+  } catch (const jet::Error& notCommitted) {
     if (!error) throw;
+    RaiseBoth(error, notCommitted);
   }
   if (error) std::rethrow_exception(error);
 }

@@ -45,6 +45,10 @@ bool RunInTransaction(HLIData::IDataService& service, const std::function<bool()
   return true;
 }
 
+void CheckCanChange(HLIData::IDataService& service) {
+  DatabaseOf(service).CheckCanChange();
+}
+
 std::shared_ptr<HLIData::IDataService> RenewService(HLIData::IDataService& service) {
   return Own(service).Renewed();
 }

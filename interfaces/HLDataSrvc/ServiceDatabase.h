@@ -29,6 +29,10 @@ namespace HLDataSrvc {
 /// records still show the undone changes: use RenewService. May be nested.
 HLDATASRVC_API bool RunInTransaction(HLIData::IDataService& service, const std::function<bool()>& work);
 
+/// Raises the engine's PermissionDenied, with the reason, if the database can be read and not changed, as on
+/// a full disk when a log is left beside it.
+HLDATASRVC_API void CheckCanChange(HLIData::IDataService& service);
+
 /// A new service, which has loaded nothing but the settings, on the open database of another. The other one
 /// is left as after CloseDatabase; the file stays open and locked. Raises ObjectNotSet, and closes the file,
 /// if the settings cannot be loaded.

@@ -135,7 +135,7 @@ void DBEngine::CompactDatabase(Database& source, const std::string& name) {
 void DBEngine::ReplaceDatabase(Database& database, const std::string& from) {
   const std::string to = database.m_core->Name();
   Observe("DBEngine.ReplaceDatabase", to);
-  database.m_core->PrepareChange();  // raises if the log beside it would stay
+  database.m_core->CheckCanChange();  // raises if the log beside it would stay
   m_options.files->Replace(from, to, database.m_core->Release());
 }
 

@@ -44,6 +44,10 @@ bool Database::IsOpen() const {
   m_core->Observe("Database.IsOpen");
   return m_core->IsOpen();
 }
+void Database::CheckCanChange() const {
+  m_core->CheckCanChange();
+}
+
 bool Database::HoldsFile(const std::string& name) const {
   return m_core->IsOpen() && m_core->OpenStore().Pages().Storage().IsNamed(name);
 }

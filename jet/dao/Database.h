@@ -32,6 +32,9 @@ class Database {
   const std::string& Name() const;
   bool IsOpen() const;
   bool IsReadOnly() const;
+  /// Raises what every change would raise: CannotUpdate if it was opened for reading only, PermissionDenied
+  /// if it could be opened for nothing else, ObjectClosed.
+  void CheckCanChange() const;
   /// Whether it is open and the name leads to its file, not to another one that took its place.
   bool HoldsFile(const std::string& name) const;
 

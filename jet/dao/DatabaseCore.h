@@ -46,6 +46,8 @@ class DatabaseCore {
   void Add(RecordsetCore& recordset) { m_recordsets.push_back(&recordset); }
   void Remove(RecordsetCore& recordset);
 
+  /// See Database.
+  void CheckCanChange() { WritableStore(); }
   /// Makes ready for a change of rows, which is a unit of its own. Raises ObjectClosed, CannotUpdate,
   /// PermissionDenied if the file could be opened for reading only.
   void PrepareChange();

@@ -158,8 +158,8 @@ TEST_F(LeftLogTest, IsReplayedIntoItsFileOnly) {
          return file;
        },
        -1},
-      {"nothing like a log", [&] { return WriteWholeFile(log, std::vector<std::byte>(5000, std::byte{7})), file; },
-       -1},
+      {"nothing like a log",
+       [&] { return WriteWholeFile(log, std::vector<std::byte>(5000, std::byte{7})), file; }, -1},
   };
   for (const Case& each : cases) {
     SCOPED_TRACE(each.name);

@@ -1,10 +1,10 @@
 // Preloaded into a program, ends it as a kill does at one of its calls that change files, or has calls fail.
 //
 // HALCYRA_TEST_CRASH_AT is the call's number, from 1, and HALCYRA_TEST_CRASH_HOW says when: "before" it, "in"
-// it (a write leaves its first half), or "after" it; or it says "fail", "fail for good" (it and all calls after
-// it) or "short" (a write leaves its first half, and the next one fails), with the error HALCYRA_TEST_ERROR.
-// Without a number the program runs to its end.
-// HALCYRA_TEST_CALLS names a file that receives the number of calls, outside of the count itself.
+// it (a write leaves its first half), or "after" it; or it says "fail", "fail for good" (it and all calls
+// after it) or "short" (a write leaves its first half, and the next one fails), with the error
+// HALCYRA_TEST_ERROR. Without a number the program runs to its end. HALCYRA_TEST_CALLS names a file that
+// receives the number of calls, outside of the count itself.
 
 #include <cerrno>
 #include <csignal>
