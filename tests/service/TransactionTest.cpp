@@ -81,6 +81,18 @@ TEST_F(TransactionTest, RollsBackWhatAFailedOperationHasWritten) {
   EXPECT_EQ(Boxes().size(), 1u);
 }
 
+TEST_F(TransactionTest, ShowsTwoErrorsInOneBoxIfNotEvenTheWrittenPartIsStored) {
+  const test::Tables before = Stored();
+  m_engine->onCall = [](const std::string& call) {
+    if (call == "Recordset.AddNew") throw jet::Error(jet::ErrorNumber::DiskFull, "No row.");
+    if (call == "Database.CommitTrans") throw jet::Error(jet::ErrorNumber::ReadFailed, "No commit.");
+  };
+  EXPECT_FALSE(m_service->SaveCurrentSeasonInfo());
+  m_engine->onCall = nullptr;
+  EXPECT_EQ(Boxes(), Lines{"Error in saving season info.\r\nNo row. No commit."});
+  EXPECT_EQ(Stored(), before);
+}
+
 TEST_F(TransactionTest, StoresNothingIfTheDatabaseIsClosedInside) {
   const test::Tables before = Stored();
   for (const bool closes : {true, false}) {
