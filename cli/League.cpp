@@ -1,6 +1,7 @@
 #include "cli/League.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <thread>
 
@@ -9,7 +10,6 @@
 #include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "jet/Error.h"
-#include "jet/dao/DBEngine.h"
 #include "storage/HLServiceUtils.h"
 
 namespace cli {
@@ -24,16 +24,17 @@ constexpr auto kBetweenTries = 50ms;
 constexpr const char* kPartialDraft = "Error in loading drafts.";
 constexpr const char* kNothingChanged = "Nothing was changed.";
 
-/// Why the service did not open a file that is there. Its message has no number, so the engine is asked; when
-/// it opens the file by now, somebody else has just let go of it.
-jet::ErrorNumber ReasonNotOpened(const std::string& path) {
+/// Raises why the service did not open a file, with the engine's number.
+[[noreturn]] void RaiseOpeningError(HLIData::IDataService& service, const std::string& message) {
+  const std::exception_ptr error = HLDataSrvc::OpeningError(service);
+  if (error == nullptr) throw jet::Error(jet::ErrorNumber::FileNotFound, message);
   try {
-    HLServiceUtils::Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false,
-                                          HLServiceUtils::GetConnectString());
-  } catch (const jet::Error& error) {
-    return error.Number();
+    std::rethrow_exception(error);
+  } catch (const jet::Error&) {
+    throw;
+  } catch (const std::exception&) {
+    throw jet::Error(jet::ErrorNumber::PermissionDenied, message);  // the folder could not be searched
   }
-  return jet::ErrorNumber::FileInUse;
 }
 
 /// What `work()` answers; it is called again while it raises that the file is in use, for as long as
@@ -75,7 +76,7 @@ void League::Open(std::chrono::milliseconds patience) {
       std::string message;
       const bool isOpen = service->Initialize(m_context.Kind(), message);
       m_path = HLServiceUtils::GetDatabasePath(*m_host, m_context.Kind(), "", "");
-      if (!isOpen) throw jet::Error(ReasonNotOpened(m_path), message);
+      if (!isOpen) RaiseOpeningError(*service, message);
     });
   } catch (const jet::Error& error) {
     RaiseNotOpened(error);

@@ -94,6 +94,8 @@ void DataService::Write(const std::function<void(Writes& writes)>& write) {
   } catch (const jet::Error& notCommitted) {
     if (!error) throw;
     RaiseBoth(error, notCommitted);
+  } catch (...) {
+    if (!error) throw;
   }
   if (error) std::rethrow_exception(error);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -97,6 +98,8 @@ class DataService final : public HLIData::IDataService,
   /// The player with an identifier, from the cache or the database; empty when there is none. For this
   /// component only. Raises UnknownKey for one whose position or team does not exist.
   std::shared_ptr<PlayerInfo> PlayerByID(std::int32_t playerID);
+  /// See HLDataSrvc::OpeningError. For this component only.
+  std::exception_ptr OpeningError() const { return m_openingError; }
   /// While a copy of it lives, besides the service's own, the client has a transaction open and the database
   /// is not reopened. For this component only.
   std::shared_ptr<void> ClientTransaction() const { return m_clientTransaction; }
@@ -216,6 +219,7 @@ class DataService final : public HLIData::IDataService,
   ServiceCaches m_caches;
   std::shared_ptr<SettingInfo> m_settings;  // we are registered with it for as long as we hold it
   HLIData::DBType m_databaseKind{};
+  std::exception_ptr m_openingError;
 };
 
 }  // namespace HLDataSrvc

@@ -24,7 +24,9 @@ bool DataService::OpenDatabase(bool clearCache, std::string& errorMessage) {
     errorMessage = "The database cannot be opened while a transaction is open.";
     return false;
   }
-  if (!HLServiceUtils::OpenDatabaseByKind(*m_host, m_databaseKind, m_database, errorMessage)) {
+  m_openingError = nullptr;
+  if (!HLServiceUtils::OpenDatabaseByKind(*m_host, m_databaseKind, m_database, errorMessage,
+                                          &m_openingError)) {
     if (errorMessage.empty()) errorMessage = "Error in opening database.";
     return false;
   }

@@ -45,6 +45,10 @@ bool RunInTransaction(HLIData::IDataService& service, const std::function<bool()
   return true;
 }
 
+std::exception_ptr OpeningError(HLIData::IDataService& service) {
+  return Own(service).OpeningError();
+}
+
 void CheckCanChange(HLIData::IDataService& service) {
   DatabaseOf(service).CheckCanChange();
 }

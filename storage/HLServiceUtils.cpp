@@ -49,9 +49,23 @@ void OpenInPlaceOf(std::shared_ptr<jet::Database>& database, const std::string& 
     database = OpenExclusively(path);
     return;
   } catch (const jet::Error& error) {
-    if (!IsHeldByAnother(error) || !database || !database->HoldsFile(path)) throw;
+    const bool isOurs = database && database->Name() == path && database->HoldsFile(path);
+    if (!IsHeldByAnother(error) || !isOurs) throw;
   }
   database = Engine().ReopenDatabase(*database, GetConnectString());
+}
+
+/// TellFailure, which also hands out the error itself.
+template <typename Work>
+bool HandOutFailure(std::string& errorMessage, std::exception_ptr* raised, Work&& work) {
+  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
+    try {
+      return std::forward<Work>(work)();
+    } catch (...) {
+      if (raised != nullptr) *raised = std::current_exception();
+      throw;
+    }
+  });
 }
 
 }  // namespace
@@ -113,8 +127,8 @@ std::string GetConnectString() {
 }
 
 bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr<jet::Database>& database,
-                      std::string& errorMessage) {
-  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
+                      std::string& errorMessage, std::exception_ptr* raised) {
+  return HandOutFailure(errorMessage, raised, [&] {
     if (host.FindFile(path).empty()) {
       errorMessage = "Database file: " + path + " is missing.";
       return false;
@@ -125,9 +139,9 @@ bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr
 }
 
 bool OpenDatabaseByKind(const Host& host, HLIData::DBType kind, std::shared_ptr<jet::Database>& database,
-                        std::string& errorMessage) {
-  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
-    return OpenDatabaseFile(host, GetDatabasePath(host, kind, "", ""), database, errorMessage);
+                        std::string& errorMessage, std::exception_ptr* raised) {
+  return HandOutFailure(errorMessage, raised, [&] {
+    return OpenDatabaseFile(host, GetDatabasePath(host, kind, "", ""), database, errorMessage, raised);
   });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -37,17 +38,14 @@ bool IsDevelopmentLayout();
 std::string GetConnectString();
 
 /// Opens a database file exclusively, for reading and writing. On failure it answers false with the reason in
-/// `errorMessage`, and leaves `database` as it was; it raises nothing.
-///
-/// `database` may hold the very file that is to be opened, which no second connection can open: it is then
-/// let go of first, and should the file no longer open, which nothing but a loss of the file in that moment
-/// brings about, it comes back empty.
+/// `errorMessage`, and leaves `database` as it was, also if that holds the very file; it raises nothing.
+/// `raised`, if given, receives the error that made it fail; a missing file is none.
 bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr<jet::Database>& database,
-                      std::string& errorMessage);
+                      std::string& errorMessage, std::exception_ptr* raised = nullptr);
 
 /// The same for the file of a kind.
 bool OpenDatabaseByKind(const Host& host, HLIData::DBType kind, std::shared_ptr<jet::Database>& database,
-                        std::string& errorMessage);
+                        std::string& errorMessage, std::exception_ptr* raised = nullptr);
 
 /// The database engine of this thread, created on first use. It outlives the thread: the next thread with the
 /// same number reuses it.

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,10 +16,10 @@
 
 namespace HLDataSrvc {
 
-// What the database of a data service offers besides the operations of IDataService. All functions take a
-// service that CreateDataService has made, with its database open, and raise HLIData::Error otherwise:
-// TypeMismatch for a service of another class, ObjectNotSet if no database is open. Errors of the engine are
-// raised as they are.
+// What the database of a data service offers besides the operations of IDataService. All functions but
+// OpeningError take a service that CreateDataService has made, with its database open, and raise
+// HLIData::Error otherwise: TypeMismatch for a service of another class, ObjectNotSet if no database is open.
+// Errors of the engine are raised as they are.
 
 /// Runs `work`, and commits everything that the service's operations have written in it as one transaction:
 /// it reaches the disk whole, with one sync, or not at all. Returns what `work` returns. When `work` returns
@@ -28,6 +29,10 @@ namespace HLDataSrvc {
 /// `work`; nothing is stored then. OpenDatabase and Initialize fail in `work`. After a rollback the service's
 /// records still show the undone changes: use RenewService. May be nested.
 HLDATASRVC_API bool RunInTransaction(HLIData::IDataService& service, const std::function<bool()>& work);
+
+/// The error because of which the last Initialize or OpenDatabase failed, whose description is their message;
+/// empty if it succeeded, or if there is no such file. The database may be closed.
+HLDATASRVC_API std::exception_ptr OpeningError(HLIData::IDataService& service);
 
 /// Raises the engine's PermissionDenied, with the reason, if the database can be read and not changed, as on
 /// a full disk when a log is left beside it.

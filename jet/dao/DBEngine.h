@@ -63,8 +63,8 @@ class DBEngine {
   std::shared_ptr<Database> OpenDatabase(const std::string& name, bool exclusive = false,
                                          bool readOnly = false, const std::string& connect = {});
 
-  /// Opens the file of an open database anew, as it is in the file now, without letting go of it. The
-  /// database is closed then; what it has not committed is lost. When it fails the database stays open.
+  /// Opens the file of an open database again, with nothing cached. The lock is kept. The given database is
+  /// closed, and its open transactions are rolled back; if opening fails, it stays open.
   /// Raises ObjectClosed, PasswordRejected, DamagedFile, NotADatabase.
   std::shared_ptr<Database> ReopenDatabase(Database& database, const std::string& connect = {});
 

@@ -44,6 +44,7 @@ bool Database::IsOpen() const {
   m_core->Observe("Database.IsOpen");
   return m_core->IsOpen();
 }
+
 void Database::CheckCanChange() const {
   m_core->CheckCanChange();
 }

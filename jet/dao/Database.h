@@ -19,8 +19,8 @@ struct CheckReport;
 /// An open database file: runs select statements and changes the schema.
 ///
 /// Handed out by DBEngine; closes when the last reference goes or `Close` is called, and its recordsets with
-/// it. Open transactions are rolled back then. Every member but `Close`, `Name`, `IsOpen` and
-/// `TransactionDepth` raises ObjectClosed after that.
+/// it. Open transactions are rolled back then. Every member but `Close`, `Name`, `IsOpen`,
+/// `HoldsFile` and `TransactionDepth` raises ObjectClosed after that.
 class Database {
  public:
   explicit Database(std::shared_ptr<DatabaseCore> core);

@@ -52,7 +52,7 @@ class FileSystem {
   /// The full name of a file that is there, which stays its name whatever folder the process goes to; of a
   /// link, where the system can tell, that of the file it leads to.
   virtual std::string RealName(const std::string& name) { return name; }
-  /// Other names in its folder that the file of this name has (hard links), where the system can tell.
+  /// Other names of the file (hard links) in its folder; none on systems that do not list them.
   virtual std::vector<std::string> OtherNames(const std::string& /*name*/) { return {}; }
   /// Removes a file, durably; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;

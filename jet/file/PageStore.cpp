@@ -80,19 +80,19 @@ void PageStore::Read(PageNumber number, PageBytes& into) {
   if (m_log != nullptr && m_log->Has(number)) {
     m_log->Read(number, into);
   } else {
-    m_file->Read(std::uint64_t{number} * kPageSize, into);
+    m_file->Read(OffsetOf(number), into);
   }
   Code(number, into);
 }
 
 void PageStore::Write(PageNumber number, const PageBytes& bytes) {
   if (!IsCoded(number)) {
-    m_file->Write(std::uint64_t{number} * kPageSize, bytes);
+    m_file->Write(OffsetOf(number), bytes);
     return;
   }
   PageBytes coded = bytes;
   Code(number, coded);
-  m_file->Write(std::uint64_t{number} * kPageSize, coded);
+  m_file->Write(OffsetOf(number), coded);
 }
 
 void PageStore::Apply(std::span<const ChangedPage> changes, PageNumber pageCount) {
@@ -101,7 +101,7 @@ void PageStore::Apply(std::span<const ChangedPage> changes, PageNumber pageCount
                 "The file '" + m_name + "' was removed while it was open and takes no more changes.");
   }
   if (!changes.empty() && m_endsInsidePage) {
-    m_file->Resize(std::uint64_t{m_pageCount} * kPageSize);
+    m_file->Resize(OffsetOf(m_pageCount));
     m_endsInsidePage = false;
   }
   if (m_log != nullptr && m_log->IsUsed()) {
@@ -149,7 +149,7 @@ void PageStore::AddWitnesses(std::vector<ChangedPage>& changes, std::deque<PageB
     const auto at = std::lower_bound(changes.begin(), end, number,
                                      [](const ChangedPage& page, PageNumber n) { return page.number < n; });
     if (number >= m_pageCount || (at != end && at->number == number)) continue;
-    m_file->Read(std::uint64_t{number} * kPageSize, bytes.emplace_back());
+    m_file->Read(OffsetOf(number), bytes.emplace_back());
     changes.push_back({.number = number, .before = &bytes.back()});
   }
 }
@@ -177,7 +177,7 @@ void PageStore::PutBack(std::span<const ChangedPage> attempted) noexcept {
     for (const ChangedPage& change : attempted) {
       if (change.before != nullptr) Write(change.number, *change.before);
     }
-    const std::uint64_t size = std::uint64_t{m_pageCount} * kPageSize;
+    const std::uint64_t size = OffsetOf(m_pageCount);
     if (m_file->Size() != size) m_file->Resize(size);
   } catch (const std::exception&) {
     m_broken = true;  // the first error is the one that the caller is told
@@ -201,7 +201,7 @@ void PageStore::CopyTo(File& other) {
   for (PageNumber number = 0; number < m_pageCount; ++number) {
     Read(number, page);
     Code(number, page);
-    other.Write(std::uint64_t{number} * kPageSize, page);
+    other.Write(OffsetOf(number), page);
   }
 }
 

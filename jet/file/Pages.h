@@ -15,6 +15,11 @@ using format::kPageSize;
 /// A database file never passes 2 GiB.
 inline constexpr PageNumber kMaxPages = (std::uint32_t{1} << 31) / kPageSize;
 
+/// Where a page begins in the file.
+constexpr std::uint64_t OffsetOf(PageNumber number) {
+  return std::uint64_t{number} * kPageSize;
+}
+
 using PageBytes = std::array<std::byte, kPageSize>;
 
 /// One page of a unit of changes, as it was before the unit and as it is after it.

@@ -72,8 +72,8 @@ class RedoLog {
   /// Appends a unit; `oldPageCount` are the pages of the database before it, `pageCount` those after it.
   /// Pages without an `after` are witnesses, which the first unit should have: see IsEmpty. When it returns,
   /// the unit is as durable as wished. When it fails, the unit is not there. Should it be unknown whether it
-  /// is, the error is marked uncertain, and every later Append is refused. A log that somebody removed is
-  /// made anew, with all that was in it.
+  /// is, the error is marked uncertain, and every later Append is refused. A log that was removed
+  /// meanwhile is written again, with its content.
   void Append(std::span<const ChangedPage> changes, PageNumber oldPageCount, PageNumber pageCount);
   /// Whether the log is so long that a checkpoint is due.
   bool IsLong() const { return m_end > m_longLog; }

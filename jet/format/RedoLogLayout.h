@@ -65,7 +65,7 @@ struct LogHole {
   bool Fits() const { return std::size_t{begin} + size <= kPageSize; }
 };
 
-/// What a log tells of one page of a unit.
+/// Head of a page in a unit.
 struct LogPageHead {
   static constexpr std::size_t kSize = 12 + 4 * kPageSectors;
   enum class Kind : std::uint32_t {

@@ -75,9 +75,9 @@ std::unique_ptr<Store> Store::Adopt(std::unique_ptr<Pager> pager, format::Databa
   std::unique_ptr<Store> store(new Store(std::move(pager), std::move(header)));
   store->m_allocator.CheckFileIsWhole();
   store->ReadCatalog();
-  // The header tells files apart; definitions change with the number of rows.
+  // The header differs between files, and a definition changes with the number of rows.
   store->m_pager->Storage().UseWitnesses([&catalog = store->m_catalog] {
-    std::vector<PageNumber> pages{0};
+    std::vector<PageNumber> pages{format::system_page::kHeader};
     for (const CatalogEntry& entry : catalog)
       pages.push_back(entry.definition);
     return pages;

@@ -40,6 +40,25 @@ class FullDisk(LeagueTest):
             self.assertEqual(support.digest(self.path), before, words)
         self.assert_sound()
 
+    def test_a_damaged_log_is_reported_once_and_kept(self):
+        with subprocess.Popen([support.PROGRAM, *map(str, self.at), "shell"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, env=support.environment()) as shell:
+            for words in (b"winning add 1 1 --week 1\n", b"winning add 1 1 --week 2\n", b"winning add 1 1 --week 3\n"):
+                shell.stdin.write(words)
+                shell.stdin.flush()
+                self.assertIn(b"wins", shell.stdout.readline())
+            shell.kill()
+        log = self.path.with_name(self.path.name + "-log")
+        content = bytearray(log.read_bytes())
+        second = content.index(b"UNIT", content.index(b"UNIT") + 4)
+        content[second + 100] ^= 1
+        log.write_bytes(content)
+        done = support.run(*self.at, "winning", "list")
+        self.assertEqual((done.returncode, done.stdout), (support.DAMAGED, ""))
+        self.assertIn("damaged: 2 changes in it are lost", done.stderr)
+        self.assertEqual(log.with_name(log.name + "-damaged").read_bytes(), content)
+        self.assertEqual(len(self.of_season("winning info", 13)), 1)
+
     def test_a_shell_goes_on_from_what_is_stored(self):
         shell = subprocess.Popen([support.PROGRAM, *map(str, self.at), "shell", "--keep-going"], stdin=subprocess.PIPE,
                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=support.environment(),

@@ -209,11 +209,13 @@ class PosixFileSystem final : public FileSystem {
     std::vector<std::string> names;
     std::error_code error;
     const std::filesystem::path real = systemName;
-    for (const auto& entry : std::filesystem::directory_iterator(real.parent_path(), error)) {
+    const std::filesystem::directory_iterator end;
+    for (std::filesystem::directory_iterator entry(real.parent_path(), error); !error && entry != end;
+         entry.increment(error)) {
+      const std::filesystem::path& path = entry->path();
       struct stat other {};
-      if (entry.path() == real || ::lstat(entry.path().c_str(), &other) != 0) continue;
-      if (other.st_dev == status.st_dev && other.st_ino == status.st_ino)
-        names.push_back(entry.path().string());
+      if (path == real || ::lstat(path.c_str(), &other) != 0) continue;
+      if (other.st_dev == status.st_dev && other.st_ino == status.st_ino) names.push_back(path.string());
     }
     return names;
   }

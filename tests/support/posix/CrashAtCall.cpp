@@ -45,7 +45,7 @@ void Die() {
   ::pause();
 }
 
-/// Counts a call, and dies at the one that is meant; `half` does a part of it.
+/// Counts a call, and dies at the one that is meant; `half` does a part of it, or all if it has no parts.
 template <typename Call, typename Half>
 auto Enter(const Call& call, const Half& half) {
   ++calls;
@@ -66,7 +66,7 @@ auto Enter(const Call& call, const Half& half) {
 }
 template <typename Call>
 auto Enter(const Call& call) {
-  return Enter(call, [] { return decltype(call()){}; });
+  return Enter(call, call);
 }
 
 struct Report {
