@@ -66,7 +66,18 @@ std::int32_t HolderOf(const Picks& picks, const Pick& wanted) {
   return holder == picks.end() ? 0 : static_cast<std::int32_t>(holder - picks.begin()) + 1;
 }
 
+bool IsOutside(DraftSession& session, const MisfitPick& misfit) {
+  return misfit.number < 1 || misfit.number > std::ssize(session.Current());
+}
+
 void RequireFree(DraftSession& session, std::int32_t number, const Pick& wanted) {
+  for (const MisfitPick& misfit : session.Misfits()) {
+    if (!IsOutside(session, misfit) || misfit.type != wanted.type || misfit.id != wanted.id) continue;
+    const std::string pick = std::to_string(misfit.number);
+    throw Failure(ExitCode::Refused,
+                  PickableText(FactsOf(*wanted.what)) + " is pick " + pick + ", outside the draft, already.",
+                  "'draft clear " + pick + "' deletes that pick.");
+  }
   std::string taken = TakenText(session.Season(), wanted.what);
   const std::int32_t holder = HolderOf(session.Current(), wanted);
   if (taken.empty() && holder == 0) return;
@@ -136,11 +147,10 @@ std::vector<std::int32_t> FilledPicks(const Picks& picks) {
 std::vector<std::int32_t> DeleteOutside(Context& context, const std::vector<std::int32_t>& numbers) {
   League& league = context.TheLeague();
   DraftSession& session = league.Draft();
-  const auto last = std::ssize(session.Current());
   std::vector<std::int32_t> outside;
   for (const MisfitPick& misfit : session.Misfits()) {
     const bool isMeant = numbers.empty() || std::count(numbers.begin(), numbers.end(), misfit.number) > 0;
-    if (isMeant && (misfit.number < 1 || misfit.number > last)) outside.push_back(misfit.number);
+    if (isMeant && IsOutside(session, misfit)) outside.push_back(misfit.number);
   }
   if (outside.empty()) return outside;
   league.RefuseUnsavedPicks("draft clear");
@@ -243,7 +253,12 @@ void DraftClear(Context& context, const std::vector<std::int32_t>& numbers, bool
                               return std::find(deleted.begin(), deleted.end(), number) != deleted.end();
                             }),
              once.end());
-  if (!once.empty() || deleted.empty()) EmptyPicks(context, once);
+  if (!once.empty() || deleted.empty()) {
+    EmptyPicks(context, once);
+  } else {
+    DraftReport(context.TheLeague().Draft())
+        .PrintChange(context, {}, {"Deleted " + PickNumbers(deleted) + "."});
+  }
 }
 
 void DraftSave(Context& context) {

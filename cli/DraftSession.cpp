@@ -13,6 +13,7 @@
 #include "cli/Find.h"
 #include "cli/League.h"
 #include "cli/SaveDraft.h"
+#include "cli/Seasons.h"
 
 namespace cli {
 
@@ -167,6 +168,24 @@ void DraftSession::Revert() {
 
 void DraftSession::Publish() {
   if (m_page) m_page->Update(m_league);
+}
+
+Picks PicksToShow(League& league, const HLIData::ISeasonInfo& season) {
+  return IsCurrent(league, season) ? league.Draft().Current() : ReadStoredDraft(league, season).picks;
+}
+
+std::int32_t PicksMadeIn(League& league, const HLIData::ISeasonInfo& season) {
+  const Picks picks = PicksToShow(league, season);
+  return static_cast<std::int32_t>(
+      std::count_if(picks.begin(), picks.end(), [](const Pick& pick) { return !pick.IsEmpty(); }));
+}
+
+std::map<std::int32_t, std::int32_t> PicksByManager(League& league, const HLIData::ISeasonInfo& season) {
+  std::map<std::int32_t, std::int32_t> counts;
+  for (const Pick& pick : PicksToShow(league, season)) {
+    if (pick.managerID) ++counts[*pick.managerID];
+  }
+  return counts;
 }
 
 }  // namespace cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -83,5 +84,13 @@ class DraftSession {
   bool m_needsReload = false;
   std::shared_ptr<BoardFile> m_page;
 };
+
+// The picks of any season, with those of the current one that are not saved.
+
+Picks PicksToShow(League& league, const HLIData::ISeasonInfo& season);
+/// How many of them are made.
+std::int32_t PicksMadeIn(League& league, const HLIData::ISeasonInfo& season);
+/// How many each manager has made, by his id.
+std::map<std::int32_t, std::int32_t> PicksByManager(League& league, const HLIData::ISeasonInfo& season);
 
 }  // namespace cli

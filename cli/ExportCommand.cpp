@@ -83,7 +83,7 @@ std::string BoardHtml(League& league, const std::optional<std::int32_t>& year) {
     DraftSession& draft = league.Draft();
     return BoardPage(league, draft.Season(), draft.Current(), draft.Stored(), std::nullopt);
   }
-  const Picks picks = PicksOf(*season);
+  const Picks picks = PicksToShow(league, *season);
   return BoardPage(league, *season, picks, picks, std::nullopt);
 }
 
@@ -125,20 +125,22 @@ void Export(Context& context, const ExportOptions& options) {
   if (!options.file.empty()) RequireMayWrite(league, options);
   const std::string format = context.json ? "json" : options.format;
   std::string text;
-  if (format != "html") {
-    text = RowsText(MakeExportList(league, options.what, options.year),
-                    format == "json" ? RowFormat::JsonArray : RowFormat::Csv);
-  } else if (options.what == "board") {
+  std::string missing;
+  if (format == "html" && options.what == "board") {
     text = BoardHtml(league, options.year);
   } else {
-    text = ListHtml(league, MakeExportList(league, options.what, options.year));
+    const ExportList list = MakeExportList(league, options.what, options.year);
+    missing = list.missing;
+    text = format == "html" ? ListHtml(league, list)
+                            : RowsText(list, format == "json" ? RowFormat::JsonArray : RowFormat::Csv);
   }
   if (options.file.empty()) {
     context.output.Write(text);
-    return;
+  } else {
+    WriteWholeFile(options.file, text);
+    context.messages.Note("Wrote " + options.file + ".");
   }
-  WriteWholeFile(options.file, text);
-  context.messages.Note("Wrote " + options.file + ".");
+  RequireNoneMissing(missing);
 }
 
 }  // namespace

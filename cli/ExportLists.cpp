@@ -11,6 +11,7 @@
 #include "cli/Find.h"
 #include "cli/Pickables.h"
 #include "cli/Players.h"
+#include "cli/Prizes.h"
 #include "cli/Seasons.h"
 #include "cli/Winnings.h"
 
@@ -60,7 +61,7 @@ ExportList Managers(League& league) {
 
 ExportList Prizes(League& league) {
   ExportList list{"Prizes", {"id", "prize", "type"}, {}};
-  for (const auto& prize : *Checked(league, league.Service().GetPrizeTmpls()))
+  for (const auto& prize : AllPrizes(league))
     list.rows.push_back(
         {prize->ID(), prize->Desc(), prize->PrizeType() ? Value(prize->PrizeType()->Name()) : Value()});
   return list;
@@ -87,22 +88,19 @@ ExportList Seasons(League& league) {
                    "contribution", "regular weeks", "weeks", "prizes", "winnings", "started",
                    "ranking locked", "draft locked", "season locked"},
                   {}};
-  for (const auto& season : AllSeasons(league)) {
+  for (const auto& season : AllSeasons(league, &list.missing)) {
     list.rows.push_back({season->Year(), season->ID(), IsCurrent(league, *season), season->NoOfManagers(),
                          ManagersOf(*season).Count(), season->NoOfRounds(), DraftsOf(*season).Count(),
-                         PicksMadeIn(*season).count, season->MoneyContribution(), season->NoOfRegularWeeks(),
-                         season->TotalNoOfWeeks(), PrizesOf(*season).Count(), WinningsOf(*season).Count(),
-                         season->HasSeasonStarted(), season->IsRankingLocked(), season->IsDraftLocked(),
-                         season->IsSeasonLocked()});
+                         PicksMadeIn(league, *season), season->MoneyContribution(),
+                         season->NoOfRegularWeeks(), season->TotalNoOfWeeks(), PrizesOf(*season).Count(),
+                         WinningsOf(*season).Count(), season->HasSeasonStarted(), season->IsRankingLocked(),
+                         season->IsDraftLocked(), season->IsSeasonLocked()});
   }
   return list;
 }
 
-ExportList SeasonManagers(League&, const ISeasonInfo& season) {
-  std::map<std::int32_t, std::int32_t> picks;
-  for (const auto& pick : DraftsOf(season)) {
-    if (const auto manager = pick->Manager()) ++picks[manager->ID()];
-  }
+ExportList SeasonManagers(League& league, const ISeasonInfo& season) {
+  auto picks = PicksByManager(league, season);
   ExportList list{"Managers", {"rank", "id", "manager", "fee paid", "picks"}, {}};
   for (const auto& manager : ManagersInOrder(season))
     list.rows.push_back({NumberOrNull(manager->Rank()), manager->ID(), FullName(*manager),
@@ -139,11 +137,6 @@ ExportList Money(League& league, const ISeasonInfo& season) {
     list.rows.push_back({NumberOrNull(account.managerID), account.name, Sum(account.due), Sum(account.paid),
                          Sum(account.Owed()), Sum(account.won), Sum(account.Balance())});
   return list;
-}
-
-/// The picks of a season; of the current one those that are not saved, too.
-Picks PicksToShow(League& league, const ISeasonInfo& season) {
-  return IsCurrent(league, season) ? league.Draft().Current() : PicksOf(season);
 }
 
 ExportList PicksList(League& league, const ISeasonInfo& season) {

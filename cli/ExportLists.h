@@ -15,6 +15,7 @@ struct ExportList {
   std::string title;  ///< "Winnings 2021"
   std::vector<std::string> columns;
   std::vector<std::vector<jet::Value>> rows;  ///< as many values in each as there are columns
+  std::string missing = {};                   ///< which records could not be loaded; empty when all were
 };
 
 /// The names of the lists, as users write them: "players", "season-managers".

@@ -6,6 +6,7 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Numbers.h"
+#include "cli/Prizes.h"
 #include "cli/Utf8.h"
 
 namespace cli {
@@ -87,13 +88,15 @@ std::shared_ptr<HLIData::ISeasonInfo> CurrentSeason(League& league) {
   const std::int32_t id = league.Service().CurrentSeasonID();
   if (id == 0) throw Failure(ExitCode::Refused, "No season is the current one.", choose);
   auto season = league.Service().GetCurrentSeasonInfo();
-  league.RaiseShownMessages();
   if (!season) {
+    league.RaiseShownMessages();
     throw Failure(ExitCode::Refused,
                   "There is no season with the id " + std::to_string(id) +
                       ", which is the current one by the settings.",
                   choose);
   }
+  const std::string shown = league.TakeShownMessages();
+  if (!shown.empty()) league.Note(shown);  // of other records, or of a part that whoever needs it misses
   return season;
 }
 
@@ -125,9 +128,7 @@ std::shared_ptr<HLIData::IPrizeInfo> FindPrize(HLIData::ISeasonInfo& season, con
 }
 
 std::shared_ptr<HLIData::IPrizeTmplInfo> FindPrizeTmpl(League& league, const std::string& word) {
-  const auto prizes = league.Service().GetPrizeTmpls();
-  league.RaiseShownMessages();
-  return Meant("prize", word, ItemsOf(prizes), [](const HLIData::IPrizeTmplInfo& prize) {
+  return Meant("prize", word, AllPrizes(league), [](const HLIData::IPrizeTmplInfo& prize) {
     return Candidate{prize.ID(), prize.Desc(), {}};
   });
 }

@@ -29,7 +29,7 @@ std::size_t IndexOfMeant(const std::string& kind, const std::string& word,
                          const std::vector<Candidate>& candidates);
 
 /// The current season. Raises Failure when no season is current (none is made then), or when it could not be
-/// loaded, with the message that the service has shown.
+/// loaded, with the message that the service has shown. A message about one that was loaded is a note.
 std::shared_ptr<HLIData::ISeasonInfo> CurrentSeason(League& league);
 
 /// A manager who takes part in a season.

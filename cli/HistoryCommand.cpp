@@ -6,6 +6,7 @@
 
 #include "cli/Accounts.h"
 #include "cli/Commands.h"
+#include "cli/DraftSession.h"
 #include "cli/Json.h"
 #include "cli/League.h"
 #include "cli/Seasons.h"
@@ -21,6 +22,7 @@ constexpr std::size_t kNameWidth = 24;
 struct PastSeason {
   std::shared_ptr<HLIData::ISeasonInfo> season;
   Accounts accounts;
+  std::int32_t picksMade = 0;
 };
 
 /// The season in which a manager won most.
@@ -56,7 +58,7 @@ Json SeasonJson(const PastSeason& one) {
   json["season"] = one.season->Year();
   json["managersPlaying"] = ManagersOf(*one.season).Count();
   json["noOfRounds"] = one.season->NoOfRounds();
-  json["picksMade"] = PicksMadeIn(*one.season).count;
+  json["picksMade"] = one.picksMade;
   json["pool"] = PoolOf(*one.season);
   json["putUp"] = one.accounts.putUp;
   json["won"] = total.won;
@@ -104,7 +106,7 @@ void PrintSeasonTable(Context& context, const std::vector<PastSeason>& past) {
   for (const PastSeason& one : past) {
     const Account* most = MostWon(one.accounts);
     table.Add({std::to_string(one.season->Year()), std::to_string(ManagersOf(*one.season).Count()),
-               std::to_string(PicksMadeIn(*one.season).count), std::to_string(PoolOf(*one.season)),
+               std::to_string(one.picksMade), std::to_string(PoolOf(*one.season)),
                std::to_string(one.accounts.putUp), std::to_string(one.accounts.Total().won),
                most == nullptr
                    ? "-"
@@ -139,7 +141,7 @@ void History(Context& context) {
   std::vector<Accounts> accounts;
   std::string missing;
   for (const auto& season : AllSeasons(league, &missing)) {
-    past.push_back({season, AccountsOf(league, *season)});
+    past.push_back({season, AccountsOf(league, *season), PicksMadeIn(league, *season)});
     accounts.push_back(past.back().accounts);
   }
   const Accounts all = SumOf(accounts);

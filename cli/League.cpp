@@ -118,7 +118,7 @@ void League::Transact(const std::string& failure, const std::function<void()>& w
   HLIData::IDataService& service = Service();
   const auto fail = [&](ExitCode code, const std::string& reason, std::string details, bool isCertain) {
     m_isInTransaction = false;
-    Renew();
+    Reload();  // the records show undone changes
     if (isCertain) details += (details.empty() ? "" : "\n") + std::string(kNothingChanged);
     throw Failure(code, failure + " " + reason, details);
   };
@@ -143,14 +143,12 @@ void League::Transact(const std::string& failure, const std::function<void()>& w
   m_isInTransaction = false;
 }
 
-/// Takes a new service in place of the one whose records show undone changes. If the database was closed, the
-/// next use of the service opens it.
-void League::Renew() {
+void League::Reload() {
   m_host->TakeShown();
   try {
     m_service = HLDataSrvc::RenewService(*m_service);
   } catch (const std::exception&) {
-    m_service.reset();
+    m_service.reset();  // the database was closed: the next use of the service opens it
   }
   m_host->TakeShown();
 }

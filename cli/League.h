@@ -72,6 +72,9 @@ class League {
   /// Raises Failure, whose text begins with the sentence `failure` ("The prizes could not be saved."), for an
   /// exception or a message box of `work`, and if what it saved cannot be stored.
   void Transact(const std::string& failure, const std::function<void()>& work);
+  /// Takes a new service, which loads all records anew: after rows were changed behind its back. Do not keep
+  /// records across it.
+  void Reload();
   /// How many UTF-16 units a text column takes; the largest size_t for a column that is not text.
   std::size_t TextLength(const std::string& table, const std::string& column);
 
@@ -84,7 +87,6 @@ class League {
 
  private:
   void Open(std::chrono::milliseconds patience);
-  void Renew();
   [[noreturn]] void RaiseNotOpened(const jet::Error& error) const;
 
   const Context& m_context;

@@ -30,15 +30,10 @@ struct ListOptions {
 
 void List(Context& context, const ListOptions& options) {
   League& league = context.TheLeague();
-  if (options.all && !options.year && league.Service().CurrentSeasonID() == 0) {
-    PrintAllManagers(context, nullptr);
-    return;
-  }
-  const auto season = SeasonToShow(league, options.year);
   if (options.all) {
-    PrintAllManagers(context, season.get());
+    PrintAllManagers(context, SeasonShownBeside(league, options.year).get());
   } else {
-    PrintManagers(context, *season);
+    PrintManagers(context, *SeasonToShow(league, options.year));
   }
 }
 
@@ -164,7 +159,7 @@ void Rank(Context& context, const Words& words) {
   const auto place = words.size() == 2 ? WholeNumber(words.back()) : std::nullopt;
   const Ranking ranking =
       place ? RankingWithPlace(*season, words.front(), *place) : WholeRanking(*season, words);
-  const std::int32_t picksMade = PicksMadeIn(*season).count;
+  const std::int32_t picksMade = PicksMadeIn(league, *season);
   ChangeAndSave(league, "The ranking", [&] {
     ApplyRanking(*season, ranking);
     return league.Service().SaveRanking();

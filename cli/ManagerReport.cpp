@@ -1,8 +1,8 @@
 #include "cli/ManagerReport.h"
 
 #include <algorithm>
-#include <map>
 
+#include "cli/DraftSession.h"
 #include "cli/Find.h"
 #include "cli/Json.h"
 #include "cli/League.h"
@@ -15,14 +15,6 @@ namespace cli {
 namespace {
 
 constexpr std::size_t kNameWidth = 40;
-
-std::map<std::int32_t, std::int32_t> PicksByManager(const HLIData::ISeasonInfo& season) {
-  std::map<std::int32_t, std::int32_t> picks;
-  for (const auto& pick : DraftsOf(season)) {
-    if (const auto manager = pick->Manager()) ++picks[manager->ID()];
-  }
-  return picks;
-}
 
 std::string RankText(std::int32_t rank) {
   return rank < 1 ? "-" : std::to_string(rank);
@@ -48,7 +40,7 @@ std::string Summary(const HLIData::ISeasonInfo& season) {
 }  // namespace
 
 void PrintManagers(Context& context, const HLIData::ISeasonInfo& season) {
-  auto picks = PicksByManager(season);
+  auto picks = PicksByManager(context.TheLeague(), season);
   if (context.json) {
     Json document;
     document["season"] = season.Year();

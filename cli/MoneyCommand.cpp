@@ -101,13 +101,15 @@ void Money(Context& context, const MoneyOptions& options) {
   std::int64_t pool = 0;
   Json scope;
   scope["seasons"] = Json::Array();
-  for (const auto& season : AllSeasons(league)) {
+  std::string missing;
+  for (const auto& season : AllSeasons(league, &missing)) {
     seasons.push_back(AccountsOf(league, *season));
     pool += PoolOf(*season);
     scope["seasons"].Append(season->Year());
   }
   Print(context, scope, "All " + CountOf(static_cast<std::int64_t>(seasons.size()), "season"), SumOf(seasons),
         pool);
+  RequireNoneMissing(missing);
 }
 
 }  // namespace

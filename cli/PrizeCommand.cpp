@@ -12,6 +12,7 @@
 #include "cli/Locks.h"
 #include "cli/Numbers.h"
 #include "cli/PrizeReport.h"
+#include "cli/Prizes.h"
 #include "cli/RecordCommands.h"
 #include "cli/Seasons.h"
 #include "cli/Winnings.h"
@@ -29,15 +30,10 @@ struct ListOptions {
 
 void List(Context& context, const ListOptions& options) {
   League& league = context.TheLeague();
-  if (options.all && !options.year && league.Service().CurrentSeasonID() == 0) {
-    PrintAllPrizes(context, nullptr);
-    return;
-  }
-  const auto season = SeasonToShow(league, options.year);
   if (options.all) {
-    PrintAllPrizes(context, season.get());
+    PrintAllPrizes(context, SeasonShownBeside(league, options.year).get());
   } else {
-    PrintPrizes(context, *season);
+    PrintPrizes(context, *SeasonToShow(league, options.year));
   }
 }
 
@@ -54,6 +50,7 @@ PrizeAmount Understood(League& league, const std::string& name, const std::strin
                   "'prize set \"High score\" 25', or 'prize set \"High score=25\" \"Low score=5\"'.");
   }
   PrizeAmount wanted{FindPrizeTmpl(league, name), *number};
+  RequireLoaded(league, *wanted.prize);
   RequireInRange("The amount of " + wanted.prize->Desc(), wanted.amount, 0,
                  std::numeric_limits<std::int32_t>::max());
   return wanted;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,15 +10,14 @@
 #include "cli/MasterRecords.h"
 #include "cli/NameIndex.h"
 #include "cli/Numbers.h"
+#include "cli/Prizes.h"
 #include "cli/RecordCommands.h"
 #include "cli/RecordUses.h"
 #include "cli/Utf8.h"
-#include "storage/Schema.h"
 
 namespace cli {
 namespace {
 
-namespace Schema = HLDataSrvc::Schema;
 using Prize = HLIData::IPrizeTmplInfo;
 
 std::string TypeName(const Prize& prize) {
@@ -39,15 +39,6 @@ Json PrizeJson(const Prize& prize) {
   return json;
 }
 
-std::shared_ptr<Prize> Save(League& league, const std::string& name, std::int32_t typeID, std::int32_t id) {
-  RequireFits(league, Schema::Prize::kTable, Schema::Prize::kDesc, "name of the prize", name);
-  std::shared_ptr<Prize> saved;
-  SaveRecord(league, "The prize", [&](std::string& message) {
-    return league.Service().UpdatePrize(name, typeID, id, saved, message);
-  });
-  return saved;
-}
-
 void PrintSaved(Context& context, const Prize& prize, const std::string& sentence) {
   context.output.Line(context.json ? JsonText(PrizeJson(prize)) : sentence);
   NoteDone(context, "The prize was saved in");
@@ -61,9 +52,9 @@ struct AddOptions {
 void Add(Context& context, const AddOptions& options) {
   League& league = context.TheLeague();
   const std::int32_t typeID = options.type.empty() ? 0 : PrizeTypeNames(league).IDOf(options.type);
-  const auto prize = Save(league, options.name, typeID, 0);
+  const auto prize = SavePrize(league, options.name, typeID, 0);
   PrintSaved(context, *prize, "Added " + PrizeText(*prize) + ".");
-  for (const auto& other : league.Service().GetPrizeTmpls()->Items()) {
+  for (const auto& other : AllPrizes(league)) {
     if (other->ID() == prize->ID() || LowerCase(other->Desc()) != LowerCase(prize->Desc())) continue;
     context.messages.Note("There is " + PrizeText(*other) + " too. 'prize delete " +
                           std::to_string(prize->ID()) + "' takes back what was added.");
@@ -85,7 +76,7 @@ void Edit(Context& context, const EditOptions& options) {
   const std::string before = PrizeText(*prize);
   std::int32_t typeID = prize->PrizeType() ? prize->PrizeType()->ID() : 0;
   if (options.type) typeID = options.type->empty() ? 0 : PrizeTypeNames(league).IDOf(*options.type);
-  const auto saved = Save(league, options.name.value_or(prize->Desc()), typeID, prize->ID());
+  const auto saved = SavePrize(league, options.name.value_or(prize->Desc()), typeID, prize->ID());
   PrintSaved(context, *saved, before + " is now " + PrizeText(*saved) + ".");
 }
 
@@ -93,10 +84,11 @@ void Delete(Context& context, const DeleteOptions& options) {
   League& league = context.TheLeague();
   const std::string word = JoinedWords(options.who);
   const auto id = WholeNumber(word);
-  const auto prizes = league.Service().GetPrizeTmpls();
-  league.RaiseShownMessages();
+  const auto prizes = AllPrizes(league);
+  const auto ofID =
+      std::find_if(prizes.begin(), prizes.end(), [&](const auto& prize) { return prize->ID() == id; });
   // Whether there is one of that id, the service tells.
-  const auto prize = id ? prizes->Find("K" + std::to_string(*id)) : FindPrizeTmpl(league, word);
+  const auto prize = !id ? FindPrizeTmpl(league, word) : ofID == prizes.end() ? nullptr : *ofID;
   Deletion deletion;
   deletion.type = HLIData::DeleteType::Prize;
   deletion.id = prize ? prize->ID() : *id;

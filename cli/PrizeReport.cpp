@@ -9,6 +9,7 @@
 #include "cli/Json.h"
 #include "cli/League.h"
 #include "cli/Numbers.h"
+#include "cli/Prizes.h"
 #include "cli/Seasons.h"
 #include "cli/TextTable.h"
 #include "cli/Utf8.h"
@@ -103,8 +104,7 @@ void PrintPrizes(Context& context, const HLIData::ISeasonInfo& season) {
 
 void PrintAllPrizes(Context& context, const HLIData::ISeasonInfo* season) {
   League& league = context.TheLeague();
-  const auto prizes = league.Service().GetPrizeTmpls();
-  league.RaiseShownMessages();
+  const auto prizes = AllPrizes(league);
   Json document;
   document["season"] = season == nullptr ? Json() : Json(season->Year());
   document["prizes"] = Json::Array();
@@ -113,7 +113,7 @@ void PrintAllPrizes(Context& context, const HLIData::ISeasonInfo* season) {
                    {"type"},
                    {season == nullptr ? "amount" : "amount in " + std::to_string(season->Year()),
                     TextTable::Align::Right}});
-  for (const auto& prize : prizes->Items()) {
+  for (const auto& prize : prizes) {
     const auto amount = AmountIn(season, prize->ID());
     const std::string type = TypeName(prize->PrizeType());
     Json json;
@@ -130,6 +130,7 @@ void PrintAllPrizes(Context& context, const HLIData::ISeasonInfo* season) {
   } else {
     table.Print(context.output);
   }
+  NoteBrokenPrizes(league, prizes);
 }
 
 }  // namespace cli

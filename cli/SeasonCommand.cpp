@@ -4,6 +4,7 @@
 
 #include "cli/Commands.h"
 #include "cli/DraftOrder.h"
+#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
@@ -68,8 +69,8 @@ std::string WhatRankingLacks(const HLIData::ISeasonInfo& season) {
 }
 
 /// What is missing before a draft can be locked; empty when it is complete.
-std::string WhatDraftLacks(const HLIData::ISeasonInfo& season) {
-  const std::int32_t made = PicksMadeIn(season).count;
+std::string WhatDraftLacks(League& league, const HLIData::ISeasonInfo& season) {
+  const std::int32_t made = PicksMadeIn(league, season);
   const std::int32_t all = DraftsOf(season).Count();
   if (made == all && all > 0) return {};
   return "Of " + CountOf(all, "pick") + ", " + std::to_string(made) + (made == 1 ? " is" : " are") + " made.";
@@ -87,7 +88,7 @@ void Lock(Context& context, const std::string& what, bool isSure) {
     context.messages.Note(name + " is locked already.");
     return;
   }
-  const std::string lacks = isRanking ? WhatRankingLacks(*season) : WhatDraftLacks(*season);
+  const std::string lacks = isRanking ? WhatRankingLacks(*season) : WhatDraftLacks(league, *season);
   if (!lacks.empty() && !isSure && !context.Confirm(lacks + " Lock the " + what + " for good?")) {
     throw Failure(ExitCode::Refused, name + " is not complete. " + lacks,
                   "This cannot be undone. Use --yes to lock it anyway.");

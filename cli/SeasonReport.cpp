@@ -1,5 +1,6 @@
 #include "cli/SeasonReport.h"
 
+#include "cli/DraftSession.h"
 #include "cli/League.h"
 #include "cli/Numbers.h"
 #include "cli/Seasons.h"
@@ -36,7 +37,7 @@ Json SeasonJson(League& league, const HLIData::ISeasonInfo& season) {
   json["managersPlaying"] = ManagersOf(season).Count();
   json["noOfRounds"] = season.NoOfRounds();
   json["noOfPicks"] = DraftsOf(season).Count();
-  json["picksMade"] = PicksMadeIn(season).count;
+  json["picksMade"] = PicksMadeIn(league, season);
   json["moneyContribution"] = season.MoneyContribution();
   json["noOfRegularWeeks"] = season.NoOfRegularWeeks();
   json["totalNoOfWeeks"] = season.TotalNoOfWeeks();
@@ -68,7 +69,7 @@ void PrintSeason(Context& context, const HLIData::ISeasonInfo& season) {
   line("weeks", text(season.TotalNoOfWeeks()) + ", " + text(season.NoOfRegularWeeks()) + " of them regular");
   line("started", season.HasSeasonStarted() ? "yes" : "no");
   line("locked", LocksText(season));
-  line("picks", text(PicksMadeIn(season).count) + " of " + text(DraftsOf(season).Count()));
+  line("picks", text(PicksMadeIn(league, season)) + " of " + text(DraftsOf(season).Count()));
   line("prizes", text(PrizesOf(season).Count()));
   line("winnings", text(WinningsOf(season).Count()));
 }
@@ -96,7 +97,7 @@ void PrintSeasons(Context& context, const std::vector<std::shared_ptr<HLIData::I
     table.Add({IsCurrent(league, *season) ? "*" : "", std::to_string(season->Year()),
                std::to_string(season->ID()), PartOf(ManagersOf(*season).Count(), season->NoOfManagers()),
                std::to_string(season->NoOfRounds()),
-               PartOf(PicksMadeIn(*season).count, DraftsOf(*season).Count()),
+               PartOf(PicksMadeIn(league, *season), DraftsOf(*season).Count()),
                std::to_string(season->TotalNoOfWeeks()), season->HasSeasonStarted() ? "yes" : "no",
                LocksText(*season)});
   }

@@ -34,7 +34,13 @@ void CheckYear(League& league, const ISeasonInfo& season, std::int32_t year) {
   }
 }
 
-/// The number of the last pick that is stored for the current season, and how many are.
+/// The number of the last pick that is stored for a season, and how many are.
+struct PicksMade {
+  std::int32_t last = 0;
+  std::int32_t count = 0;
+};
+
+/// Those of the current season.
 PicksMade PicksStored(League& league) {
   PicksMade made;
   const Picks& picks = league.Draft().Stored();

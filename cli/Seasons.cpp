@@ -4,12 +4,16 @@
 #include <iterator>
 #include <tuple>
 
+#include "HLDataSrvc/ServiceDatabase.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
+#include "cli/Numbers.h"
+#include "storage/Schema.h"
 
 namespace cli {
 namespace {
 
+namespace Schema = HLDataSrvc::Schema;
 using HLIData::ISeasonInfo;
 using Seasons = std::vector<std::shared_ptr<ISeasonInfo>>;
 
@@ -24,6 +28,26 @@ HLIData::KeyedCollection<Record>& Loaded(const std::shared_ptr<HLIData::KeyedCol
                 "The " + what + " of the season " + std::to_string(season.Year()) + " could not be loaded.");
 }
 
+/// The identifiers of the stored seasons whose rows fit a condition.
+std::vector<std::int32_t> StoredSeasonIDs(League& league, const std::string& where) {
+  const std::string select = "select [" + std::string(Schema::Season::kID) + "] from [" +
+                             Schema::Season::kTable + "] where " + where;
+  std::vector<std::int32_t> ids;
+  for (const HLDataSrvc::TextRow& row : HLDataSrvc::SelectRows(league.Service(), select))
+    ids.push_back(WholeNumber(row[0].value_or("")).value_or(0));
+  return ids;
+}
+
+/// What is said of seasons that could not be loaded, and of those that the service passes over because of
+/// their identifiers.
+std::string WithUnlisted(League& league, std::string missing) {
+  for (const std::int32_t id : StoredSeasonIDs(league, "[" + std::string(Schema::Season::kID) + "] < 1")) {
+    missing += (missing.empty() ? "" : "\n") + ("Season " + std::to_string(id)) +
+               " is left out: the id of a season must be at least 1.";
+  }
+  return missing;
+}
+
 }  // namespace
 
 Seasons AllSeasons(League& league, std::string* missing) {
@@ -35,8 +59,9 @@ Seasons AllSeasons(League& league, std::string* missing) {
   const auto loaded = league.Service().GetAllSeasons();
   const std::string shown = league.TakeShownMessages();
   if (!loaded && !shown.empty()) throw Failure(ExitCode::Refused, shown, kHowToChoose);
-  if (missing != nullptr) *missing = shown;
-  if (missing == nullptr && !shown.empty()) league.Note(shown);
+  const std::string all = WithUnlisted(league, shown);
+  if (missing != nullptr) *missing = all;
+  if (missing == nullptr && !all.empty()) league.Note(all);
   Seasons seasons = loaded ? loaded->Items() : Seasons();
   std::sort(seasons.begin(), seasons.end(), [](const auto& a, const auto& b) {
     return std::tuple(a->Year(), a->ID()) < std::tuple(b->Year(), b->ID());
@@ -53,6 +78,16 @@ Seasons SeasonsOfYear(League& league, std::int32_t year) {
   Seasons ofYear;
   std::copy_if(all.begin(), all.end(), std::back_inserter(ofYear),
                [year](const auto& season) { return season->Year() == year; });
+  for (const std::int32_t id :
+       StoredSeasonIDs(league, "[" + std::string(Schema::Season::kYear) + "] = " + std::to_string(year))) {
+    const bool isLoaded =
+        std::any_of(ofYear.begin(), ofYear.end(), [id](const auto& season) { return season->ID() == id; });
+    if (isLoaded) continue;
+    throw Failure(ExitCode::Refused,
+                  "The season " + std::to_string(year) + ", with the id " + std::to_string(id) +
+                      ", could not be loaded.",
+                  "'check' says what is wrong with it.");
+  }
   return ofYear;
 }
 
@@ -66,6 +101,17 @@ std::shared_ptr<ISeasonInfo> SeasonToShow(League& league, const std::optional<st
   }
   throw Failure(ExitCode::Refused, "There is more than one season " + std::to_string(*year) + ".",
                 "'season list' lists them; 'settings --current-season ID' chooses one by its id.");
+}
+
+std::shared_ptr<ISeasonInfo> SeasonShownBeside(League& league, const std::optional<std::int32_t>& year) {
+  if (year) return SeasonToShow(league, year);
+  if (league.Service().CurrentSeasonID() == 0) return nullptr;
+  try {
+    return CurrentSeason(league);
+  } catch (const Failure& failure) {
+    league.Note(failure.what());
+    return nullptr;
+  }
 }
 
 bool IsCurrent(League& league, const ISeasonInfo& season) {
@@ -95,18 +141,6 @@ std::vector<std::shared_ptr<HLIData::IManagerInfo>> ManagersInOrder(const ISeaso
     return a->Rank() < b->Rank();
   });
   return managers;
-}
-
-PicksMade PicksMadeIn(const ISeasonInfo& season) {
-  PicksMade made;
-  std::int32_t number = 0;
-  for (const auto& pick : DraftsOf(season)) {
-    ++number;
-    if (!pick->Manager()) continue;
-    made.last = number;
-    ++made.count;
-  }
-  return made;
 }
 
 void ChangeAndSave(League& league, const std::string& what, const std::function<bool()>& changeAndSave) {

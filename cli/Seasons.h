@@ -22,11 +22,17 @@ std::vector<std::shared_ptr<HLIData::ISeasonInfo>> AllSeasons(League& league, st
 /// Raises Failure with that text, unless it is empty: for commands that list all seasons, once they have.
 void RequireNoneMissing(const std::string& missing);
 
-/// The seasons of a year; there should be one at most, but the file allows more.
+/// The seasons of a year; there should be one at most, but the file allows more. Raises Failure when there is
+/// one that could not be loaded.
 std::vector<std::shared_ptr<HLIData::ISeasonInfo>> SeasonsOfYear(League& league, std::int32_t year);
 
 /// The season of a year; without a year, the current one. Raises Failure when there is none, or several.
 std::shared_ptr<HLIData::ISeasonInfo> SeasonToShow(League& league, const std::optional<std::int32_t>& year);
+
+/// The season that a list of the whole league shows something of besides: that of the year, else the current
+/// one; empty when no season is current or, with a note, when it cannot be loaded.
+std::shared_ptr<HLIData::ISeasonInfo> SeasonShownBeside(League& league,
+                                                        const std::optional<std::int32_t>& year);
 
 /// Whether a season is the current one.
 bool IsCurrent(League& league, const HLIData::ISeasonInfo& season);
@@ -41,13 +47,6 @@ HLIData::KeyedCollection<HLIData::IDraftInfo>& DraftsOf(const HLIData::ISeasonIn
 
 /// The managers by their rank; those who are not ranked come last.
 std::vector<std::shared_ptr<HLIData::IManagerInfo>> ManagersInOrder(const HLIData::ISeasonInfo& season);
-
-/// The number of the last pick that somebody has made, and how many are made in all.
-struct PicksMade {
-  std::int32_t last = 0;
-  std::int32_t count = 0;
-};
-PicksMade PicksMadeIn(const HLIData::ISeasonInfo& season);
 
 /// Changes the current season in memory and saves it, as one transaction; `what` could not be saved when that
 /// fails: "The prizes". Afterwards the season is discarded, so that it is loaded as it is stored. Raises

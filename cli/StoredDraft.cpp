@@ -82,7 +82,8 @@ StoredDraft ReadStoredDraft(League& league, const HLIData::ISeasonInfo& season) 
       if (!isFirst) problem = "is the same as pick " + std::to_string(earlier->second) + ".";
     }
     if (!problem.empty())
-      stored.misfits.push_back({number, managerID, "Pick " + std::to_string(number) + " " + problem});
+      stored.misfits.push_back(
+          {number, managerID, pick.type, pick.id, "Pick " + std::to_string(number) + " " + problem});
     if (number >= 1 && number <= std::ssize(stored.picks))
       stored.picks[static_cast<std::size_t>(number) - 1] = std::move(pick);
   }

@@ -14,6 +14,8 @@ namespace cli {
 struct MisfitPick {
   std::int32_t number = 0;
   std::int32_t managerID = 0;
+  HLIData::PickType type = HLIData::PickType::None;  ///< what was picked, as in Pick
+  std::int32_t id = 0;
   std::string
       why;  ///< a sentence that begins with the pick: "Pick 6 is of manager 3, who does not take part."
 };

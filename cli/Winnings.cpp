@@ -5,6 +5,7 @@
 
 #include "cli/Find.h"
 #include "cli/Numbers.h"
+#include "cli/Prizes.h"
 #include "cli/Seasons.h"
 
 namespace cli {
@@ -28,8 +29,7 @@ std::vector<Winning> WinningsIn(League& league, const HLIData::ISeasonInfo& seas
   std::vector<Winning> winnings;
   if (stored.Count() == 0) return winnings;
   const auto managerNames = ManagerNames(league);
-  const auto prizeTmpls = league.Service().GetPrizeTmpls();
-  league.RaiseShownMessages();
+  const auto prizeTmpls = AllPrizes(league);
   for (const auto& item : stored) {
     Winning winning;
     winning.id = item->ID();
@@ -39,8 +39,9 @@ std::vector<Winning> WinningsIn(League& league, const HLIData::ISeasonInfo& seas
     winning.manager = name == managerNames.end() ? Unnamed(item->ManagerID()) : name->second;
     winning.prizeID = StoredNumber(item->PrizeID());
     const std::string key = "K" + std::to_string(winning.prizeID);
-    const auto tmpl = prizeTmpls ? prizeTmpls->Find(key) : nullptr;
-    winning.prize = tmpl ? tmpl->Desc() : Unnamed(item->PrizeID());
+    const auto tmpl = std::find_if(prizeTmpls.begin(), prizeTmpls.end(),
+                                   [&](const auto& prize) { return prize->ID() == winning.prizeID; });
+    winning.prize = tmpl == prizeTmpls.end() ? Unnamed(item->PrizeID()) : (*tmpl)->Desc();
     if (const auto prize = prizes.Find(key)) winning.amount = prize->Amount();
     winnings.push_back(std::move(winning));
   }

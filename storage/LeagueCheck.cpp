@@ -167,6 +167,7 @@ class Checker {
   void CheckPicked(const Row& row);
   void CheckWinnings();
   void CheckMasters();
+  Number PositionOfTeams() const;
 
   /// Counts a row of a season that has no row of its own; true if the season has one.
   bool HasSeason(const char* table, const Number& seasonID);
@@ -619,14 +620,34 @@ void Checker::CheckMasters() {
     if (row[2].value_or(0) != 0)
       check(S::Player::kTable, row, "team", row[2], S::Team::kTable, Misfit::UnknownTeam);
   }
+  const Number ofTeams = PositionOfTeams();
   for (const Row& row : m_rows.at(S::Team::kTable).rows) {
-    if (row[1].value_or(0) != 0)
-      check(S::Team::kTable, row, "position", row[1], S::Position::kTable, Misfit::UnknownPosition);
+    if (row[1].value_or(0) == 0) continue;
+    const std::size_t before = m_findings.size();
+    check(S::Team::kTable, row, "position", row[1], S::Position::kTable, Misfit::UnknownPosition);
+    if (m_findings.size() == before || !ofTeams) continue;
+    Repair(m_findings.back(),
+           "Set the position of team " + NumberText(row[0]) + " to " + NumberText(ofTeams) +
+               ", as all other teams have it, instead of " + NumberText(row[1]) + ".",
+           [row, ofTeams](jet::Database& database) {
+             SetColumn(database, LeagueTables::Named(S::Team::kTable), row, S::Team::kPositionID, *ofTeams);
+           });
   }
   for (const Row& row : m_rows.at(S::Prize::kTable).rows) {
     const std::int32_t type = row[1].value_or(0);  // Null is read as type 0
     check(S::Prize::kTable, row, "prize type", type, S::PrizeType::kTable, Misfit::UnknownPrizeType);
   }
+}
+
+/// The position that all teams have whose position exists; none if they differ, or there is none.
+Number Checker::PositionOfTeams() const {
+  Number common;
+  for (const Row& row : m_rows.at(S::Team::kTable).rows) {
+    if (!IsIn(S::Position::kTable, row[1])) continue;
+    if (common && common != row[1]) return {};
+    common = row[1];
+  }
+  return common;
 }
 
 /// Carries out the repairs of all findings.

@@ -8,6 +8,7 @@
 #include "cli/ExitCode.h"
 #include "cli/Pickables.h"
 #include "cli/Players.h"
+#include "cli/Prizes.h"
 #include "cli/Seasons.h"
 #include "storage/LeagueCsv.h"
 #include "storage/LeagueFile.h"
@@ -24,8 +25,8 @@ class MendingTest : public DraftTest {
     Edit("select * from [season info] where id = 5", {{"is draft locked", "0"}, {"is season locked", "0"}});
   }
 
-  /// A league as this program makes it, which enforces no relationship with teams.
-  void UseLeagueWithoutTeamRelationship() {
+  /// A league as this program makes it, which enforces no relationship with teams and types of prize.
+  void UseSampleLeague() {
     m_context.reset();
     const std::string path = m_folder.File("Halcyra - Live.mdb");
     HLDataSrvc::CreateLeagueFile(path, {.overwrite = true, .fill = [](jet::Database& database) {
@@ -57,12 +58,16 @@ class MendingTest : public DraftTest {
     return text;
   }
   void Pick(const std::string& who, std::optional<std::int32_t> number) {
-    DraftPick(*m_context, {.who = {who}, .words = {}, .pick = number, .manager = "13"});
+    PickableWords words;
+    words.retired = true;
+    DraftPick(*m_context, {.who = {who}, .words = words, .pick = number, .manager = "13"});
   }
 };
 
 TEST_F(MendingTest, PicksBehindARowThatDoesNotFitAreShownAndKept) {
   const auto rows = Rows();
+  const cli::Pick ninth = Draft().Current()[8];
+  const std::string outside = (ninth.type == HLIData::PickType::Team ? "T" : "P") + std::to_string(ninth.id);
   EditPick(4, "manager id", "1");  // who does not take part
   EditPick(9, "draft no", "99");
   EditPick(11, "player id", "5");  // who is picked at 1
@@ -80,6 +85,8 @@ TEST_F(MendingTest, PicksBehindARowThatDoesNotFitAreShownAndKept) {
   EXPECT_NE(Refusal([&] { DraftUndo(*m_context, {}); }).find(mend), std::string::npos);
   EXPECT_NE(Refusal([&] { Pick("P" + std::to_string(picks[9].id), 4); }).find("pick 10"), std::string::npos)
       << "whoever stands at a pick behind is taken";
+  EXPECT_NE(Refusal([&] { Pick(outside, 4); }).find("'draft clear 99'"), std::string::npos);
+  EXPECT_EQ(PicksMadeIn(League(), Draft().Season()), 11) << "as the rows have them";
 
   // Each is mended by its number, and no other row changes.
   Pick("P200", 4);
@@ -104,7 +111,7 @@ TEST_F(MendingTest, PicksBehindARowThatDoesNotFitAreShownAndKept) {
 }
 
 TEST_F(MendingTest, ABrokenPlayerStopsNoCommandThatDoesNotConcernHim) {
-  UseLeagueWithoutTeamRelationship();
+  UseSampleLeague();
   const auto players = AllPlayers(League()).size();
   const auto broken = PlayerByID(League(), 200);
   const PlayerValues before = ValuesOf(*broken);
@@ -126,6 +133,49 @@ TEST_F(MendingTest, ABrokenPlayerStopsNoCommandThatDoesNotConcernHim) {
   values.teamID = before.teamID;
   SavePlayer(League(), values, 200);
   EXPECT_EQ(ValuesOf(*PlayerByID(League(), 200)), before);
+}
+
+TEST_F(MendingTest, APrizeWithoutItsTypeStopsNoCommandThatDoesNotConcernIt) {
+  UseSampleLeague();
+  const auto types = [&] {
+    std::string text;
+    for (const auto& prize : AllPrizes(League()))
+      text += prize->PrizeType() ? std::to_string(prize->PrizeType()->ID()) : "-";
+    return text;
+  };
+  const std::string before = types();
+  Edit("select * from [prize info] where id = 3", {{"type id", "99"}});
+  Edit("select * from [prize info] where id = 5", {{"type id", std::nullopt}});
+  Reopen();
+  std::string broken = before;
+  broken[2] = broken[4] = '-';
+  EXPECT_EQ(types(), broken);
+  const auto added = SavePrize(League(), "Added", 1, 0);
+  RequireLoaded(League(), *FindPrizeTmpl(League(), "2"));
+  EXPECT_NE(Refusal([&] { RequireLoaded(League(), *FindPrizeTmpl(League(), "7")); }).find("Prize 3"),
+            std::string::npos)
+      << "a season that puts it up could not be loaded";
+  EXPECT_NE(Refusal([&] { SavePrize(League(), "Fifth", 0, 5); }).find("is required"), std::string::npos);
+  SavePrize(League(), "Fifth", before[4] - '0', 5);  // though the third is broken still
+  SavePrize(League(), "Third", before[2] - '0', 3);
+  EXPECT_EQ(types(), before + "1");
+  Reopen();
+  EXPECT_EQ(types(), before + "1");
+  EXPECT_EQ(FindPrizeTmpl(League(), "Third")->ID(), 3);
+  EXPECT_EQ(FindPrizeTmpl(League(), "Added")->ID(), added->ID());
+}
+
+TEST_F(MendingTest, ASeasonThatCannotBeLoadedIsNamedAndNotMadeAgain) {
+  UseSampleLeague();
+  for (const int year : {1999, 2000})
+    League().Service().CurrentSeasonYear(year);
+  Edit("select * from [season info] where [season year] = 1999", {{"id", "-2"}});
+  Reopen();
+  std::string missing;
+  EXPECT_EQ(AllSeasons(League(), &missing).size(), 1u);
+  EXPECT_NE(missing.find("Season -2"), std::string::npos);
+  EXPECT_NE(Refusal([&] { SeasonsOfYear(League(), 1999); }).find("could not be loaded"), std::string::npos);
+  EXPECT_TRUE(SeasonsOfYear(League(), 1998).empty());
 }
 
 TEST_F(MendingTest, OptionsThatContradictAnIdAreRefused) {

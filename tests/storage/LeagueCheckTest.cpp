@@ -140,7 +140,9 @@ const std::vector<Case>& Cases() {
        {{UnknownPosition, "[player info], id 20: position 33"},
         {UnknownTeam, "[player info], id 20: team 44"},
         {UnknownPosition, "[team info], id 9: position 33"},
-        {UnknownPrizeType, "[prize info], id 9: prize type 33"}}},
+        {UnknownPrizeType, "[prize info], id 9: prize type 33"}},
+       {"Set the position of team 9 to 2, as all other teams have it, instead of 33."},
+       {UnknownTeam, UnknownPosition, UnknownPrizeType}},
   };
   return cases;
 }
