@@ -3,12 +3,12 @@
 #include <exception>
 #include <utility>
 
-#include "records/Failures.h"
 #include "records/HLUtils.h"
 #include "records/ManagerInfo.h"
 #include "records/PrizeInfo.h"
 #include "records/RecordKey.h"
 #include "records/References.h"
+#include "records/Succeeds.h"
 
 namespace HLDataSrvc {
 namespace {

@@ -7,9 +7,9 @@
 #include "HLIData/Error.h"
 #include "jet/Error.h"
 #include "jet/dao/Database.h"
-#include "records/Failures.h"
 #include "records/SeasonInfo.h"
 #include "records/SettingInfo.h"
+#include "service/Failures.h"
 #include "service/Writes.h"
 
 namespace HLDataSrvc {

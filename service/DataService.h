@@ -11,7 +11,7 @@
 #include "HLDataSrvc/Host.h"
 #include "HLIData/IDataService.h"
 #include "HLIData/ISettingInfo.h"
-#include "records/Failures.h"
+#include "service/Failures.h"
 #include "service/ServiceCaches.h"
 
 namespace jet {
@@ -33,7 +33,7 @@ class Writes;
 /// season.
 ///
 /// Every operation traps what is raised inside it and reports it in one of the two styles of
-/// records/Failures.h, except where its interface says that it raises. Each family of operations has a source
+/// service/Failures.h, except where its interface says that it raises. Each family of operations has a source
 /// file of its own.
 class DataService final : public HLIData::IDataService,
                           private HLIData::ISettingInfoEvents,

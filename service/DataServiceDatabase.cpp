@@ -4,8 +4,8 @@
 
 #include "HLIData/Error.h"
 #include "jet/dao/Database.h"
-#include "records/Failures.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "storage/HLServiceUtils.h"
 
 namespace HLDataSrvc {

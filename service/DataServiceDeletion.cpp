@@ -2,10 +2,10 @@
 
 #include <exception>
 
-#include "records/Failures.h"
 #include "records/RecordKey.h"
 #include "records/References.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 #include "service/Writes.h"
 #include "storage/Schema.h"

@@ -1,13 +1,13 @@
 // Prize types, prizes, and the money that a season puts up for them.
 
 #include "HLIData/Error.h"
-#include "records/Failures.h"
 #include "records/PrizeInfo.h"
 #include "records/PrizeTmplInfo.h"
 #include "records/PrizeTypeInfo.h"
 #include "records/RecordKey.h"
 #include "records/References.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 #include "storage/Schema.h"
 

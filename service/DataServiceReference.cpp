@@ -1,13 +1,13 @@
 // Positions, teams and players: the master records that can be drafted, and what they refer to.
 
 #include "HLIData/Error.h"
-#include "records/Failures.h"
 #include "records/PlayerInfo.h"
 #include "records/PositionInfo.h"
 #include "records/RecordKey.h"
 #include "records/References.h"
 #include "records/TeamInfo.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 #include "storage/Schema.h"
 

@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "records/Failures.h"
 #include "records/HLStringUtils.h"
 #include "records/ManagerTmplInfo.h"
 #include "records/PlayerInfo.h"
@@ -12,6 +11,7 @@
 #include "records/References.h"
 #include "records/TeamInfo.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 
 namespace HLDataSrvc {

@@ -6,10 +6,10 @@
 #include <exception>
 
 #include "jet/Error.h"
-#include "records/Failures.h"
 #include "records/References.h"
 #include "records/SeasonInfo.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 #include "service/Writes.h"
 #include "storage/Schema.h"

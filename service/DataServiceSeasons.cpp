@@ -10,13 +10,13 @@
 #include <string>
 
 #include "HLIData/Error.h"
-#include "records/Failures.h"
 #include "records/ManagerInfo.h"
 #include "records/ManagerTmplInfo.h"
 #include "records/RecordKey.h"
 #include "records/References.h"
 #include "records/SeasonInfo.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 #include "storage/Schema.h"
 

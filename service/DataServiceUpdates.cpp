@@ -7,7 +7,6 @@
 
 #include <initializer_list>
 
-#include "records/Failures.h"
 #include "records/ManagerTmplInfo.h"
 #include "records/PlayerInfo.h"
 #include "records/PositionInfo.h"
@@ -16,6 +15,7 @@
 #include "records/References.h"
 #include "records/TeamInfo.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 #include "service/Writes.h"
 #include "storage/Schema.h"

@@ -4,11 +4,11 @@
 #include <set>
 
 #include "records/Conversions.h"
-#include "records/Failures.h"
 #include "records/References.h"
 #include "records/SeasonInfo.h"
 #include "records/WinningInfo.h"
 #include "service/DataService.h"
+#include "service/Failures.h"
 #include "service/Rows.h"
 #include "service/Writes.h"
 #include "storage/Schema.h"

@@ -2,7 +2,7 @@
 
 #include "HLIData/Error.h"
 #include "jet/Error.h"
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/dao/Database.h"
 #include "jet/dao/Transaction.h"
 #include "records/PlayerInfo.h"

@@ -8,7 +8,6 @@
 #include "jet/Error.h"
 #include "jet/dao/Database.h"
 #include "platform/ThreadNumber.h"
-#include "records/Failures.h"
 
 namespace HLDataSrvc::HLServiceUtils {
 namespace {
@@ -55,17 +54,17 @@ void OpenInPlaceOf(std::shared_ptr<jet::Database>& database, const std::string& 
   database = Engine().ReopenDatabase(*database, GetConnectString());
 }
 
-/// TellFailure, which also hands out the error itself.
+/// Runs `work` and returns its result. When it raises, returns false, with the error's description in
+/// `errorMessage` and the error itself in `raised`, unless that is null.
 template <typename Work>
 bool HandOutFailure(std::string& errorMessage, std::exception_ptr* raised, Work&& work) {
-  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
-    try {
-      return std::forward<Work>(work)();
-    } catch (...) {
-      if (raised != nullptr) *raised = std::current_exception();
-      throw;
-    }
-  });
+  try {
+    return std::forward<Work>(work)();
+  } catch (const std::exception& error) {
+    if (raised != nullptr) *raised = std::current_exception();
+    errorMessage = error.what();
+    return false;
+  }
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/Value.h"
 #include "jet/dao/DBEngine.h"
 #include "jet/dao/Database.h"

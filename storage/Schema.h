@@ -2,8 +2,12 @@
 
 #include <cstdint>
 
-/// Names of the league's tables and columns, as statements and field look-ups use them. Statements put them
-/// in square brackets.
+namespace jet {
+class Database;
+}
+
+/// The league's tables: their names and those of their columns, as statements, which put them in square
+/// brackets, and field look-ups use them; and how a new file's tables are made.
 namespace HLDataSrvc::Schema {
 
 /// The one row of settings.
@@ -119,5 +123,9 @@ inline constexpr char kPrizeID[] = "prize id";
 inline constexpr char kManagerID[] = "manager id";
 inline constexpr char kWeek[] = "week #";
 }  // namespace Winning
+
+/// Creates all tables in an empty database, with their columns, keys and defaults, and the relationships that
+/// are enforced. Raises jet::Error.
+void CreateTables(jet::Database& database);
 
 }  // namespace HLDataSrvc::Schema

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/dao/Recordset.h"
 
 namespace jet {

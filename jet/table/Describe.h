@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/table/Store.h"
 
 namespace jet {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/format/TableDefinition.h"
 #include "jet/table/Store.h"
 

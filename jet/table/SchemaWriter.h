@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/table/Store.h"
 
 namespace jet {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/Value.h"
 #include "jet/file/Pager.h"
 #include "jet/format/RowBuilder.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/format/TableDefinition.h"
 
 /// Turns what a caller wants made into definitions, without maps and pages yet. Everything is checked here,

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/Value.h"
 
 namespace jet {

@@ -11,7 +11,7 @@
 
 #include "jet/Check.h"
 #include "jet/Error.h"
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/dao/DBEngine.h"
 #include "jet/dao/Recordset.h"
 #include "jet/format/IndexKey.h"

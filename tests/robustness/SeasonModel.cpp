@@ -4,7 +4,7 @@
 #include <sstream>
 #include <utility>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "records/DraftInfo.h"
 #include "records/PlayerInfo.h"
 #include "records/TeamInfo.h"

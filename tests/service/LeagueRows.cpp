@@ -5,7 +5,7 @@
 #include <sstream>
 #include <utility>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/dao/DBEngine.h"
 #include "jet/dao/Recordset.h"
 #include "storage/HLServiceUtils.h"

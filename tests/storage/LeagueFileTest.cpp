@@ -104,7 +104,7 @@ TEST_F(LeagueFileTest, HasTheTablesWithTheirKeysAndIndexes) {
   EXPECT_EQ(tables, (std::vector<std::string>{
                         "draft info: season id, draft no; manager id; player id; season id; team id",
                         "manager info: id",
-                        "money distribution info: none; prize id; season id",
+                        "money distribution info: season id, prize id; prize id; season id",
                         "player info: id; position id; team id",
                         "playing info: season id, manager id; manager id; season id",
                         "position info: id",

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "jet/Error.h"
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/table/EmptyDatabase.h"
 #include "jet/table/SchemaWriter.h"
 #include "jet/table/Store.h"

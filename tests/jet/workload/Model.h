@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "jet/Error.h"
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/Value.h"
 #include "jet/dao/Database.h"
 

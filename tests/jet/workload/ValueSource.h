@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "jet/Schema.h"
+#include "jet/TableSpec.h"
 #include "jet/Value.h"
 
 namespace jet::test {

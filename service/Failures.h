@@ -7,6 +7,7 @@
 #include "HLDataSrvc/Host.h"
 #include "HLIData/Error.h"
 #include "records/HLConsts.h"
+#include "records/Succeeds.h"
 
 namespace HLDataSrvc {
 
@@ -55,17 +56,6 @@ bool TellFailure(std::string& errorMessage, const std::string& sentence, Work&& 
     return std::forward<Work>(work)();
   } catch (const std::exception& error) {
     errorMessage = sentence.empty() ? error.what() : sentence + HLConsts::kLineBreak + error.what();
-    return false;
-  }
-}
-
-/// Runs `work()` and answers whether it ended without an error; of one nothing is told.
-template <typename Work>
-bool Succeeds(Work&& work) {
-  try {
-    std::forward<Work>(work)();
-    return true;
-  } catch (const std::exception&) {
     return false;
   }
 }
