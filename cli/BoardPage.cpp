@@ -133,9 +133,8 @@ BoardFile::BoardFile(std::string path, const std::optional<std::int32_t>& refres
     throw Failure(ExitCode::Refused, "The file " + m_path + " is there already, and is no page of a board.");
 }
 
-void BoardFile::Update(League& league) {
-  DraftSession& draft = league.Draft();
-  std::string page = BoardPage(league, draft.Season(), draft.Current(), draft.Stored(), m_refresh);
+void BoardFile::Update(DraftSession& draft) {
+  std::string page = BoardPage(draft.TheLeague(), draft.Season(), draft.Current(), draft.Stored(), m_refresh);
   if (page == m_written) return;
   WriteWholeFile(m_path, page);
   m_written = std::move(page);

@@ -23,7 +23,7 @@ class BoardFile {
 
   const std::string& Path() const { return m_path; }
   /// Writes the page as the draft stands, unless it has not changed. Raises Failure.
-  void Update(League& league);
+  void Update(DraftSession& draft);
 
  private:
   std::string m_path;

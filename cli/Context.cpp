@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "cli/DraftSession.h"
 #include "cli/League.h"
 #include "cli/Utf8.h"
 #include "storage/HLServiceUtils.h"
@@ -13,8 +14,17 @@ Context::Context(Output& out, Messages& err) : output(out), messages(err) {}
 Context::~Context() = default;
 
 League& Context::TheLeague() {
-  if (!m_league) m_league = std::make_unique<League>(*this);
+  if (!m_league) m_league = std::make_unique<League>(Options());
   return *m_league;
+}
+
+DraftSession& Context::Draft() {
+  if (!m_draft) m_draft = std::make_unique<DraftSession>(TheLeague());
+  return *m_draft;
+}
+
+LeagueOptions Context::Options() {
+  return {.folder = folder, .kind = Kind(), .note = [this](const std::string& text) { messages.Note(text); }};
 }
 
 std::optional<std::string> Context::Ask(const std::string& question) {

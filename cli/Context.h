@@ -12,7 +12,9 @@
 
 namespace cli {
 
+class DraftSession;
 class League;
+struct LeagueOptions;
 
 /// What one run of the program works with: the options that every command knows, where its result goes, and
 /// what the command line asks to be done.
@@ -46,6 +48,11 @@ struct Context {
   /// opening it raises; another try opens it again.
   League& TheLeague();
 
+  /// The draft of that league's current season, with the picks that are not saved yet.
+  DraftSession& Draft();
+  /// What opens that league, once more.
+  LeagueOptions Options();
+
   /// The line with which a question is answered, without blanks around it; none when nobody can be asked, or
   /// the answers have come to their end.
   std::optional<std::string> Ask(const std::string& question);
@@ -62,6 +69,7 @@ struct Context {
 
  private:
   std::unique_ptr<League> m_league;
+  std::unique_ptr<DraftSession> m_draft;
 };
 
 }  // namespace cli

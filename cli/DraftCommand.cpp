@@ -40,7 +40,7 @@ std::vector<std::int32_t> NextEmptyPicks(const Picks& picks, std::int32_t due) {
 }
 
 void Clock(Context& context) {
-  DraftSession& session = context.TheLeague().Draft();
+  DraftSession& session = context.Draft();
   DraftReport report(session);
   const DraftOrder& order = report.Order();
   order.RequireSettled();
@@ -126,17 +126,22 @@ void Board(Context& context, const BoardOptions& options) {
     throw Failure(ExitCode::WrongUsage, "--watch is for outside of a shell, whose board is its own.");
   const auto page =
       options.page.empty() ? nullptr : std::make_shared<BoardFile>(options.page, options.refresh);
-  const auto text = [&](League& league) {
-    if (page) page->Update(league);
-    return BoardText(league.Draft(), context.json);
+  const auto text = [&](DraftSession& session) {
+    if (page) page->Update(session);
+    return BoardText(session, context.json);
   };
-  if (options.watches) WatchLeague(context, text);
-  DraftSession& session = context.TheLeague().Draft();
+  if (options.watches) {
+    WatchLeague(context, [&](League& league) {
+      DraftSession session(league);
+      return text(session);
+    });
+  }
+  DraftSession& session = context.Draft();
   if (!page) {
-    context.output.Write(text(context.TheLeague()));
+    context.output.Write(text(session));
     return;
   }
-  page->Update(context.TheLeague());
+  page->Update(session);
   if (context.inShell) session.PublishOn(page);
   context.messages.Note("Wrote " + page->Path() +
                         (context.inShell ? ", and will after every change of the draft." : "."));

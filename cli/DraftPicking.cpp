@@ -43,7 +43,7 @@ void RequireUnlocked(DraftSession& session, const std::vector<std::int32_t>& num
 /// Outside a shell nothing stays unsaved.
 void SaveUnlessInShell(Context& context) {
   if (context.inShell) return;
-  context.TheLeague().Draft().Save();
+  context.Draft().Save();
   context.messages.Note("The draft was saved in " + context.TheLeague().Path() + ".");
 }
 
@@ -122,7 +122,7 @@ std::string RestoredText(const DraftReport& report, std::int32_t number, const P
 }
 
 void EmptyPicks(Context& context, const std::vector<std::int32_t>& numbers) {
-  DraftSession& session = context.TheLeague().Draft();
+  DraftSession& session = context.Draft();
   DraftReport report(session);
   Changes changes;
   std::vector<std::string> lines;
@@ -146,14 +146,14 @@ std::vector<std::int32_t> FilledPicks(const Picks& picks) {
 /// Deletes stored picks whose numbers lie outside the draft; returns them. `numbers`: only these, if any.
 std::vector<std::int32_t> DeleteOutside(Context& context, const std::vector<std::int32_t>& numbers) {
   League& league = context.TheLeague();
-  DraftSession& session = league.Draft();
+  DraftSession& session = context.Draft();
   std::vector<std::int32_t> outside;
   for (const MisfitPick& misfit : session.Misfits()) {
     const bool isMeant = numbers.empty() || std::count(numbers.begin(), numbers.end(), misfit.number) > 0;
     if (isMeant && IsOutside(session, misfit)) outside.push_back(misfit.number);
   }
   if (outside.empty()) return outside;
-  league.RefuseUnsavedPicks("draft clear");
+  context.Draft().RefuseUnsaved("draft clear");
   league.Transact("The draft could not be saved.", [&] {
     for (const std::int32_t number : outside)
       HLDataSrvc::DeleteRows(league.Service(), SelectPick(session.Season(), number));
@@ -165,7 +165,7 @@ std::vector<std::int32_t> DeleteOutside(Context& context, const std::vector<std:
 }
 
 void ClearAll(Context& context, bool isSure) {
-  DraftSession& session = context.TheLeague().Draft();
+  DraftSession& session = context.Draft();
   const std::vector<std::int32_t> filled = FilledPicks(session.Current());
   const std::string draft = "the draft " + std::to_string(session.Season().Year());
   const std::string count = CountOfPicks(filled.size());
@@ -188,7 +188,7 @@ void ClearAll(Context& context, bool isSure) {
 
 void DraftPick(Context& context, const DraftPickOptions& options) {
   League& league = context.TheLeague();
-  DraftSession& session = league.Draft();
+  DraftSession& session = context.Draft();
   HLIData::ISeasonInfo& season = session.Season();
   RequireUnlocked(session,
                   options.pick ? std::vector<std::int32_t>{*options.pick} : std::vector<std::int32_t>());
@@ -217,7 +217,7 @@ void DraftPick(Context& context, const DraftPickOptions& options) {
 }
 
 void DraftUndo(Context& context, const std::optional<std::int32_t>& number) {
-  DraftSession& session = context.TheLeague().Draft();
+  DraftSession& session = context.Draft();
   RequireUnlocked(session, number ? std::vector<std::int32_t>{*number} : std::vector<std::int32_t>());
   if (number) return DraftClear(context, {*number}, /*isSure=*/true);
   session.RequireWhole();
@@ -239,7 +239,7 @@ void DraftUndo(Context& context, const std::optional<std::int32_t>& number) {
 }
 
 void DraftClear(Context& context, const std::vector<std::int32_t>& numbers, bool isSure) {
-  RequireUnlocked(context.TheLeague().Draft(), numbers);
+  RequireUnlocked(context.Draft(), numbers);
   if (numbers.empty()) {
     ClearAll(context, isSure);
     return;
@@ -256,14 +256,13 @@ void DraftClear(Context& context, const std::vector<std::int32_t>& numbers, bool
   if (!once.empty() || deleted.empty()) {
     EmptyPicks(context, once);
   } else {
-    DraftReport(context.TheLeague().Draft())
-        .PrintChange(context, {}, {"Deleted " + PickNumbers(deleted) + "."});
+    DraftReport(context.Draft()).PrintChange(context, {}, {"Deleted " + PickNumbers(deleted) + "."});
   }
 }
 
 void DraftSave(Context& context) {
   League& league = context.TheLeague();
-  DraftSession& session = league.Draft();
+  DraftSession& session = context.Draft();
   RequireUnlocked(session.Season());
   const std::vector<std::int32_t> unsaved = session.Unsaved();
   if (!unsaved.empty()) {
@@ -281,7 +280,7 @@ void DraftSave(Context& context) {
 }
 
 void DraftRevert(Context& context) {
-  DraftSession& session = context.TheLeague().Draft();
+  DraftSession& session = context.Draft();
   const std::vector<std::int32_t> unsaved = session.Unsaved();
   session.Revert();
   DraftReport(session).PrintChange(

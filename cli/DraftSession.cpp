@@ -167,22 +167,32 @@ void DraftSession::Revert() {
 }
 
 void DraftSession::Publish() {
-  if (m_page) m_page->Update(m_league);
+  if (m_page) m_page->Update(*this);
 }
 
-Picks PicksToShow(League& league, const HLIData::ISeasonInfo& season) {
-  return IsCurrent(league, season) ? league.Draft().Current() : ReadStoredDraft(league, season).picks;
+void DraftSession::RefuseUnsaved(const std::string& command) const {
+  const std::vector<std::int32_t> unsaved = Unsaved();
+  if (unsaved.empty()) return;
+  throw Failure(
+      ExitCode::Refused,
+      "'" + command + "' reads the draft again, and changes of " + PickNumbers(unsaved) + " are not saved.",
+      "'draft save' saves them, 'draft revert' drops them.");
 }
 
-std::int32_t PicksMadeIn(League& league, const HLIData::ISeasonInfo& season) {
-  const Picks picks = PicksToShow(league, season);
+Picks PicksToShow(DraftSession& draft, const HLIData::ISeasonInfo& season) {
+  return IsCurrent(draft.TheLeague(), season) ? draft.Current()
+                                              : ReadStoredDraft(draft.TheLeague(), season).picks;
+}
+
+std::int32_t PicksMadeIn(DraftSession& draft, const HLIData::ISeasonInfo& season) {
+  const Picks picks = PicksToShow(draft, season);
   return static_cast<std::int32_t>(
       std::count_if(picks.begin(), picks.end(), [](const Pick& pick) { return !pick.IsEmpty(); }));
 }
 
-std::map<std::int32_t, std::int32_t> PicksByManager(League& league, const HLIData::ISeasonInfo& season) {
+std::map<std::int32_t, std::int32_t> PicksByManager(DraftSession& draft, const HLIData::ISeasonInfo& season) {
   std::map<std::int32_t, std::int32_t> counts;
-  for (const Pick& pick : PicksToShow(league, season)) {
+  for (const Pick& pick : PicksToShow(draft, season)) {
     if (pick.managerID) ++counts[*pick.managerID];
   }
   return counts;

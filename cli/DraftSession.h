@@ -22,10 +22,11 @@ class League;
 /// memory, and what was done last, to be taken back.
 ///
 /// The season in memory shows the same picks. When the service has loaded the season's draft anew meanwhile,
-/// picks that are not saved are put into it again. Borrows the league, which owns this.
+/// picks that are not saved are put into it again. Borrows the league.
 class DraftSession {
  public:
   explicit DraftSession(League& league) : m_league(league) {}
+  League& TheLeague() const { return m_league; }
 
   /// The current season, with the picks as they stand. Raises what CurrentSeason raises.
   HLIData::ISeasonInfo& Season();
@@ -40,6 +41,10 @@ class DraftSession {
   /// The numbers of the picks that differ from what is stored; none before the draft was first looked at.
   /// Loads nothing.
   std::vector<std::int32_t> Unsaved() const { return DifferingPicks(m_picks, m_stored); }
+
+  /// Raises Failure when there are such picks: for commands, named by `command` ("season use"), after which
+  /// the draft is loaded again and they would be lost; to be called before anything is changed.
+  void RefuseUnsaved(const std::string& command) const;
 
   /// Makes, replaces or, with empty picks, clears picks, in one step. No two picks of the draft may hold the
   /// same player or team afterwards.
@@ -87,10 +92,10 @@ class DraftSession {
 
 // The picks of any season, with those of the current one that are not saved.
 
-Picks PicksToShow(League& league, const HLIData::ISeasonInfo& season);
+Picks PicksToShow(DraftSession& draft, const HLIData::ISeasonInfo& season);
 /// How many of them are made.
-std::int32_t PicksMadeIn(League& league, const HLIData::ISeasonInfo& season);
+std::int32_t PicksMadeIn(DraftSession& draft, const HLIData::ISeasonInfo& season);
 /// How many each manager has made, by his id.
-std::map<std::int32_t, std::int32_t> PicksByManager(League& league, const HLIData::ISeasonInfo& season);
+std::map<std::int32_t, std::int32_t> PicksByManager(DraftSession& draft, const HLIData::ISeasonInfo& season);
 
 }  // namespace cli

@@ -77,13 +77,12 @@ std::string ListHtml(League& league, const ExportList& list) {
   return page.Text();
 }
 
-std::string BoardHtml(League& league, const std::optional<std::int32_t>& year) {
+std::string BoardHtml(DraftSession& draft, const std::optional<std::int32_t>& year) {
+  League& league = draft.TheLeague();
   const auto season = SeasonToShow(league, year);
-  if (IsCurrent(league, *season)) {
-    DraftSession& draft = league.Draft();
+  if (IsCurrent(league, *season))
     return BoardPage(league, draft.Season(), draft.Current(), draft.Stored(), std::nullopt);
-  }
-  const Picks picks = PicksToShow(league, *season);
+  const Picks picks = PicksToShow(draft, *season);
   return BoardPage(league, *season, picks, picks, std::nullopt);
 }
 
@@ -127,9 +126,9 @@ void Export(Context& context, const ExportOptions& options) {
   std::string text;
   std::string missing;
   if (format == "html" && options.what == "board") {
-    text = BoardHtml(league, options.year);
+    text = BoardHtml(context.Draft(), options.year);
   } else {
-    const ExportList list = MakeExportList(league, options.what, options.year);
+    const ExportList list = MakeExportList(context.Draft(), options.what, options.year);
     missing = list.missing;
     text = format == "html" ? ListHtml(league, list)
                             : RowsText(list, format == "json" ? RowFormat::JsonArray : RowFormat::Csv);

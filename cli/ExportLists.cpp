@@ -42,9 +42,9 @@ const Records& Checked(League& league, const Records& records) {
   return records;
 }
 
-ExportList Players(League& league) {
+ExportList Players(DraftSession& draft) {
   ExportList list{"Players", {"id", "first name", "last name", "position", "team", "is retired"}, {}};
-  for (const auto& player : AllPlayers(league)) {
+  for (const auto& player : AllPlayers(draft.TheLeague())) {
     list.rows.push_back({player->ID(), player->FirstName(), player->LastName(),
                          player->Position() ? Value(player->Position()->Abbr()) : Value(),
                          player->Team() ? Value(player->Team()->Abbr()) : Value(), player->IsRetired()});
@@ -52,46 +52,46 @@ ExportList Players(League& league) {
   return list;
 }
 
-ExportList Managers(League& league) {
+ExportList Managers(DraftSession& draft) {
   ExportList list{"Managers", {"id", "first name", "last name"}, {}};
-  for (const auto& manager : AllManagers(league))
+  for (const auto& manager : AllManagers(draft.TheLeague()))
     list.rows.push_back({manager->ID(), manager->FirstName(), manager->LastName()});
   return list;
 }
 
-ExportList Prizes(League& league) {
+ExportList Prizes(DraftSession& draft) {
   ExportList list{"Prizes", {"id", "prize", "type"}, {}};
-  for (const auto& prize : AllPrizes(league))
+  for (const auto& prize : AllPrizes(draft.TheLeague()))
     list.rows.push_back(
         {prize->ID(), prize->Desc(), prize->PrizeType() ? Value(prize->PrizeType()->Name()) : Value()});
   return list;
 }
 
-ExportList Positions(League& league) {
+ExportList Positions(DraftSession& draft) {
   ExportList list{"Positions", {"id", "position", "name"}, {}};
-  for (const auto& position : *Checked(league, league.Service().GetPlayerPositions()))
+  for (const auto& position : *Checked(draft.TheLeague(), draft.TheLeague().Service().GetPlayerPositions()))
     list.rows.push_back({position->ID(), position->Abbr(), position->Desc()});
   return list;
 }
 
-ExportList Teams(League& league) {
+ExportList Teams(DraftSession& draft) {
   ExportList list{"Teams", {"id", "short", "name", "nickname", "position"}, {}};
-  for (const auto& team : *Checked(league, league.Service().GetTeams()))
+  for (const auto& team : *Checked(draft.TheLeague(), draft.TheLeague().Service().GetTeams()))
     list.rows.push_back({team->ID(), team->Abbr(), team->Name(), team->Nickname(),
                          team->Position() ? Value(team->Position()->Abbr()) : Value()});
   return list;
 }
 
-ExportList Seasons(League& league) {
+ExportList Seasons(DraftSession& draft) {
   ExportList list{"Seasons",
                   {"year", "id", "current", "managers", "taking part", "rounds", "picks", "picks made",
                    "contribution", "regular weeks", "weeks", "prizes", "winnings", "started",
                    "ranking locked", "draft locked", "season locked"},
                   {}};
-  for (const auto& season : AllSeasons(league, &list.missing)) {
-    list.rows.push_back({season->Year(), season->ID(), IsCurrent(league, *season), season->NoOfManagers(),
-                         ManagersOf(*season).Count(), season->NoOfRounds(), DraftsOf(*season).Count(),
-                         PicksMadeIn(league, *season), season->MoneyContribution(),
+  for (const auto& season : AllSeasons(draft.TheLeague(), &list.missing)) {
+    list.rows.push_back({season->Year(), season->ID(), IsCurrent(draft.TheLeague(), *season),
+                         season->NoOfManagers(), ManagersOf(*season).Count(), season->NoOfRounds(),
+                         DraftsOf(*season).Count(), PicksMadeIn(draft, *season), season->MoneyContribution(),
                          season->NoOfRegularWeeks(), season->TotalNoOfWeeks(), PrizesOf(*season).Count(),
                          WinningsOf(*season).Count(), season->HasSeasonStarted(), season->IsRankingLocked(),
                          season->IsDraftLocked(), season->IsSeasonLocked()});
@@ -99,8 +99,8 @@ ExportList Seasons(League& league) {
   return list;
 }
 
-ExportList SeasonManagers(League& league, const ISeasonInfo& season) {
-  auto picks = PicksByManager(league, season);
+ExportList SeasonManagers(DraftSession& draft, const ISeasonInfo& season) {
+  auto picks = PicksByManager(draft, season);
   ExportList list{"Managers", {"rank", "id", "manager", "fee paid", "picks"}, {}};
   for (const auto& manager : ManagersInOrder(season))
     list.rows.push_back({NumberOrNull(manager->Rank()), manager->ID(), FullName(*manager),
@@ -108,9 +108,9 @@ ExportList SeasonManagers(League& league, const ISeasonInfo& season) {
   return list;
 }
 
-ExportList SeasonPrizes(League& league, const ISeasonInfo& season) {
+ExportList SeasonPrizes(DraftSession& draft, const ISeasonInfo& season) {
   std::map<std::int32_t, std::int32_t> won;
-  for (const Winning& winning : WinningsIn(league, season))
+  for (const Winning& winning : WinningsIn(draft.TheLeague(), season))
     ++won[winning.prizeID];
   ExportList list{"Prizes", {"id", "prize", "type", "amount", "times won", "paid out"}, {}};
   for (const auto& prize : PrizesOf(season)) {
@@ -122,30 +122,30 @@ ExportList SeasonPrizes(League& league, const ISeasonInfo& season) {
   return list;
 }
 
-ExportList WinningsList(League& league, const ISeasonInfo& season) {
+ExportList WinningsList(DraftSession& draft, const ISeasonInfo& season) {
   ExportList list{"Winnings", {"week", "id", "manager id", "manager", "prize id", "prize", "amount"}, {}};
-  for (const Winning& winning : WinningsIn(league, season))
+  for (const Winning& winning : WinningsIn(draft.TheLeague(), season))
     list.rows.push_back({NumberOrNull(winning.week), winning.id, NumberOrNull(winning.managerID),
                          winning.manager, NumberOrNull(winning.prizeID), winning.prize,
                          winning.amount ? Value(*winning.amount) : Value()});
   return list;
 }
 
-ExportList Money(League& league, const ISeasonInfo& season) {
+ExportList Money(DraftSession& draft, const ISeasonInfo& season) {
   ExportList list{"Money", {"manager id", "manager", "due", "paid", "owed", "won", "balance"}, {}};
-  for (const Account& account : AccountsOf(league, season).managers)
+  for (const Account& account : AccountsOf(draft.TheLeague(), season).managers)
     list.rows.push_back({NumberOrNull(account.managerID), account.name, Sum(account.due), Sum(account.paid),
                          Sum(account.Owed()), Sum(account.won), Sum(account.Balance())});
   return list;
 }
 
-ExportList PicksList(League& league, const ISeasonInfo& season) {
+ExportList PicksList(DraftSession& draft, const ISeasonInfo& season) {
   ExportList list{"Picks",
                   {"pick", "round", "pick in round", "turn of", "manager id", "manager", "picked id",
                    "first name", "last name", "position", "team"},
                   {}};
   const DraftOrder order(season);
-  const Picks picks = PicksToShow(league, season);
+  const Picks picks = PicksToShow(draft, season);
   for (std::int32_t number = 1; number <= order.NoOfPicks(); ++number) {
     const Pick& pick = picks[static_cast<std::size_t>(number) - 1];
     const Turn turn = order.At(number);
@@ -173,9 +173,9 @@ std::string CellText(const Pick& pick) {
 }
 
 /// A row for each round, a column for each manager.
-ExportList Board(League& league, const ISeasonInfo& season) {
+ExportList Board(DraftSession& draft, const ISeasonInfo& season) {
   const DraftOrder order(season);
-  const Picks picks = PicksToShow(league, season);
+  const Picks picks = PicksToShow(draft, season);
   ExportList list{"Draft", {"round"}, {}};
   const auto columns = static_cast<std::size_t>(order.NoOfManagers());
   for (std::int32_t place = 1; place <= order.NoOfManagers(); ++place) {
@@ -196,8 +196,8 @@ ExportList Board(League& league, const ISeasonInfo& season) {
 
 struct Maker {
   const char* name;
-  ExportList (*ofLeague)(League&);
-  ExportList (*ofSeason)(League&, const ISeasonInfo&);
+  ExportList (*ofLeague)(DraftSession&);
+  ExportList (*ofSeason)(DraftSession&, const ISeasonInfo&);
 };
 
 constexpr Maker kMakers[] = {
@@ -235,11 +235,12 @@ bool IsOfSeason(const std::string& name) {
   return MakerOf(name).ofSeason != nullptr;
 }
 
-ExportList MakeExportList(League& league, const std::string& name, const std::optional<std::int32_t>& year) {
+ExportList MakeExportList(DraftSession& draft, const std::string& name,
+                          const std::optional<std::int32_t>& year) {
   const Maker& maker = MakerOf(name);
-  if (maker.ofSeason == nullptr) return maker.ofLeague(league);
-  const auto season = SeasonToShow(league, year);
-  ExportList list = maker.ofSeason(league, *season);
+  if (maker.ofSeason == nullptr) return maker.ofLeague(draft);
+  const auto season = SeasonToShow(draft.TheLeague(), year);
+  ExportList list = maker.ofSeason(draft, *season);
   list.title += " " + std::to_string(season->Year());
   return list;
 }

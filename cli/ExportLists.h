@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/League.h"
+#include "cli/DraftSession.h"
 #include "jet/Value.h"
 
 namespace cli {
@@ -26,6 +26,7 @@ bool IsOfSeason(const std::string& name);
 
 /// A list by one of those names; of a season's list that of the year, else of the current season. Raises
 /// Failure when the season cannot be told, or the records not be read.
-ExportList MakeExportList(League& league, const std::string& name, const std::optional<std::int32_t>& year);
+ExportList MakeExportList(DraftSession& draft, const std::string& name,
+                          const std::optional<std::int32_t>& year);
 
 }  // namespace cli

@@ -141,7 +141,7 @@ void History(Context& context) {
   std::vector<Accounts> accounts;
   std::string missing;
   for (const auto& season : AllSeasons(league, &missing)) {
-    past.push_back({season, AccountsOf(league, *season), PicksMadeIn(league, *season)});
+    past.push_back({season, AccountsOf(league, *season), PicksMadeIn(context.Draft(), *season)});
     accounts.push_back(past.back().accounts);
   }
   const Accounts all = SumOf(accounts);

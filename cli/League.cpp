@@ -4,10 +4,12 @@
 #include <exception>
 #include <limits>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "HLDataSrvc/CreateDataService.h"
+#include "HLDataSrvc/Host.h"
 #include "HLDataSrvc/ServiceDatabase.h"
-#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "jet/Error.h"
 #include "storage/HLServiceUtils.h"
@@ -53,7 +55,58 @@ auto WhileInUse(std::chrono::milliseconds patience, Work&& work) {
   }
 }
 
+constexpr const char* NameOf(HLIData::DBType kind) {
+  switch (kind) {
+    case HLIData::DBType::Test:
+      return "test";
+    case HLIData::DBType::Blank:
+      return "blank";
+    case HLIData::DBType::Backup:
+      return "backup";
+    case HLIData::DBType::Setup:
+      return "setup";
+    default:
+      return "live";
+  }
+}
+
+/// Raises why a league did not open, with what can be done about it.
+[[noreturn]] void RaiseNotOpened(const HLDataSrvc::Host& host, const LeagueOptions& options,
+                                 const std::string& path, const jet::Error& error) {
+  const std::string live = HLServiceUtils::GetDatabaseFileName(HLIData::DBType::Live, "", "");
+  if (HLServiceUtils::GetDatabaseFolder(host).empty()) {
+    throw Failure(ExitCode::CannotOpen, error.what(),
+                  "The folder " + options.folder + " has no '" + live +
+                      "', by which a league's folder is known; 'halcyra create' makes one.");
+  }
+  if (host.FindFile(path).empty()) {
+    throw Failure(ExitCode::CannotOpen, error.what(),
+                  "'halcyra --kind " + std::string(NameOf(options.kind)) + " create' makes one.");
+  }
+  throw Failure(ExitCodeOf(error.Number()), error.what());
+}
+
 }  // namespace
+
+/// The host of a league's service: its folder is the league's, and what it would show in a message box is
+/// kept, for the operation to fail with.
+class LeagueHost : public HLDataSrvc::Host {
+ public:
+  explicit LeagueHost(std::string folder) : m_folder(std::move(folder)), m_system(HLDataSrvc::SystemHost()) {}
+
+  std::string ApplicationFolder() const override { return m_folder; }
+  std::string FindFile(const std::string& path) const override { return m_system->FindFile(path); }
+  void ShowMessage(const std::string& text, const std::string& title) override;
+  std::chrono::year_month_day Today() const override { return m_system->Today(); }
+
+  /// The texts of the message boxes since they were last taken, oldest first, each on one line.
+  std::vector<std::string> TakeShown() { return std::exchange(m_shown, {}); }
+
+ private:
+  std::string m_folder;
+  std::shared_ptr<HLDataSrvc::Host> m_system;
+  std::vector<std::string> m_shown;
+};
 
 void LeagueHost::ShowMessage(const std::string& text, const std::string& title) {
   std::string line = title + ": " + text;
@@ -62,11 +115,13 @@ void LeagueHost::ShowMessage(const std::string& text, const std::string& title) 
   m_shown.push_back(std::move(line));
 }
 
-League::League(const Context& context, std::chrono::milliseconds patience)
-    : m_context(context),
-      m_host(std::make_shared<LeagueHost>(context.folder)),
-      m_draft(std::make_unique<DraftSession>(*this)) {
-  Open(patience);
+League::League(LeagueOptions options)
+    : m_options(std::move(options)), m_host(std::make_shared<LeagueHost>(m_options.folder)) {
+  Open(m_options.patience);
+}
+
+void League::Note(const std::string& text) const {
+  if (m_options.note) m_options.note(text);
 }
 
 void League::Open(std::chrono::milliseconds patience) {
@@ -74,12 +129,12 @@ void League::Open(std::chrono::milliseconds patience) {
   try {
     WhileInUse(patience, [&] {
       std::string message;
-      const bool isOpen = service->Initialize(m_context.Kind(), message);
-      m_path = HLServiceUtils::GetDatabasePath(*m_host, m_context.Kind(), "", "");
+      const bool isOpen = service->Initialize(m_options.kind, message);
+      m_path = HLServiceUtils::GetDatabasePath(*m_host, m_options.kind, "", "");
       if (!isOpen) RaiseOpeningError(*service, message);
     });
   } catch (const jet::Error& error) {
-    RaiseNotOpened(error);
+    RaiseNotOpened(*m_host, m_options, m_path, error);
   }
   const std::string shown = TakeShownMessages();  // settings that cannot be read; 'settings' mends them
   if (!shown.empty()) Note(shown);
@@ -87,7 +142,7 @@ void League::Open(std::chrono::milliseconds patience) {
 }
 
 HLIData::IDataService& League::Service() {
-  if (!m_service) Open(kPatience);
+  if (!m_service) Open(LeagueOptions::kPatience);
   return *m_service;
 }
 
@@ -99,7 +154,7 @@ std::string League::TakeShownMessages() {
     if (line.find(kPartialDraft) == std::string::npos) {
       text += (text.empty() ? "" : "\n") + line;
     } else if (m_partialDrafts.insert(line).second) {
-      m_context.messages.Note(line);
+      Note(line);
     }
   }
   return text;
@@ -156,29 +211,6 @@ void League::Reload() {
 std::size_t League::TextLength(const std::string& table, const std::string& column) {
   return HLDataSrvc::TextColumnLength(Service(), table, column)
       .value_or(std::numeric_limits<std::size_t>::max());
-}
-
-void League::RefuseUnsavedPicks(const std::string& command) {
-  const std::vector<std::int32_t> unsaved = m_draft->Unsaved();
-  if (unsaved.empty()) return;
-  throw Failure(
-      ExitCode::Refused,
-      "'" + command + "' reads the draft again, and changes of " + PickNumbers(unsaved) + " are not saved.",
-      "'draft save' saves them, 'draft revert' drops them.");
-}
-
-void League::RaiseNotOpened(const jet::Error& error) const {
-  const std::string live = HLServiceUtils::GetDatabaseFileName(HLIData::DBType::Live, "", "");
-  if (HLServiceUtils::GetDatabaseFolder(*m_host).empty()) {
-    throw Failure(ExitCode::CannotOpen, error.what(),
-                  "The folder " + m_context.folder + " has no '" + live +
-                      "', by which a league's folder is known; 'halcyra create' makes one.");
-  }
-  if (m_host->FindFile(m_path).empty()) {
-    throw Failure(ExitCode::CannotOpen, error.what(),
-                  "'halcyra --kind " + m_context.kindName + " create' makes one.");
-  }
-  throw Failure(ExitCodeOf(error.Number()), error.what());
 }
 
 }  // namespace cli

@@ -64,7 +64,7 @@ std::vector<std::shared_ptr<HLIData::IManagerInfo>> ManagersMeant(HLIData::ISeas
 
 void Join(Context& context, const Words& names) {
   League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("manager join");
+  context.Draft().RefuseUnsaved("manager join");
   const auto season = CurrentSeason(league);
   RequireRankingUnlocked(*season);
   const auto joining = AllMeant<HLIData::IManagerTmplInfo>(
@@ -91,17 +91,17 @@ void Join(Context& context, const Words& names) {
 }
 
 /// Raises Failure for a manager who has done more in the season than joining it.
-void RequireNothingDone(League& league, const HLIData::ISeasonInfo& season,
+void RequireNothingDone(DraftSession& draft, const HLIData::ISeasonInfo& season,
                         const HLIData::IManagerInfo& manager) {
-  const Picks& picks = league.Draft().Stored();
-  const std::vector<MisfitPick>& misfits = league.Draft().Misfits();
+  const Picks& picks = draft.Stored();
+  const std::vector<MisfitPick>& misfits = draft.Misfits();
   const auto noOfPicks = std::count_if(picks.begin(), picks.end(),
                                        [&](const Pick& pick) { return pick.managerID == manager.ID(); }) +
                          std::count_if(misfits.begin(), misfits.end(), [&](const MisfitPick& misfit) {
                            const bool isOutside = misfit.number < 1 || misfit.number > std::ssize(picks);
                            return isOutside && misfit.managerID == manager.ID();
                          });
-  const auto winnings = WinningsIn(league, season);
+  const auto winnings = WinningsIn(draft.TheLeague(), season);
   const auto noOfWinnings = std::count_if(winnings.begin(), winnings.end(), [&](const Winning& winning) {
     return winning.managerID == manager.ID();
   });
@@ -114,12 +114,12 @@ void RequireNothingDone(League& league, const HLIData::ISeasonInfo& season,
 
 void Leave(Context& context, const Words& names) {
   League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("manager leave");
+  context.Draft().RefuseUnsaved("manager leave");
   const auto season = CurrentSeason(league);
   RequireRankingUnlocked(*season);
   const auto leaving = ManagersMeant(*season, names);
   for (const auto& manager : leaving)
-    RequireNothingDone(league, *season, *manager);
+    RequireNothingDone(context.Draft(), *season, *manager);
   ChangeAndSave(league, "The managers", [&] {
     for (const auto& manager : leaving) {
       if (!season->RemoveManager(manager)) return false;
@@ -138,7 +138,7 @@ void Fee(Context& context, const Words& words) {
                   "'manager fee Ann paid', or several names before the last word.");
   }
   League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("manager fee");
+  context.Draft().RefuseUnsaved("manager fee");
   const auto season = CurrentSeason(league);
   RequireSeasonUnlocked(*season, "its fees");
   const auto managers = ManagersMeant(*season, Words(words.begin(), words.end() - 1));
@@ -153,13 +153,13 @@ void Fee(Context& context, const Words& words) {
 /// "NAME PLACE", or all names.
 void Rank(Context& context, const Words& words) {
   League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("manager rank");
+  context.Draft().RefuseUnsaved("manager rank");
   const auto season = CurrentSeason(league);
   RequireRankingUnlocked(*season);
   const auto place = words.size() == 2 ? WholeNumber(words.back()) : std::nullopt;
   const Ranking ranking =
       place ? RankingWithPlace(*season, words.front(), *place) : WholeRanking(*season, words);
-  const std::int32_t picksMade = PicksMadeIn(league, *season);
+  const std::int32_t picksMade = PicksMadeIn(context.Draft(), *season);
   ChangeAndSave(league, "The ranking", [&] {
     ApplyRanking(*season, ranking);
     return league.Service().SaveRanking();

@@ -40,7 +40,7 @@ std::string Summary(const HLIData::ISeasonInfo& season) {
 }  // namespace
 
 void PrintManagers(Context& context, const HLIData::ISeasonInfo& season) {
-  auto picks = PicksByManager(context.TheLeague(), season);
+  auto picks = PicksByManager(context.Draft(), season);
   if (context.json) {
     Json document;
     document["season"] = season.Year();

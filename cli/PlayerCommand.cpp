@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/Commands.h"
+#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
@@ -143,7 +144,7 @@ void Edit(Context& context, const EditOptions& options) {
 
 void Delete(Context& context, const DeleteOptions& options) {
   League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("player delete");
+  context.Draft().RefuseUnsaved("player delete");
   const std::string who = JoinedWords(options.who);
   const auto id = PlayerIDIn(who);
   std::shared_ptr<IPlayerInfo> player;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/Commands.h"
+#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/League.h"
@@ -82,9 +83,9 @@ void PrintSaved(Context& context) {
   context.messages.Note("The prizes were saved in " + context.TheLeague().Path() + ".");
 }
 
-std::shared_ptr<HLIData::ISeasonInfo> SeasonToChange(League& league, const std::string& command) {
-  league.RefuseUnsavedPicks(command);
-  auto season = CurrentSeason(league);
+std::shared_ptr<HLIData::ISeasonInfo> SeasonToChange(Context& context, const std::string& command) {
+  context.Draft().RefuseUnsaved(command);
+  auto season = CurrentSeason(context.TheLeague());
   RequireSeasonUnlocked(*season, "its prizes");
   PrizesOf(*season);
   return season;
@@ -92,7 +93,7 @@ std::shared_ptr<HLIData::ISeasonInfo> SeasonToChange(League& league, const std::
 
 void Set(Context& context, const Words& words) {
   League& league = context.TheLeague();
-  const auto season = SeasonToChange(league, "prize set");
+  const auto season = SeasonToChange(context, "prize set");
   const std::vector<PrizeAmount> wanted = UnderstoodAll(league, words);
   ChangeAndSave(league, "The prizes", [&] {
     for (const PrizeAmount& one : wanted) {
@@ -106,7 +107,7 @@ void Set(Context& context, const Words& words) {
 
 void Remove(Context& context, const Words& names) {
   League& league = context.TheLeague();
-  const auto season = SeasonToChange(league, "prize remove");
+  const auto season = SeasonToChange(context, "prize remove");
   const std::vector<Winning> winnings = WinningsIn(league, *season);
   std::vector<std::string> keys;
   for (const std::string& name : names) {

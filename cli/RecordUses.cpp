@@ -7,11 +7,11 @@
 #include "HLIData/IPickable.h"
 #include "HLIData/IPlayerInfo.h"
 #include "HLIData/ITeamInfo.h"
-#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Find.h"
 #include "cli/Numbers.h"
 #include "cli/Seasons.h"
+#include "cli/StoredDraft.h"
 
 namespace cli {
 namespace {
@@ -41,14 +41,15 @@ bool Any(const Items& items, const Fits& fits) {
 }
 
 std::string UsesOfManager(League& league, std::int32_t id) {
-  return InSeasons(
-      "Has a part in", YearsOf(league, [&league, id](const ISeasonInfo& season) {
-        const auto text = std::to_string(id);
-        const auto isHim = [id](const auto& manager) { return manager && manager->ID() == id; };
-        return Any(ManagersOf(season), isHim) ||
-               Any(PicksToShow(league, season), [id](const Pick& pick) { return pick.managerID == id; }) ||
-               Any(WinningsOf(season), [&](const auto& winning) { return winning->ManagerID() == text; });
-      }));
+  return InSeasons("Has a part in", YearsOf(league, [&league, id](const ISeasonInfo& season) {
+                     const auto text = std::to_string(id);
+                     const auto isHim = [id](const auto& manager) { return manager && manager->ID() == id; };
+                     return Any(ManagersOf(season), isHim) ||
+                            Any(ReadStoredDraft(league, season).picks,
+                                [id](const Pick& pick) { return pick.managerID == id; }) ||
+                            Any(WinningsOf(season),
+                                [&](const auto& winning) { return winning->ManagerID() == text; });
+                   }));
 }
 
 std::string UsesOfPrize(League& league, std::int32_t id) {
@@ -96,7 +97,7 @@ std::string Uses(League& league, HLIData::DeleteType type, std::int32_t id) {
 
 std::vector<std::int32_t> YearsDrafted(League& league, std::int32_t playerID) {
   return YearsOf(league, [&](const ISeasonInfo& season) {
-    return Any(PicksToShow(league, season), [playerID](const Pick& pick) {
+    return Any(ReadStoredDraft(league, season).picks, [playerID](const Pick& pick) {
       return pick.type == HLIData::PickType::Player && pick.id == playerID;
     });
   });

@@ -45,7 +45,7 @@ void MakeCurrent(League& league, std::int32_t year) {
 
 void Use(Context& context, std::int32_t year, bool create) {
   League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("season use");
+  context.Draft().RefuseUnsaved("season use");
   RequireInRange("The year", year, kFirstYear, kLastYear);
   const bool isNew = SeasonsOfYear(league, year).empty();
   if (isNew && !create) {
@@ -63,14 +63,21 @@ void Use(Context& context, std::int32_t year, bool create) {
   }
 }
 
+void Set(Context& context, const SeasonSettings& settings) {
+  League& league = context.TheLeague();
+  ChangeSeason(context.Draft(), settings);
+  PrintSeason(context, *CurrentSeason(league));
+  context.messages.Note("The season was saved in " + league.Path() + ".");
+}
+
 /// What is missing before a ranking can be locked; empty when it is complete.
 std::string WhatRankingLacks(const HLIData::ISeasonInfo& season) {
   return DraftOrder(season).WhyUnsettled();
 }
 
 /// What is missing before a draft can be locked; empty when it is complete.
-std::string WhatDraftLacks(League& league, const HLIData::ISeasonInfo& season) {
-  const std::int32_t made = PicksMadeIn(league, season);
+std::string WhatDraftLacks(DraftSession& draft, const HLIData::ISeasonInfo& season) {
+  const std::int32_t made = PicksMadeIn(draft, season);
   const std::int32_t all = DraftsOf(season).Count();
   if (made == all && all > 0) return {};
   return "Of " + CountOf(all, "pick") + ", " + std::to_string(made) + (made == 1 ? " is" : " are") + " made.";
@@ -78,7 +85,7 @@ std::string WhatDraftLacks(League& league, const HLIData::ISeasonInfo& season) {
 
 void Lock(Context& context, const std::string& what, bool isSure) {
   League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("season lock");
+  context.Draft().RefuseUnsaved("season lock");
   const auto season = CurrentSeason(league);
   const bool isRanking = what == "ranking";
   const std::string name = "The " + what + " of the season " + std::to_string(season->Year());
@@ -88,7 +95,7 @@ void Lock(Context& context, const std::string& what, bool isSure) {
     context.messages.Note(name + " is locked already.");
     return;
   }
-  const std::string lacks = isRanking ? WhatRankingLacks(*season) : WhatDraftLacks(league, *season);
+  const std::string lacks = isRanking ? WhatRankingLacks(*season) : WhatDraftLacks(context.Draft(), *season);
   if (!lacks.empty() && !isSure && !context.Confirm(lacks + " Lock the " + what + " for good?")) {
     throw Failure(ExitCode::Refused, name + " is not complete. " + lacks,
                   "This cannot be undone. Use --yes to lock it anyway.");
@@ -135,7 +142,7 @@ void AddSet(Command& season) {
   add("--weeks", settings->weeks, "all weeks, the regular ones included");
   command.AddOption("--started", settings->hasStarted, "whether play has begun");
   command.AddOption("--season-locked", settings->isLocked, "whether the season is closed to changes");
-  command.Runs(SetSeason, settings);
+  command.Runs(Set, settings);
 }
 
 void AddLock(Command& season) {

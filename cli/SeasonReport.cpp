@@ -28,16 +28,16 @@ std::string PartOf(std::int32_t part, std::int32_t whole) {
 
 }  // namespace
 
-Json SeasonJson(League& league, const HLIData::ISeasonInfo& season) {
+Json SeasonJson(DraftSession& draft, const HLIData::ISeasonInfo& season) {
   Json json;
   json["id"] = season.ID();
   json["year"] = season.Year();
-  json["isCurrent"] = IsCurrent(league, season);
+  json["isCurrent"] = IsCurrent(draft.TheLeague(), season);
   json["noOfManagers"] = season.NoOfManagers();
   json["managersPlaying"] = ManagersOf(season).Count();
   json["noOfRounds"] = season.NoOfRounds();
   json["noOfPicks"] = DraftsOf(season).Count();
-  json["picksMade"] = PicksMadeIn(league, season);
+  json["picksMade"] = PicksMadeIn(draft, season);
   json["moneyContribution"] = season.MoneyContribution();
   json["noOfRegularWeeks"] = season.NoOfRegularWeeks();
   json["totalNoOfWeeks"] = season.TotalNoOfWeeks();
@@ -53,7 +53,7 @@ Json SeasonJson(League& league, const HLIData::ISeasonInfo& season) {
 void PrintSeason(Context& context, const HLIData::ISeasonInfo& season) {
   League& league = context.TheLeague();
   if (context.json) {
-    context.output.Line(JsonText(SeasonJson(league, season)));
+    context.output.Line(JsonText(SeasonJson(context.Draft(), season)));
     return;
   }
   const auto line = [&context](const std::string& name, const std::string& text) {
@@ -69,7 +69,7 @@ void PrintSeason(Context& context, const HLIData::ISeasonInfo& season) {
   line("weeks", text(season.TotalNoOfWeeks()) + ", " + text(season.NoOfRegularWeeks()) + " of them regular");
   line("started", season.HasSeasonStarted() ? "yes" : "no");
   line("locked", LocksText(season));
-  line("picks", text(PicksMadeIn(league, season)) + " of " + text(DraftsOf(season).Count()));
+  line("picks", text(PicksMadeIn(context.Draft(), season)) + " of " + text(DraftsOf(season).Count()));
   line("prizes", text(PrizesOf(season).Count()));
   line("winnings", text(WinningsOf(season).Count()));
 }
@@ -79,7 +79,7 @@ void PrintSeasons(Context& context, const std::vector<std::shared_ptr<HLIData::I
   if (context.json) {
     Json document = Json::Array();
     for (const auto& season : seasons)
-      document.Append(SeasonJson(league, *season));
+      document.Append(SeasonJson(context.Draft(), *season));
     context.output.Line(JsonText(document));
     return;
   }
@@ -97,7 +97,7 @@ void PrintSeasons(Context& context, const std::vector<std::shared_ptr<HLIData::I
     table.Add({IsCurrent(league, *season) ? "*" : "", std::to_string(season->Year()),
                std::to_string(season->ID()), PartOf(ManagersOf(*season).Count(), season->NoOfManagers()),
                std::to_string(season->NoOfRounds()),
-               PartOf(PicksMadeIn(league, *season), DraftsOf(*season).Count()),
+               PartOf(PicksMadeIn(context.Draft(), *season), DraftsOf(*season).Count()),
                std::to_string(season->TotalNoOfWeeks()), season->HasSeasonStarted() ? "yes" : "no",
                LocksText(*season)});
   }

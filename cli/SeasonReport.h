@@ -7,7 +7,7 @@
 namespace cli {
 
 /// Everything about a season but its records, as JSON.
-Json SeasonJson(League& league, const HLIData::ISeasonInfo& season);
+Json SeasonJson(DraftSession& draft, const HLIData::ISeasonInfo& season);
 
 /// Prints the same, a line a fact, or as JSON.
 void PrintSeason(Context& context, const HLIData::ISeasonInfo& season);

@@ -9,7 +9,6 @@
 #include "cli/League.h"
 #include "cli/Locks.h"
 #include "cli/Numbers.h"
-#include "cli/SeasonReport.h"
 #include "cli/Seasons.h"
 #include "storage/Schema.h"
 
@@ -41,15 +40,15 @@ struct PicksMade {
 };
 
 /// Those of the current season.
-PicksMade PicksStored(League& league) {
+PicksMade PicksStored(DraftSession& draft) {
   PicksMade made;
-  const Picks& picks = league.Draft().Stored();
+  const Picks& picks = draft.Stored();
   for (std::size_t i = 0; i < picks.size(); ++i) {
     if (picks[i].IsEmpty()) continue;
     made.last = static_cast<std::int32_t>(i) + 1;
     ++made.count;
   }
-  for (const MisfitPick& misfit : league.Draft().Misfits()) {
+  for (const MisfitPick& misfit : draft.Misfits()) {
     if (misfit.number < 1 || misfit.number > std::ssize(picks)) ++made.count;
     made.last = std::max(made.last, misfit.number);
   }
@@ -58,8 +57,9 @@ PicksMade PicksStored(League& league) {
 
 /// The picks stand under their numbers: a round of another length would give them to other rounds, and a
 /// stored pick beyond the end does not fit any more.
-void CheckDraftSize(League& league, const ISeasonInfo& season, std::int32_t managers, std::int32_t rounds) {
-  const PicksMade made = PicksStored(league);
+void CheckDraftSize(DraftSession& draft, const ISeasonInfo& season, std::int32_t managers,
+                    std::int32_t rounds) {
+  const PicksMade made = PicksStored(draft);
   const std::int64_t size = std::int64_t{season.NoOfManagers()} * season.NoOfRounds();
   // The picks of a season without a draft size have no rounds yet: only the new size has to hold them.
   const bool hasSize =
@@ -78,7 +78,7 @@ void CheckDraftSize(League& league, const ISeasonInfo& season, std::int32_t mana
   }
 }
 
-void CheckDraft(League& league, const ISeasonInfo& season, const SeasonSettings& settings) {
+void CheckDraft(DraftSession& draft, const ISeasonInfo& season, const SeasonSettings& settings) {
   const std::int32_t managers = settings.managers.value_or(season.NoOfManagers());
   const std::int32_t rounds = settings.rounds.value_or(season.NoOfRounds());
   const bool changesManagers = managers != season.NoOfManagers();
@@ -89,7 +89,7 @@ void CheckDraft(League& league, const ISeasonInfo& season, const SeasonSettings&
   if (!changesManagers && rounds == season.NoOfRounds()) return;
   if (changesManagers) RequireRankingUnlocked(season);
   RequireDraftUnlocked(season);
-  CheckDraftSize(league, season, managers, rounds);
+  CheckDraftSize(draft, season, managers, rounds);
   const std::int32_t playing = ManagersOf(season).Count();
   if (changesManagers && managers < playing) {
     throw Failure(ExitCode::Refused,
@@ -121,11 +121,11 @@ void CheckWeeks(const ISeasonInfo& season, const SeasonSettings& settings) {
   }
 }
 
-void Check(League& league, const ISeasonInfo& season, const SeasonSettings& settings) {
+void Check(DraftSession& draft, const ISeasonInfo& season, const SeasonSettings& settings) {
   const bool unlocks = settings.isLocked && !*settings.isLocked;
   if (!unlocks) RequireSeasonUnlocked(season, "its settings");
-  if (settings.year) CheckYear(league, season, *settings.year);
-  CheckDraft(league, season, settings);
+  if (settings.year) CheckYear(draft.TheLeague(), season, *settings.year);
+  CheckDraft(draft, season, settings);
   if (settings.contribution) {
     RequireInRange("The contribution", *settings.contribution, 0, std::numeric_limits<std::int32_t>::max());
   }
@@ -151,20 +151,18 @@ bool SeasonSettings::IsEmpty() const {
          !isLocked;
 }
 
-void SetSeason(Context& context, const SeasonSettings& settings) {
+void ChangeSeason(DraftSession& draft, const SeasonSettings& settings) {
   if (settings.IsEmpty()) {
     throw Failure(ExitCode::WrongUsage, "Say what to set.", "'season set --help' lists what a season has.");
   }
-  League& league = context.TheLeague();
-  league.RefuseUnsavedPicks("season set");
+  League& league = draft.TheLeague();
+  draft.RefuseUnsaved("season set");
   const auto season = CurrentSeason(league);
-  Check(league, *season, settings);
+  Check(draft, *season, settings);
   ChangeAndSave(league, "The season's settings", [&] {
     Apply(*season, settings);
     return league.Service().SaveCurrentSeasonInfo();
   });
-  PrintSeason(context, *CurrentSeason(league));
-  context.messages.Note("The season was saved in " + league.Path() + ".");
 }
 
 }  // namespace cli

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <optional>
 
-#include "cli/Context.h"
+#include "cli/DraftSession.h"
 
 namespace cli {
 
-/// What `season set` was told; what is left out stays as it is.
+/// Settings of a season to change; what is left out stays as it is.
 struct SeasonSettings {
   std::optional<std::int32_t> year;
   std::optional<std::int32_t> managers;
@@ -18,13 +18,13 @@ struct SeasonSettings {
   std::optional<bool> hasStarted;
   std::optional<bool> isLocked;
 
-  /// Nothing was told.
+  /// There is nothing to change.
   bool IsEmpty() const;
 };
 
-/// Changes settings of the current season, saves and prints it. Raises Failure, before anything is changed,
+/// Changes settings of the current season, and saves it. Raises Failure, before anything is changed,
 /// for a value out of range, for one that does not go with the others, with who takes part, with the picks or
 /// the winnings that there are, and for a lock.
-void SetSeason(Context& context, const SeasonSettings& settings);
+void ChangeSeason(DraftSession& draft, const SeasonSettings& settings);
 
 }  // namespace cli

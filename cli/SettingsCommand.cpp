@@ -4,6 +4,7 @@
 
 #include "HLDataSrvc/ServiceDatabase.h"
 #include "cli/Commands.h"
+#include "cli/DraftSession.h"
 #include "cli/ExitCode.h"
 #include "cli/Json.h"
 #include "cli/League.h"
@@ -24,7 +25,7 @@ void RequireSeason(League& league, std::int32_t id) {
 
 void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
   League& league = context.TheLeague();
-  if (newSeason) league.RefuseUnsavedPicks("settings");
+  if (newSeason) context.Draft().RefuseUnsaved("settings");
   const auto settings = league.Service().GetSettings();
   league.RaiseShownMessages();
   if (newSeason) {

@@ -55,7 +55,7 @@ ExitCode Shell::Run() {
 
 bool Shell::ReadLine(std::string& line) {
   if (m_input.isInteractive) {
-    const bool isUnsaved = !m_context.TheLeague().Draft().Unsaved().empty();
+    const bool isUnsaved = !m_context.Draft().Unsaved().empty();
     m_context.messages.Prompt(isUnsaved ? "halcyra*> " : "halcyra> ");
   }
   if (!std::getline(m_input.lines, line)) return false;
@@ -78,7 +78,7 @@ void Shell::RunLine(const std::string& line) {
       where);
   // What was done stays done when its page cannot be written.
   const ExitCode published = Attempt(
-      m_context.output, m_context.messages, [this] { m_context.TheLeague().Draft().Publish(); }, where);
+      m_context.output, m_context.messages, [this] { m_context.Draft().Publish(); }, where);
   if (!m_input.isInteractive && published != ExitCode::Done) KeepFirst(published);
   if (code == ExitCode::Done || m_input.isInteractive) return;
   KeepFirst(code);
@@ -138,7 +138,7 @@ void Shell::AskAndLeave(const std::string& unsaved) {
   }
   const std::string word = LowerCase(*answer);
   if (word == "y" || word == "yes") {
-    m_context.TheLeague().Draft().Save();
+    m_context.Draft().Save();
     m_context.messages.Note("The draft was saved.");
     m_leaves = true;
   } else if (word == "n" || word == "no") {
@@ -159,7 +159,7 @@ void Shell::EndOfLines() {
 }
 
 std::string Shell::UnsavedText() const {
-  const std::vector<std::int32_t> unsaved = m_context.TheLeague().Draft().Unsaved();
+  const std::vector<std::int32_t> unsaved = m_context.Draft().Unsaved();
   if (unsaved.empty()) return {};
   return (unsaved.size() == 1 ? "A change of " : "Changes of ") + PickNumbers(unsaved) +
          (unsaved.size() == 1 ? " is not saved" : " are not saved");

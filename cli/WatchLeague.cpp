@@ -7,6 +7,7 @@
 #include <system_error>
 #include <thread>
 #include <tuple>
+#include <utility>
 
 #include "cli/ExitCode.h"
 #include "cli/League.h"
@@ -44,7 +45,9 @@ void WatchLeague(Context& context, const std::function<std::string(League&)>& te
     const Stamp now = StampOf(context.LeaguePath());
     if (seen == now) continue;
     try {
-      std::optional<League> league(std::in_place, context, /*patience=*/0ms);
+      LeagueOptions options = context.Options();
+      options.patience = 0ms;
+      std::optional<League> league(std::in_place, std::move(options));
       std::string told = text(*league);
       league.reset();
       seen = now;

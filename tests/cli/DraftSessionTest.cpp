@@ -56,10 +56,10 @@ TEST_F(DraftSessionTest, KeepsItsPicksWhenSavingFails) {
     m_engine->callsLeft = -1;
     EXPECT_EQ(Draft().Current(), played) << calls;
     EXPECT_FALSE(Draft().Unsaved().empty()) << calls;
-    EXPECT_THROW(League().RefuseUnsavedPicks("season use"), Failure);
+    EXPECT_THROW(Draft().RefuseUnsaved("season use"), Failure);
   }
   Draft().Save();
-  EXPECT_NO_THROW(League().RefuseUnsavedPicks("season use"));
+  EXPECT_NO_THROW(Draft().RefuseUnsaved("season use"));
   EXPECT_EQ(StoredPicks(), played);
 }
 

@@ -58,7 +58,7 @@ class DraftTest : public testing::Test {
   }
 
   cli::League& League() { return m_context->TheLeague(); }
-  DraftSession& Draft() { return League().Draft(); }
+  DraftSession& Draft() { return m_context->Draft(); }
 
   /// Closes the league and opens it again, with nothing in memory.
   void Reopen() {

@@ -86,7 +86,7 @@ TEST_F(MendingTest, PicksBehindARowThatDoesNotFitAreShownAndKept) {
   EXPECT_NE(Refusal([&] { Pick("P" + std::to_string(picks[9].id), 4); }).find("pick 10"), std::string::npos)
       << "whoever stands at a pick behind is taken";
   EXPECT_NE(Refusal([&] { Pick(outside, 4); }).find("'draft clear 99'"), std::string::npos);
-  EXPECT_EQ(PicksMadeIn(League(), Draft().Season()), 11) << "as the rows have them";
+  EXPECT_EQ(PicksMadeIn(Draft(), Draft().Season()), 11) << "as the rows have them";
 
   // Each is mended by its number, and no other row changes.
   Pick("P200", 4);
