@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/DraftBoard.h"
-#include "cli/Utf8.h"
+#include "cli/output/DraftBoard.h"
+#include "league/Utf8.h"
 #include "records/DraftInfo.h"
 #include "records/HLUtils.h"
 #include "records/ManagerInfo.h"
@@ -14,6 +14,9 @@
 #include "records/SeasonInfo.h"
 
 namespace cli {
+
+using namespace HLLeague;
+
 namespace {
 
 namespace Records = HLDataSrvc;

@@ -1,9 +1,12 @@
-#include "cli/DraftSession.h"
-#include "cli/ExitCode.h"
-#include "cli/Players.h"
+#include "HLLeague/DraftSession.h"
+#include "HLLeague/Failure.h"
+#include "HLLeague/Players.h"
 #include "tests/cli/DraftTest.h"
 
 namespace cli::test {
+
+using namespace HLLeague;
+
 namespace {
 
 using DraftSessionTest = DraftTest;
@@ -90,7 +93,7 @@ TEST_F(DraftSessionTest, ShowsTheRecordsOfTheServiceAfterARollback) {
     EXPECT_THROW(League().Transact("Not saved.",
                                    [&] {
                                      SavePlayer(League(), values, id);
-                                     throw Failure(ExitCode::Refused, "No.");
+                                     throw Failure(FailureKind::Refused, "No.");
                                    }),
                  Failure);
     EXPECT_EQ(nameAt(hasUnsaved ? 1 : 0), name);

@@ -11,17 +11,19 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/Context.h"
-#include "cli/DraftSession.h"
-#include "cli/Find.h"
-#include "cli/League.h"
-#include "cli/Picks.h"
+#include "HLLeague/DraftSession.h"
+#include "HLLeague/Find.h"
+#include "HLLeague/League.h"
+#include "HLLeague/Picks.h"
+#include "cli/commands/Context.h"
 #include "jet/Error.h"
 #include "jet/dao/DBEngine.h"
 #include "storage/HLServiceUtils.h"
 #include "tests/support/TestFiles.h"
 
 namespace cli::test {
+
+using namespace HLLeague;
 
 /// Fails the engine's call of a number, and perhaps every one after it, and keeps the calls.
 struct FailingEngine final : jet::CallObserver {
@@ -57,7 +59,7 @@ class DraftTest : public testing::Test {
     HLDataSrvc::HLServiceUtils::ReplaceEngine({});
   }
 
-  cli::League& League() { return m_context->TheLeague(); }
+  HLLeague::League& League() { return m_context->TheLeague(); }
   DraftSession& Draft() { return m_context->Draft(); }
 
   /// Closes the league and opens it again, with nothing in memory.

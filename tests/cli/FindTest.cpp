@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "cli/ExitCode.h"
-#include "cli/Find.h"
+#include "HLLeague/Failure.h"
+#include "HLLeague/Find.h"
 
 namespace cli {
+
+using namespace HLLeague;
+
 namespace {
 
 const std::vector<Candidate> kManagers = {{3, "Lee", "Ann Lee"},

@@ -4,17 +4,20 @@
 #include <functional>
 
 #include "HLDataSrvc/ServiceDatabase.h"
-#include "cli/DraftPicking.h"
-#include "cli/ExitCode.h"
-#include "cli/Pickables.h"
-#include "cli/Players.h"
-#include "cli/Prizes.h"
-#include "cli/Seasons.h"
+#include "HLLeague/Failure.h"
+#include "HLLeague/Pickables.h"
+#include "HLLeague/Players.h"
+#include "HLLeague/Prizes.h"
+#include "HLLeague/Seasons.h"
+#include "cli/commands/DraftPicking.h"
 #include "storage/LeagueCsv.h"
 #include "storage/LeagueFile.h"
 #include "tests/cli/DraftTest.h"
 
 namespace cli::test {
+
+using namespace HLLeague;
+
 namespace {
 
 using HLDataSrvc::EditRows;
@@ -66,7 +69,7 @@ class MendingTest : public DraftTest {
 
 TEST_F(MendingTest, PicksBehindARowThatDoesNotFitAreShownAndKept) {
   const auto rows = Rows();
-  const cli::Pick ninth = Draft().Current()[8];
+  const HLLeague::Pick ninth = Draft().Current()[8];
   const std::string outside = (ninth.type == HLIData::PickType::Team ? "T" : "P") + std::to_string(ninth.id);
   EditPick(4, "manager id", "1");  // who does not take part
   EditPick(9, "draft no", "99");

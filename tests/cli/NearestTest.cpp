@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "cli/Nearest.h"
+#include "league/Nearest.h"
 
 namespace cli {
+
+using namespace HLLeague;
+
 namespace {
 
 TEST(TypingDistance, CountsLeftOutAddedChangedAndSwappedLetters) {

@@ -6,10 +6,13 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/ExitCode.h"
-#include "cli/RowWriter.h"
+#include "HLLeague/Failure.h"
+#include "cli/output/RowWriter.h"
 
 namespace cli {
+
+using namespace HLLeague;
+
 namespace {
 
 /// What the writer of a format makes of one row under columns named a, b, c ...
@@ -73,7 +76,7 @@ TEST(Output, WhatTheStreamDoesNotTakeIsAFailureOfTheSystem) {
     output.Flush();
     FAIL() << "a stream for reading took a line";
   } catch (const Failure& failure) {
-    EXPECT_EQ(failure.Code(), ExitCode::SystemFailed);
+    EXPECT_EQ(failure.Kind(), FailureKind::SystemFailed);
   }
 }
 

@@ -1,10 +1,13 @@
 #include <algorithm>
 #include <random>
 
-#include "cli/ExitCode.h"
+#include "HLLeague/Failure.h"
 #include "tests/cli/DraftTest.h"
 
 namespace cli::test {
+
+using namespace HLLeague;
+
 namespace {
 
 class SaveDraftTest : public DraftTest {

@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "cli/ExitCode.h"
-#include "cli/ScriptWords.h"
+#include "HLLeague/Failure.h"
+#include "cli/line/ScriptWords.h"
 
 namespace cli {
+
+using namespace HLLeague;
+
 namespace {
 
 using Words = std::vector<std::string>;

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "cli/Utf8.h"
+#include "league/Utf8.h"
 
 namespace cli {
+
+using namespace HLLeague;
+
 namespace {
 
 TEST(DisplayWidth, CountsColumnsNotBytes) {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/App.h"
+#include "cli/line/App.h"
 #include "jet/dao/DBEngine.h"
 #include "jet/dao/Recordset.h"
 #include "storage/HLServiceUtils.h"

@@ -1,0 +1,64 @@
+#include "cli/commands/Context.h"
+
+#include <iostream>
+
+#include "HLLeague/DraftSession.h"
+#include "HLLeague/League.h"
+#include "league/Utf8.h"
+#include "storage/HLServiceUtils.h"
+
+namespace cli {
+
+using namespace HLLeague;
+
+Context::Context(Output& out, Messages& err) : output(out), messages(err) {}
+
+Context::~Context() = default;
+
+League& Context::TheLeague() {
+  if (!m_league) m_league = std::make_unique<League>(Options());
+  return *m_league;
+}
+
+DraftSession& Context::Draft() {
+  if (!m_draft) m_draft = std::make_unique<DraftSession>(TheLeague());
+  return *m_draft;
+}
+
+LeagueOptions Context::Options() {
+  return {.folder = folder, .kind = Kind(), .note = [this](const std::string& text) { messages.Note(text); }};
+}
+
+std::optional<std::string> Context::Ask(const std::string& question) {
+  if (!canAsk) return std::nullopt;
+  messages.Prompt(question);
+  std::string answer;
+  if (!std::getline(std::cin, answer)) return std::nullopt;
+  constexpr const char* kBlanks = " \t\r";
+  answer.erase(0, answer.find_first_not_of(kBlanks));
+  answer.erase(answer.find_last_not_of(kBlanks) + 1);
+  return answer;
+}
+
+bool Context::Confirm(const std::string& question) {
+  const std::string answer = LowerCase(Ask(question + " [yes, no] ").value_or(""));
+  return answer == "y" || answer == "yes";
+}
+
+HLIData::DBType Context::Kind() const {
+  if (kindName == "test") return HLIData::DBType::Test;
+  if (kindName == "blank") return HLIData::DBType::Blank;
+  if (kindName == "backup") return HLIData::DBType::Backup;
+  if (kindName == "setup") return HLIData::DBType::Setup;
+  return HLIData::DBType::Live;
+}
+
+std::string Context::PathInFolder(const std::string& fileName) const {
+  return folder + "\\" + fileName;
+}
+
+std::string Context::LeaguePath() const {
+  return PathInFolder(HLDataSrvc::HLServiceUtils::GetDatabaseFileName(Kind(), "", ""));
+}
+
+}  // namespace cli

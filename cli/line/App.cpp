@@ -1,0 +1,28 @@
+#include "cli/line/App.h"
+
+#include <utility>
+
+#include "cli/commands/Context.h"
+#include "cli/line/CommandLine.h"
+#include "cli/output/System.h"
+
+namespace cli {
+
+ExitCode Run(const std::vector<std::string>& words, Output& output, Messages& messages) {
+  ExitCode exitCode = ExitCode::Done;
+  const ExitCode code = Attempt(output, messages, [&] {
+    Context context(output, messages);
+    context.canAsk = IsTerminal(stdin) && IsTerminal(stderr);
+    CommandLine line(context, CommandLine::Reader::Program);
+    if (!line.Parse(words)) return;
+    messages.SetQuiet(context.quiet);
+    if (context.folder.empty()) context.folder = ProgramFolder();
+    // A shell gives the context other actions while its own is under way.
+    const auto action = std::exchange(context.action, nullptr);
+    action();
+    exitCode = context.exitCode;
+  });
+  return code == ExitCode::Done ? exitCode : code;
+}
+
+}  // namespace cli
