@@ -1,29 +1,41 @@
 #include "storage/FileInMaking.h"
 
+#include <utility>
+
 #include "jet/Error.h"
 #include "jet/dao/DBEngine.h"
 #include "storage/HLServiceUtils.h"
 
 namespace HLDataSrvc {
 
-FileInMaking::FileInMaking(const std::string& target) : m_target(target), m_path(target + ".being-made") {
-  HLServiceUtils::Engine().RemoveDatabase(m_path);
-}
+using HLServiceUtils::Engine;
+
+FileInMaking::FileInMaking(const std::string& target)
+    : m_target(target), m_path(Engine().NameInMaking(target)) {}
 
 FileInMaking::~FileInMaking() {
+  m_file.reset();
   try {
-    HLServiceUtils::Engine().RemoveDatabase(m_path);
+    Engine().RemoveDatabase(m_path);
   } catch (const jet::Error&) {
-    // The next making of the file tries again.
+    // The next making of a file tries again.
   }
 }
 
+void FileInMaking::Finish(jet::Database& database) {
+  m_file = Engine().Release(database);
+}
+
 void FileInMaking::PutInPlace() {
-  HLServiceUtils::Engine().ReplaceDatabase(m_target, m_path);
+  Engine().PlaceDatabase(m_target, m_path, std::move(m_file));
+}
+
+void FileInMaking::PutInPlaceOf(std::shared_ptr<jet::File> held) {
+  Engine().ReplaceDatabase(m_target, std::move(held), m_path, std::move(m_file));
 }
 
 void FileInMaking::PutInPlaceOf(jet::Database& database) {
-  HLServiceUtils::Engine().ReplaceDatabase(database, m_path);
+  Engine().ReplaceDatabase(database, m_path, std::move(m_file));
 }
 
 }  // namespace HLDataSrvc

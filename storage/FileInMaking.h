@@ -1,19 +1,21 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace jet {
 class Database;
-}
+class File;
+}  // namespace jet
 
 namespace HLDataSrvc {
 
 /// A database file that is made beside the place where it goes, so that at its place there is always a whole
-/// one: whatever was there before, or the new one. What is not put in its place is removed; what a crash
-/// leaves over, the next making of the same file removes.
+/// one: whatever was there before, or the new one. Its lock is held from the moment it is finished. What is
+/// not put in its place is removed; what a crash leaves, the next making of a file in that folder removes.
 class FileInMaking {
  public:
-  /// `target` is where the file goes. Raises what the removal of a left-over raises.
+  /// `target` is where the file goes.
   explicit FileInMaking(const std::string& target);
   ~FileInMaking();
   FileInMaking(const FileInMaking&) = delete;
@@ -21,16 +23,25 @@ class FileInMaking {
 
   /// Where to make it.
   const std::string& Path() const { return m_path; }
+  /// Takes the finished file.
+  void Finish(std::shared_ptr<jet::File> file) { m_file = std::move(file); }
+  /// The same with a database that is open, and is closed.
+  void Finish(jet::Database& database);
 
-  /// Puts the finished, closed file in its place. Raises jet::Error: FileInUse or FileHeldExclusively when
-  /// somebody has the file open that is there, PermissionDenied.
+  // Each puts the finished file in its place. Raises jet::Error, PermissionDenied for one; an uncertain error
+  // if the file is there, but may not survive a power cut.
+
+  /// Where nothing is. Raises ObjectExists when something has come there meanwhile.
   void PutInPlace();
-  /// The same in the place of a database that is open here, and is closed.
+  /// In the place of a file, which `held` is.
+  void PutInPlaceOf(std::shared_ptr<jet::File> held);
+  /// In the place of a database that is open here, and is closed.
   void PutInPlaceOf(jet::Database& database);
 
  private:
   std::string m_target;
   std::string m_path;
+  std::shared_ptr<jet::File> m_file;
 };
 
 }  // namespace HLDataSrvc

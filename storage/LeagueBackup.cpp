@@ -8,6 +8,7 @@
 #include "jet/dao/Database.h"
 #include "storage/FileInMaking.h"
 #include "storage/HLServiceUtils.h"
+#include "storage/HeldLeague.h"
 
 namespace HLDataSrvc {
 namespace {
@@ -31,30 +32,13 @@ jet::CheckReport RequireSound(const jet::Database& database) {
 
 void CopyTo(jet::Database& database, const std::string& backup) {
   FileInMaking copy(backup);
-  Engine().CopyDatabase(database, copy.Path());
+  copy.Finish(Engine().CopyDatabase(database, copy.Path(), database.Name()));
   copy.PutInPlace();
 }
 
 void RequireFree(const std::string& path) {
   if (Engine().HasFile(path))
     throw jet::Error(jet::ErrorNumber::ObjectExists, "File " + path + " is there already.");
-}
-
-/// Whether a file does not open because of what is in it. Other errors may go away.
-bool IsUnreadable(jet::ErrorNumber number) {
-  using enum jet::ErrorNumber;
-  return number == NotADatabase || number == DamagedFile || number == PasswordRejected ||
-         number == LogDoesNotBelong || number == FileTooLarge;
-}
-
-/// The league file, open; none when it cannot be read.
-std::shared_ptr<jet::Database> OpenIfReadable(const std::string& path) {
-  try {
-    return OpenExclusively(path);
-  } catch (const jet::Error& error) {
-    if (!IsUnreadable(error.Number())) throw;
-    return nullptr;
-  }
 }
 
 }  // namespace
@@ -76,20 +60,28 @@ Replaced RestoreLeague(const std::string& backup, const std::string& path, const
                                             HLServiceUtils::GetConnectString());
   if (!acceptDamage) RequireSound(*source);
   FileInMaking file(path);
-  Engine().CopyDatabase(*source, file.Path());
   if (!Engine().HasFile(path)) {
-    const bool hasLog = Engine().HasFile(jet::LogNameFor(path));
-    if (hasLog) Engine().RenameDatabase(jet::LogNameFor(path), jet::LogNameFor(kept));
+    file.Finish(Engine().CopyDatabase(*source, file.Path(), backup));
+    const std::string log = jet::LogNameFor(path);
+    const bool hasLog = Engine().HasFile(log);
+    if (hasLog) Engine().RenameDatabase(log, Engine().Hold(log), jet::LogNameFor(kept));
     file.PutInPlace();
     return hasLog ? Replaced::LogOnly : Replaced::Nothing;
   }
-  if (const auto league = OpenIfReadable(path)) {
-    CopyTo(*league, kept);
-    file.PutInPlaceOf(*league);
+  const HeldLeague league = HoldLeague(path);
+  file.Finish(Engine().CopyDatabase(*source, file.Path(), path));
+  if (league.database) {
+    CopyTo(*league.database, kept);
+    file.PutInPlaceOf(*league.database);
     return Replaced::Whole;
   }
-  Engine().RenameDatabase(path, kept);
-  file.PutInPlace();
+  Engine().RenameDatabase(path, league.file, kept);
+  try {
+    file.PutInPlace();
+  } catch (const jet::Error& error) {
+    if (!error.IsUncertain()) Engine().RenameDatabase(kept, league.file, path);
+    throw;
+  }
   return Replaced::Unreadable;
 }
 
@@ -97,8 +89,9 @@ Compacted CompactLeague(const std::string& path, const std::string& kept) {
   const auto league = OpenExclusively(path);
   const jet::CheckReport before = league->Check();
   FileInMaking file(path);
-  Engine().CompactDatabase(*league, file.Path());
-  const std::uint32_t pagesAfter = RequireSound(*OpenExclusively(file.Path())).pages;
+  const auto compacted = Engine().CompactDatabase(*league, file.Path());
+  const std::uint32_t pagesAfter = RequireSound(*compacted).pages;
+  file.Finish(*compacted);
   if (!before.findings.empty()) {
     RequireFree(kept);
     CopyTo(*league, kept);

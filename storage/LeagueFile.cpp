@@ -3,15 +3,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <system_error>
 
 #include "jet/Error.h"
 #include "jet/dao/DBEngine.h"
 #include "jet/dao/Database.h"
 #include "jet/dao/Recordset.h"
-#include "platform/Paths.h"
 #include "storage/FileInMaking.h"
 #include "storage/HLServiceUtils.h"
+#include "storage/HeldLeague.h"
 #include "storage/Schema.h"
 
 namespace HLDataSrvc {
@@ -27,35 +26,30 @@ void AddSettingsRow(jet::Database& database) {
   settings->Close();
 }
 
-// Raises the engine's error when someone has the file open. Other reasons for which it does not open are no
-// obstacle to replacing it.
-void RefuseFileInUse(const std::string& path) {
-  try {
-    HLServiceUtils::Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false,
-                                          HLServiceUtils::GetConnectString());
-  } catch (const jet::Error& error) {
-    using enum jet::ErrorNumber;
-    if (error.Number() == FileInUse || error.Number() == FileHeldExclusively) throw;
-  }
-}
-
 }  // namespace
 
 void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options) {
-  std::error_code unknown;  // what cannot be looked at cannot be made either: the engine says why
-  if (std::filesystem::exists(ToSystemPath(path), unknown)) {
-    if (!options.overwrite)
-      throw jet::Error(jet::ErrorNumber::ObjectExists, "File " + path + " is there already.");
-    RefuseFileInUse(path);
-  }
+  HeldLeague replaced;
+  const bool replaces = HLServiceUtils::Engine().HasFile(path);
+  if (replaces && !options.overwrite)
+    throw jet::Error(jet::ErrorNumber::ObjectExists, "File " + path + " is there already.");
+  if (replaces) replaced = HoldLeague(path);
   FileInMaking file(path);
-  const auto database = HLServiceUtils::Engine().CreateDatabase(
-      file.Path(), {.password = HLServiceUtils::kDatabasePassword, .durability = jet::Durability::Off});
+  const auto database =
+      HLServiceUtils::Engine().CreateDatabase(file.Path(), {.password = HLServiceUtils::kDatabasePassword,
+                                                            .durability = jet::Durability::Off,
+                                                            .like = replaces ? path : std::string()});
   Schema::CreateTables(*database);
   AddSettingsRow(*database);
   if (options.fill) options.fill(*database);
-  database->Close();
-  file.PutInPlace();
+  file.Finish(*database);
+  if (replaced.database) {
+    file.PutInPlaceOf(*replaced.database);
+  } else if (replaced.file) {
+    file.PutInPlaceOf(replaced.file);
+  } else {
+    file.PutInPlace();
+  }
 }
 
 }  // namespace HLDataSrvc

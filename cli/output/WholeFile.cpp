@@ -3,31 +3,45 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <system_error>
 
-#include "cli/commands/ExitCode.h"
+#include "HLLeague/Failure.h"
+#include "jet/Error.h"
+#include "jet/file/File.h"
 #include "platform/Paths.h"
 
 namespace cli {
 
 using namespace HLLeague;
 
+namespace {
+
+/// Writes to what is no plain file, such as a device: it stays what it is.
+void WriteInto(const std::filesystem::path& target, const std::string& path, std::string_view text) {
+  errno = 0;
+  std::ofstream file(target, std::ios::binary);
+  file.write(text.data(), static_cast<std::streamsize>(text.size()));
+  file.close();
+  if (file) return;
+  const std::string reason = std::generic_category().message(errno == 0 ? EIO : errno);
+  throw Failure(FailureKind::SystemFailed, "The file " + path + " could not be written: " + reason + ".");
+}
+
+}  // namespace
+
 void WriteWholeFile(const std::string& path, std::string_view text) {
   const auto target = HLDataSrvc::ToSystemPath(path);
-  const auto made = HLDataSrvc::ToSystemPath(path + ".being-made");
   std::error_code error;
-  errno = 0;
-  {
-    std::ofstream file(made, std::ios::binary | std::ios::trunc);
-    file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    file.close();
-    if (!file) error.assign(errno == 0 ? EIO : errno, std::generic_category());
+  const auto kind = std::filesystem::status(target, error).type();
+  if (kind != std::filesystem::file_type::regular && kind != std::filesystem::file_type::not_found &&
+      kind != std::filesystem::file_type::none)
+    return WriteInto(target, path, text);
+  try {
+    jet::WriteWholeFile(*jet::SystemFiles(), path, std::as_bytes(std::span(text)));
+  } catch (const jet::Error& failed) {
+    throw Failure(FailureKind::SystemFailed, "The file " + path + " could not be written: " + failed.what());
   }
-  if (!error) std::filesystem::rename(made, target, error);
-  if (!error) return;
-  const std::string reason = error.message();
-  std::filesystem::remove(made, error);
-  throw Failure(FailureKind::SystemFailed, "The file " + path + " could not be written: " + reason + ".");
 }
 
 bool IsThere(const std::string& path) {

@@ -15,7 +15,9 @@
 namespace jet {
 namespace {
 
-constexpr OpenMode kNewFile{.exclusive = true, .readOnly = false, .create = true};
+OpenMode NewFile(const std::string& like) {
+  return {.exclusive = true, .readOnly = false, .create = true, .like = like};
+}
 
 /// The password in a connect string; empty when there is none.
 std::string_view PasswordIn(std::string_view connect) {
@@ -78,7 +80,7 @@ std::shared_ptr<Database> DBEngine::CreateDatabase(const std::string& name, cons
 
 std::shared_ptr<Database> DBEngine::CreateWithKey(const std::string& name, const CreateOptions& options,
                                                   std::uint32_t databaseKey) {
-  auto file = m_options.files->Open(name, kNewFile);
+  auto file = m_options.files->Open(name, NewFile(options.like));
   auto log =
       std::make_unique<RedoLog>(m_options.files, name, options.durability.value_or(m_options.durability));
   std::unique_ptr<Store> store;
@@ -97,10 +99,11 @@ std::shared_ptr<Database> DBEngine::CreateWithKey(const std::string& name, const
       std::make_shared<DatabaseCore>(name, std::move(store), false, m_options.observer));
 }
 
-void DBEngine::CopyDatabase(Database& source, const std::string& name) {
+std::shared_ptr<File> DBEngine::CopyDatabase(Database& source, const std::string& name,
+                                             const std::string& like) {
   Observe("DBEngine.CopyDatabase", name);
   Store& store = source.m_core->OpenStore();
-  auto file = m_options.files->Open(name, kNewFile);
+  std::shared_ptr<File> file = m_options.files->Open(name, NewFile(like));
   try {
     RedoLog(m_options.files, name, Durability::Off).Remove();  // of a database of that name that is gone
     store.Pages().CopyTo(*file);
@@ -110,55 +113,84 @@ void DBEngine::CopyDatabase(Database& source, const std::string& name) {
     RemoveFailed(name);
     throw;
   }
+  return file;
 }
 
-void DBEngine::CompactDatabase(Database& source, const std::string& name) {
+std::shared_ptr<Database> DBEngine::CompactDatabase(Database& source, const std::string& name) {
   Observe("DBEngine.CompactDatabase", name);
   Store& store = source.m_core->OpenStore();
   const format::DatabaseHeader& header = store.Header();
-  const auto compacted =
-      CreateWithKey(name, {.password = header.password, .durability = Durability::Off}, header.databaseKey);
+  auto compacted = CreateWithKey(
+      name, {.password = header.password, .durability = Durability::Off, .like = source.m_core->Name()},
+      header.databaseKey);
   try {
     CopyContents(store, compacted->m_core->OpenStore());
-    compacted->Close();
   } catch (...) {
     try {
       compacted->Close();
     } catch (const Error&) {
-      // The first error is the one to tell.
+      // The first error is the one to report.
     }
     RemoveFailed(name);
     throw;
   }
+  return compacted;
 }
 
-void DBEngine::ReplaceDatabase(Database& database, const std::string& from) {
+std::shared_ptr<File> DBEngine::Release(Database& database) {
+  return database.m_core->Release();
+}
+
+std::shared_ptr<File> DBEngine::Hold(const std::string& name) {
+  return m_options.files->Open(name, {});
+}
+
+std::string DBEngine::NameInMaking(const std::string& target) const {
+  return jet::NameInMaking(*m_options.files, target);
+}
+
+// On systems that cannot rename an open file, its lock goes just before.
+void DBEngine::ReplaceDatabase(Database& database, const std::string& from, std::shared_ptr<File> made) {
   const std::string to = database.m_core->Name();
   Observe("DBEngine.ReplaceDatabase", to);
   database.m_core->CheckCanChange();  // raises if the log beside it would stay
-  m_options.files->Replace(from, to, database.m_core->Release());
+  m_options.files->Replace(from, to, {database.m_core->Release(), std::move(made)});
 }
 
-void DBEngine::ReplaceDatabase(const std::string& to, const std::string& from) {
+void DBEngine::ReplaceDatabase(const std::string& to, std::shared_ptr<File> held, const std::string& from,
+                               std::shared_ptr<File> made) {
   Observe("DBEngine.ReplaceDatabase", to);
-  std::shared_ptr<File> held;
-  if (m_options.files->Exists(to)) held = m_options.files->Open(to, {});
   RedoLog(m_options.files, to, Durability::Off).Remove();
-  m_options.files->Replace(from, to, std::move(held));
+  m_options.files->Replace(from, to, {std::move(held), std::move(made)});
+}
+
+void DBEngine::PlaceDatabase(const std::string& to, const std::string& from, std::shared_ptr<File> made) {
+  Observe("DBEngine.PlaceDatabase", to);
+  FileSystem& files = *m_options.files;
+  if (files.Exists(to)) throw Error(ErrorNumber::ObjectExists, "The file '" + to + "' exists already.");
+  if (files.Exists(LogNameFor(to))) {
+    static_cast<void>(files.Open(LogNameFor(to), {}));  // refuses one that is in use
+    files.Remove(LogNameFor(to));
+  }
+  files.Rename(from, to, {std::move(made)});
 }
 
 bool DBEngine::HasFile(const std::string& name) const {
   return m_options.files->Exists(name);
 }
 
-void DBEngine::RenameDatabase(const std::string& from, const std::string& to) {
+void DBEngine::RenameDatabase(const std::string& from, std::shared_ptr<File> held, const std::string& to) {
   Observe("DBEngine.RenameDatabase", from);
   FileSystem& files = *m_options.files;
-  static_cast<void>(files.Open(from, {}));  // refuses one that is in use
-  if (files.Exists(to)) throw Error(ErrorNumber::ObjectExists, "The file '" + to + "' exists already.");
   // The log first: without its log the file would pass for a whole one.
-  if (files.Exists(LogNameFor(from))) files.Replace(LogNameFor(from), LogNameFor(to), nullptr);
-  files.Replace(from, to, nullptr);
+  const bool hasLog = files.Exists(LogNameFor(from));
+  if (hasLog) files.Rename(LogNameFor(from), LogNameFor(to), {});
+  try {
+    files.Rename(from, to, {std::move(held)});
+  } catch (const Error& error) {
+    if (hasLog && !error.IsUncertain()) files.Rename(LogNameFor(to), LogNameFor(from), {});
+    throw;
+  }
 }
 
 void DBEngine::RemoveDatabase(const std::string& name) {

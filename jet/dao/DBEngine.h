@@ -11,6 +11,7 @@
 
 namespace jet {
 
+class File;
 class FileSystem;
 
 /// Told of every call of the access objects before it is carried out; may raise an error in its place.
@@ -41,6 +42,7 @@ struct CreateOptions {
   bool encode = false;   ///< code the pages (RC4) with a key of the file's own
   /// What changes survive as long as it is open; none: what the engine says.
   std::optional<Durability> durability{};
+  std::string like{};  ///< the file whose owner and permissions it gets; empty: what the system gives
 };
 
 /// The engine: opens and creates database files. Cheap; keep one per thread. Databases outlive it safely.
@@ -72,29 +74,42 @@ class DBEngine {
   /// the file is there; when it fails, no file is left behind.
   std::shared_ptr<Database> CreateDatabase(const std::string& name, const CreateOptions& options = {});
 
-  /// Writes a copy of the database as it is now, page for page, into a new file. Raises ObjectExists when
-  /// there is one of that name; when it fails, no file is left behind.
-  void CopyDatabase(Database& source, const std::string& name);
+  /// Writes a copy of the database as it is now, page for page, into a new file, which gets the owner and the
+  /// permissions of the file `like`. Returns the new file, with its lock. Raises ObjectExists when there is
+  /// one of that name; when it fails, no file is left behind.
+  std::shared_ptr<File> CopyDatabase(Database& source, const std::string& name, const std::string& like);
 
   /// Writes a new database with the content of another: tables, rows in their order, indexes, relationships
   /// and properties, the password, and pages coded if they are. It has no free pages, its indexes are packed.
-  /// Raises what CopyDatabase does, FeatureNotSupported for what a new file would lose (a stored query, say),
-  /// and what reading and adding rows raise.
-  void CompactDatabase(Database& source, const std::string& name);
+  /// Its owner and permissions are those of the other. Returns it open, for its changes to be checked. Raises
+  /// what CopyDatabase does, FeatureNotSupported for what a new file would lose (a stored query, say), and
+  /// what reading and adding rows raise.
+  std::shared_ptr<Database> CompactDatabase(Database& source, const std::string& name);
 
-  /// Puts the closed database file `from` in the place of an open database, which is closed: whatever
-  /// happens, the name stands for the one or the other, whole. Where the system allows it nobody can open the
-  /// file in between. Raises ObjectClosed, PermissionDenied, and what closing raises.
-  void ReplaceDatabase(Database& database, const std::string& from);
-  /// The same for whatever file has the name `to`, if any. Its log goes first, unread. Raises FileInUse,
-  /// FileHeldExclusively when somebody has it open.
-  void ReplaceDatabase(const std::string& to, const std::string& from);
+  /// Closes a database, and returns its file with the lock. Raises what closing raises.
+  std::shared_ptr<File> Release(Database& database);
+  /// Opens the file of a name as it is, to hold its lock. Raises what OpenDatabase raises of files.
+  std::shared_ptr<File> Hold(const std::string& name);
+
+  /// A name beside `target` for a file that goes there once it is whole. Left-overs of crashes are removed.
+  std::string NameInMaking(const std::string& target) const;
+  /// Puts the database file `from` in the place of an open database, which is closed: whatever happens, the
+  /// name stands for the one or the other, whole. Where the system allows it nobody can open the file in
+  /// between. `made` is the lock of `from`. Raises ObjectClosed, PermissionDenied, and what closing raises;
+  /// an uncertain error if it was done, but may not survive a power cut.
+  void ReplaceDatabase(Database& database, const std::string& from, std::shared_ptr<File> made);
+  /// The same for the file `to`, whatever is in it, which `held` is. Its log goes first, unread.
+  void ReplaceDatabase(const std::string& to, std::shared_ptr<File> held, const std::string& from,
+                       std::shared_ptr<File> made);
+  /// Gives the database file `from` a name that nothing has. The log of a database of that name that is gone
+  /// goes first, unread. Raises ObjectExists, and FileInUse when somebody has that log open.
+  void PlaceDatabase(const std::string& to, const std::string& from, std::shared_ptr<File> made);
 
   /// Whether there is a file of that name, be it a database or not.
   bool HasFile(const std::string& name) const;
-  /// Gives a closed database file, and the log it may have, another name, unread. Raises ObjectExists when
-  /// there is a file `to`, FileNotFound, FileInUse, FileHeldExclusively.
-  void RenameDatabase(const std::string& from, const std::string& to);
+  /// Gives a database file whose lock is `held`, and the log it may have, another name, unread: both or
+  /// neither. Raises ObjectExists when there is a file `to`.
+  void RenameDatabase(const std::string& from, std::shared_ptr<File> held, const std::string& to);
   /// Removes a closed database file, and the log it may have, unread; one that is not there is no error.
   /// Raises FileInUse, FileHeldExclusively.
   void RemoveDatabase(const std::string& name);

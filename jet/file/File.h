@@ -37,7 +37,13 @@ struct OpenMode {
   bool exclusive = true;  ///< no other open of the file, in this or another process, while it is open
   bool readOnly = false;
   bool create = false;  ///< make a new file; raises ObjectExists when there is one
+  /// The file whose owner, group and permissions a new one takes over, as far as the process may give them;
+  /// empty, or without such a file: what the system gives new files.
+  std::string like = {};
 };
+
+/// Files that are open, and so locked, while their names are changed.
+using HeldFiles = std::vector<std::shared_ptr<File>>;
 
 /// What the engine asks of a file system. Names are UTF-8; `\` separates folders on every system, and `/`
 /// too.
@@ -54,12 +60,27 @@ class FileSystem {
   virtual std::string RealName(const std::string& name) { return name; }
   /// Other names of the file (hard links) in its folder; none on systems that do not list them.
   virtual std::vector<std::string> OtherNames(const std::string& /*name*/) { return {}; }
-  /// Removes a file, durably; one that is not there is no error.
+  /// Removes a file; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;
-  /// Renames a file over whatever has the new name, atomically, and makes the renaming durable. `held` is the
-  /// file `to`, open, or none: where the system can replace an open file, nobody else gets at it before.
-  virtual void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) = 0;
+  /// Renames a file over whatever has the new name, atomically, and makes the renaming durable. `held`
+  /// are the two files, as far as they are open here: where the system can rename and replace open files,
+  /// nobody else gets at them before.
+  /// An error that is uncertain means that the renaming was done and may not survive a power cut.
+  virtual void Replace(const std::string& from, const std::string& to, HeldFiles held) = 0;
+  /// The same for a new name that nothing has; raises ObjectExists otherwise.
+  virtual void Rename(const std::string& from, const std::string& to, HeldFiles held);
+  /// Removes the files in the folder of `name` that a crash left while they were made: plain ones of this
+  /// user under a name that NameInMaking gives, which nobody has open. Raises nothing.
+  virtual void RemoveLeftOvers(const std::string& /*name*/) {}
 };
+
+/// A name beside `target` under which a file can be made that goes there once it is finished. Nobody can
+/// guess it; left-overs of crashes are removed first.
+std::string NameInMaking(FileSystem& files, const std::string& target);
+
+/// Makes a file with these bytes, or replaces one, whose permissions it gets: whoever reads it meanwhile, and
+/// after a crash, sees a whole one, the old or the new. Raises what the operations of `files` raise.
+void WriteWholeFile(FileSystem& files, const std::string& target, std::span<const std::byte> bytes);
 
 /// The file system of the machine. Lives for ever.
 std::shared_ptr<FileSystem> SystemFiles();

@@ -29,6 +29,14 @@ void Check(const std::string& name) {
   }
 }
 
+bool IsInMaking(const std::string& name) {
+  constexpr std::size_t kDigits = 16;
+  const std::string last = name.substr(Folder(name).size());
+  return last.starts_with(kInMaking) &&
+         last.find_first_not_of("0123456789abcdef", std::string(kInMaking).size()) == std::string::npos &&
+         last.size() == std::string(kInMaking).size() + kDigits;
+}
+
 std::string Folder(const std::string& name) {
   const auto separator = name.find_last_of("\\/");
   return separator == std::string::npos ? std::string() : name.substr(0, separator + 1);

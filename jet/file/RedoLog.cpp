@@ -219,7 +219,8 @@ void RedoLog::Void() {
 
 void RedoLog::Create(PageNumber pageCount) {
   m_isLeftBehind = m_isLeftBehind && m_files->Exists(m_name);
-  m_file = m_files->Open(m_name, {.exclusive = true, .readOnly = false, .create = !m_isLeftBehind});
+  m_file = m_files->Open(
+      m_name, {.exclusive = true, .readOnly = false, .create = !m_isLeftBehind, .like = m_databaseName});
   m_ahead = 0;
   try {
     if (m_isLeftBehind) m_file->Resize(0);
@@ -238,7 +239,8 @@ void RedoLog::Create(PageNumber pageCount) {
 /// A log whose name is gone is lost with this process, and the changes that only it has.
 void RedoLog::PutBackIfRemoved() {
   if (!m_file->IsRemoved()) return;
-  auto file = m_files->Open(m_name, {.exclusive = true, .readOnly = false, .create = true});
+  auto file =
+      m_files->Open(m_name, {.exclusive = true, .readOnly = false, .create = true, .like = m_databaseName});
   try {
     for (std::uint64_t at = 0; at < m_end; at += m_buffer.size()) {
       m_buffer.resize(static_cast<std::size_t>(std::min<std::uint64_t>(m_end - at, kLongestWrite)));

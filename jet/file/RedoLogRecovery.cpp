@@ -226,7 +226,7 @@ void RedoLog::KeepDamaged(std::uint32_t lost, File& database) {
   try {
     if (!m_pages.empty()) WritePages(database);
     m_file.reset();
-    m_files->Replace(m_name, kept, nullptr);
+    m_files->Replace(m_name, kept, {});
   } catch (const Error& error) {
     throw Error(ErrorNumber::DamagedFile,
                 damaged + changes +

@@ -114,6 +114,45 @@ class Killed(DraftTest):
         print(f"{points} points, every {EVERY}th tried, {done} after the commit")
 
     @unittest.skipUnless(CRASHER, "there is no library to preload")
+    def test_copies_at_each_file_operation(self):
+        """Whatever ends a command that makes whole files: the league is the one before or after, or no file at all is new."""
+        self.done("backup")
+        backup = next(self.folder.glob("Halcyra - Backup*"))
+        self.done("prize", "set", "1=99")
+        start, before = self.path.read_bytes(), self.snapshot()
+        kept = {path.name for path in self.folder.iterdir()} | {"calls"}
+        calls = self.folder / "calls"
+        for words in (["backup"], ["restore", backup.name, "--yes"], ["compact"], ["create", "--force", "--sample"]):
+            support.run("--folder", self.folder, *words,
+                        env=support.environment(LD_PRELOAD=CRASHER, HALCYRA_TEST_CALLS=str(calls)))
+            after = self.snapshot()
+            noOfCalls = int(calls.read_text())
+            ways = [(call, how, 0) for call in range(1, noOfCalls + 1) for how in ("before", "in", "after")]
+            ways += [(call, how, error) for call in range(1, noOfCalls + 1) for how, error in FAULTS]
+            for call, how, error in self.random.sample(ways, len(ways) if EVERY == 1 else 15):
+                for path in self.folder.iterdir():
+                    if path.is_file() and path.name not in kept:
+                        path.unlink()
+                self.path.write_bytes(start)
+                what = f"{words}, {how} of call {call} with {error}"
+                done = subprocess.run([support.PROGRAM, "--folder", self.folder, *words], capture_output=True, text=True,
+                                      env=support.environment(LD_PRELOAD=CRASHER, HALCYRA_TEST_CRASH_AT=str(call),
+                                                              HALCYRA_TEST_CRASH_HOW=how, HALCYRA_TEST_ERROR=str(error)))
+                what += f": {done.returncode} {done.stderr}"
+                now = before if self.path.read_bytes() == start else self.snapshot()
+                isNew = now == after and after != before
+                self.assertTrue(now == after if done.returncode == support.DONE else now in (before, after), what)
+                if error and done.returncode != support.DONE:
+                    self.assertEqual(done.returncode, support.SYSTEM_FAILED, what)
+                    self.assertTrue(not isNew or "may not survive" in done.stderr, what)
+                self.assert_sound()
+                self.done("backup")  # sweeps up
+                self.assertEqual([path.name for path in self.folder.iterdir() if "being-made" in path.name], [], what)
+                for path in self.folder.glob("Halcyra - Backup*"):
+                    self.assertIn(support.run("check", path).returncode, (support.DONE, support.REFUSED), what)
+            self.path.write_bytes(start)
+
+    @unittest.skipUnless(CRASHER, "there is no library to preload")
     def test_faults_at_each_file_operation(self):
         """What a command reports of a change is what the next one finds, whichever calls of the system fail."""
         start = self.path.read_bytes()

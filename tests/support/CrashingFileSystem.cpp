@@ -150,12 +150,21 @@ void CrashingFileSystem::Remove(const std::string& name) {
   m_machine->disks.erase(name);
 }
 
-void CrashingFileSystem::Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) {
+void CrashingFileSystem::Replace(const std::string& from, const std::string& to, HeldFiles held) {
   if (m_machine->Fails()) Machine::RaiseFailed();
   if (m_machine->Enter()) Machine::RaiseDown();
   m_memory->Replace(from, to, std::move(held));
   m_machine->disks[to] = std::move(m_machine->disks[from]);
   m_machine->disks.erase(from);
+}
+
+void CrashingFileSystem::RemoveLeftOvers(const std::string& /*name*/) {
+  std::vector<std::string> leftOvers;
+  for (const auto& [name, disk] : m_machine->disks) {
+    if (m_memory->IsLeftOver(name)) leftOvers.push_back(name);
+  }
+  for (const std::string& name : leftOvers)
+    Remove(name);
 }
 
 void CrashingFileSystem::CrashAt(std::size_t nth, Crash crash, std::uint32_t seed) {

@@ -41,7 +41,8 @@ class CrashingFileSystem final : public FileSystem {
   std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) override;
   bool Exists(const std::string& name) override { return m_memory->Exists(name); }
   void Remove(const std::string& name) override;
-  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) override;
+  void Replace(const std::string& from, const std::string& to, HeldFiles held) override;
+  void RemoveLeftOvers(const std::string& name) override;
 
   /// Goes down at the `nth` changing operation from now on.
   void CrashAt(std::size_t nth, Crash crash, std::uint32_t seed);

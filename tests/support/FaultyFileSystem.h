@@ -24,9 +24,11 @@ class FaultyFileSystem final : public FileSystem {
   std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) override;
   bool Exists(const std::string& name) override { return m_files->Exists(name); }
   void Remove(const std::string& name) override { m_files->Remove(name); }
-  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) override {
+  void Replace(const std::string& from, const std::string& to, HeldFiles held) override {
     m_files->Replace(from, to, std::move(held));
   }
+
+  void RemoveLeftOvers(const std::string& name) override { m_files->RemoveLeftOvers(name); }
 
   /// Makes the `nth` operation of that kind from now on fail, once; the file stays as it was.
   void FailOnce(FileOperation operation, std::size_t nth, ErrorNumber error = ErrorNumber::ReadFailed);

@@ -97,14 +97,23 @@ void MemoryFileSystem::Remove(const std::string& name) {
   m_files.erase(Key(name));
 }
 
-void MemoryFileSystem::Replace(const std::string& from, const std::string& to,
-                               std::shared_ptr<File> /*held*/) {
+void MemoryFileSystem::Replace(const std::string& from, const std::string& to, HeldFiles /*held*/) {
   const auto found = m_files.find(Key(from));
   if (found == m_files.end())
     throw Error(ErrorNumber::FileNotFound, "Could not find the file '" + from + "'.");
   const auto contents = found->second;
   m_files.erase(found);
   m_files[Key(to)] = contents;
+}
+
+bool MemoryFileSystem::IsLeftOver(const std::string& name) const {
+  const auto found = m_files.find(Key(name));
+  return found != m_files.end() && file_names::IsInMaking(name) && !found->second->isAlone &&
+         found->second->readers == 0;
+}
+
+void MemoryFileSystem::RemoveLeftOvers(const std::string& /*name*/) {
+  std::erase_if(m_files, [this](const auto& file) { return IsLeftOver(file.first); });
 }
 
 void MemoryFileSystem::Put(const std::string& name, std::vector<std::byte> bytes) {

@@ -18,7 +18,10 @@ class MemoryFileSystem final : public FileSystem {
   std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) override;
   bool Exists(const std::string& name) override;
   void Remove(const std::string& name) override;
-  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) override;
+  void Replace(const std::string& from, const std::string& to, HeldFiles held) override;
+  void RemoveLeftOvers(const std::string& name) override;
+  /// Whether a file is one in making that nobody has open.
+  bool IsLeftOver(const std::string& name) const;
 
   /// Makes or overwrites a file, whoever has it open.
   void Put(const std::string& name, std::vector<std::byte> bytes);

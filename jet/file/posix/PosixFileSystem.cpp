@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -93,8 +95,24 @@ bool LeadsTo(const std::string& systemName, const Descriptor& descriptor) {
          opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-Descriptor OpenDescriptor(const std::string& systemName, int flags) {
-  return Descriptor(Uninterrupted([&] { return ::open(systemName.c_str(), flags | O_CLOEXEC, 0666); }));
+Descriptor OpenDescriptor(const std::string& systemName, int flags, mode_t mode = 0666) {
+  return Descriptor(Uninterrupted([&] { return ::open(systemName.c_str(), flags | O_CLOEXEC, mode); }));
+}
+
+/// Gives a new file, which nobody else can open yet, the owner, group and permissions of another one. Who may
+/// not give files away keeps it; if the group cannot be given either, it gets no more than everybody has.
+void TakeOver(const Descriptor& descriptor, const struct stat& like, const std::string& name) {
+  constexpr mode_t kPermissions = 0777;
+  mode_t mode = like.st_mode & kPermissions;
+  struct stat now {};
+  if (::fstat(descriptor.Number(), &now) != 0) RaiseFor(errno, name, "create");
+  if (now.st_uid != like.st_uid || now.st_gid != like.st_gid) {
+    const bool isGiven = ::fchown(descriptor.Number(), like.st_uid, like.st_gid) == 0;
+    const bool hasGroup = isGiven || now.st_gid == like.st_gid ||
+                          ::fchown(descriptor.Number(), static_cast<uid_t>(-1), like.st_gid) == 0;
+    if (!hasGroup) mode &= ~static_cast<mode_t>(S_IRWXG) | ((mode & S_IRWXO) << 3);
+  }
+  if (::fchmod(descriptor.Number(), mode) != 0) RaiseFor(errno, name, "create");
 }
 
 class PosixFile final : public File {
@@ -182,7 +200,7 @@ class PosixFileSystem final : public FileSystem {
     // Another process may put a new file in the place of the one that was just opened and not yet locked.
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
       Descriptor descriptor =
-          mode.create ? Create(name, systemName) : OpenExisting(name, systemName, mode.readOnly);
+          mode.create ? Create(name, systemName, mode.like) : OpenExisting(name, systemName, mode.readOnly);
       try {
         Lock(descriptor, name, mode);
         if (LeadsTo(systemName, descriptor)) {
@@ -224,32 +242,90 @@ class PosixFileSystem final : public FileSystem {
 
   void Remove(const std::string& name) override {
     file_names::Check(name);
-    if (::unlink(ToSystemName(name).c_str()) == 0) return SyncFolder(ToSystemName(name));
+    if (::unlink(ToSystemName(name).c_str()) == 0) {
+      // A name that comes back after a power cut does no harm: a file of it can be made only when the folder
+      // was synced.
+      static_cast<void>(SyncFolder(ToSystemName(name)));
+      return;
+    }
     if (errno == ENOENT || errno == ENOTDIR) return;
     if (errno == EISDIR)
       throw Error(ErrorNumber::PermissionDenied, "'" + name + "' is a folder, not a file.");
     RaiseFor(errno, name, "remove");
   }
 
-  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> /*held*/) override {
+  void Replace(const std::string& from, const std::string& to, HeldFiles /*held*/) override {
     file_names::Check(from);
     file_names::Check(to);
     const std::string target = FollowLinks(ToSystemName(to));
     if (::rename(ToSystemName(from).c_str(), target.c_str()) != 0) RaiseFor(errno, to, "replace");
-    SyncFolder(target);
+    SyncRenamed(target, to);
+  }
+
+  void Rename(const std::string& from, const std::string& to, HeldFiles /*held*/) override {
+    file_names::Check(from);
+    file_names::Check(to);
+    const std::string source = ToSystemName(from);
+    const std::string target = ToSystemName(to);
+    if (!RenameUnlessTaken(source, target)) {
+      if (errno == EEXIST) throw Error(ErrorNumber::ObjectExists, "The file '" + to + "' exists already.");
+      RaiseFor(errno, to, "create");
+    }
+    SyncRenamed(target, to);
+  }
+
+  void RemoveLeftOvers(const std::string& name) override {
+    const std::string folder = file_names::Folder(ToSystemName(name));
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+      const std::string path = entry->path().string();
+      if (file_names::IsInMaking(path)) RemoveLeftOver(path);
+    }
   }
 
  private:
   static constexpr int kAttempts = 10;
+  static constexpr int kLockAttempts = 50;
 
-  static Descriptor Create(const std::string& name, const std::string& systemName) {
-    Descriptor descriptor = OpenDescriptor(systemName, O_RDWR | O_CREAT | O_EXCL);
+  static Descriptor Create(const std::string& name, const std::string& systemName, const std::string& like) {
+    struct stat model {};
+    const bool hasModel = !like.empty() && ::stat(ToSystemName(like).c_str(), &model) == 0;
+    constexpr mode_t kPrivate = 0600;
+    Descriptor descriptor = hasModel ? OpenDescriptor(systemName, O_RDWR | O_CREAT | O_EXCL, kPrivate)
+                                     : OpenDescriptor(systemName, O_RDWR | O_CREAT | O_EXCL);
     if (!descriptor.IsOpen()) {
       if (errno == EEXIST) throw Error(ErrorNumber::ObjectExists, "The file '" + name + "' exists already.");
       RaiseOpenFailed(errno, name, systemName, "create");
     }
-    SyncFolder(systemName);
+    try {
+      if (hasModel) TakeOver(descriptor, model, name);
+      if (const int error = SyncFolder(systemName); error != 0) RaiseFor(error, name, "create");
+    } catch (...) {
+      ::unlink(systemName.c_str());
+      throw;
+    }
     return descriptor;
+  }
+
+  /// False, with errno, when it cannot be done. Not every file system can rename so; all that cannot take
+  /// hard links.
+  static bool RenameUnlessTaken(const std::string& from, const std::string& to) {
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (errno != EINVAL && errno != ENOSYS) return false;
+#endif
+    return ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
+  }
+
+  static void RemoveLeftOver(const std::string& systemName) {
+    struct stat status {};
+    if (::lstat(systemName.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink != 1 ||
+        status.st_uid != ::geteuid())
+      return;
+    const Descriptor descriptor = OpenDescriptor(systemName, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+    if (!descriptor.IsOpen() || ::flock(descriptor.Number(), LOCK_EX | LOCK_NB) != 0) return;
+    if (LeadsTo(systemName, descriptor)) ::unlink(systemName.c_str());
   }
 
   static Descriptor OpenExisting(const std::string& name, const std::string& systemName, bool readOnly) {
@@ -280,7 +356,11 @@ class PosixFileSystem final : public FileSystem {
   /// The lock belongs to this one opening of the file: a second opening conflicts, also in the same process.
   static void Lock(const Descriptor& descriptor, const std::string& name, const OpenMode& mode) {
     const bool alone = mode.exclusive || !mode.readOnly;
-    if (TryLock(descriptor, name, alone ? LOCK_EX : LOCK_SH)) return;
+    // Whoever removes left-overs may have a look at a file that is not locked yet.
+    for (int attempt = mode.create ? kLockAttempts : 1; attempt > 0; --attempt) {
+      if (TryLock(descriptor, name, alone ? LOCK_EX : LOCK_SH)) return;
+      if (attempt > 1) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     if (mode.exclusive && !TryLock(descriptor, name, LOCK_SH)) {
       throw Error(ErrorNumber::FileHeldExclusively, "'" + name + "' is opened exclusively by someone else.");
     }
@@ -316,12 +396,27 @@ class PosixFileSystem final : public FileSystem {
     return real ? std::string(real.get()) : systemName;
   }
 
-  /// Makes new and changed names in the folder of `systemName` durable. Not every file system can; that is no
-  /// error.
-  static void SyncFolder(const std::string& systemName) {
+  /// Makes new and changed names in the folder of `systemName` durable. Returns the system's error, or 0. Not
+  /// every file system can, and not every folder that takes names can be read; these are no errors.
+  static int SyncFolder(const std::string& systemName) {
     const std::string folder = file_names::Folder(systemName);
     const Descriptor descriptor = OpenDescriptor(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY);
-    if (descriptor.IsOpen()) Uninterrupted([&] { return ::fsync(descriptor.Number()); });
+    if (!descriptor.IsOpen() || Uninterrupted([&] { return ::fsync(descriptor.Number()); }) == 0) return 0;
+    return errno == EINVAL || errno == ENOTSUP ? 0 : errno;
+  }
+
+  static void SyncRenamed(const std::string& systemName, const std::string& name) {
+    const int error = SyncFolder(systemName);
+    if (error == 0) return;
+    try {
+      RaiseFor(error, name, "replace");
+    } catch (const Error& raised) {
+      Error uncertain(
+          raised.Number(),
+          raised.what() + std::string(" The new file is there, but may not survive a power cut."));
+      uncertain.MarkUncertain();
+      throw uncertain;
+    }
   }
 };
 

@@ -3,9 +3,11 @@
 #define NOMINMAX
 #endif
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <windows.h>
 
@@ -158,6 +160,30 @@ class WindowsFile final : public File {
   bool m_readOnly;
 };
 
+/// The access list of a file, for one that is made; none if there is no such file, or it cannot be read.
+class Permissions {
+ public:
+  explicit Permissions(const std::string& like) {
+    if (like.empty()) return;
+    const std::wstring systemName = ToSystemName(like);
+    DWORD size = 0;
+    ::GetFileSecurityW(systemName.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    m_descriptor.resize(size);
+    if (size == 0 || ::GetFileSecurityW(systemName.c_str(), DACL_SECURITY_INFORMATION, m_descriptor.data(),
+                                        size, &size) == 0)
+      m_descriptor.clear();
+    m_attributes.lpSecurityDescriptor = m_descriptor.data();
+  }
+  Permissions(const Permissions&) = delete;
+  Permissions& operator=(const Permissions&) = delete;
+
+  SECURITY_ATTRIBUTES* Get() { return m_descriptor.empty() ? nullptr : &m_attributes; }
+
+ private:
+  std::vector<std::byte> m_descriptor;
+  SECURITY_ATTRIBUTES m_attributes{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
+};
+
 class WindowsFileSystem final : public FileSystem {
  public:
   std::unique_ptr<File> Open(const std::string& name, const OpenMode& mode) override {
@@ -165,7 +191,8 @@ class WindowsFileSystem final : public FileSystem {
     const std::wstring systemName = ToSystemName(name);
     const DWORD access = mode.readOnly ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     const bool alone = mode.exclusive || !mode.readOnly;
-    Handle handle(::CreateFileW(systemName.c_str(), access, alone ? 0 : FILE_SHARE_READ, nullptr,
+    Permissions permissions(mode.create ? mode.like : std::string());
+    Handle handle(::CreateFileW(systemName.c_str(), access, alone ? 0 : FILE_SHARE_READ, permissions.Get(),
                                 mode.create ? CREATE_NEW : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!handle.IsOpen()) RaiseOpenFailed(::GetLastError(), name, systemName, mode);
     auto file = std::make_unique<WindowsFile>(std::move(handle), name, mode.readOnly);
@@ -203,14 +230,42 @@ class WindowsFileSystem final : public FileSystem {
     RaiseFor(error, name, "remove");
   }
 
-  void Replace(const std::string& from, const std::string& to, std::shared_ptr<File> held) override {
+  void Replace(const std::string& from, const std::string& to, HeldFiles held) override {
     file_names::Check(from);
     file_names::Check(to);
-    held.reset();  // an open file cannot be replaced here
+    held.clear();  // open files cannot be renamed or replaced here
     if (::MoveFileExW(ToSystemName(from).c_str(), ToSystemName(to).c_str(),
                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
       RaiseFor(::GetLastError(), to, "replace");
     }
+  }
+
+  void Rename(const std::string& from, const std::string& to, HeldFiles held) override {
+    file_names::Check(from);
+    file_names::Check(to);
+    held.clear();  // as in Replace
+    if (::MoveFileExW(ToSystemName(from).c_str(), ToSystemName(to).c_str(), MOVEFILE_WRITE_THROUGH) != 0)
+      return;
+    const DWORD error = ::GetLastError();
+    if (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS)
+      throw Error(ErrorNumber::ObjectExists, "The file '" + to + "' exists already.");
+    RaiseFor(error, to, "create");
+  }
+
+  void RemoveLeftOvers(const std::string& name) override {
+    const std::string folder = file_names::Folder(name);
+    WIN32_FIND_DATAW found{};
+    const HANDLE search =
+        ::FindFirstFileW(ToSystemName(folder + file_names::kInMaking + "*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return;
+    do {
+      const std::string path = folder + FromSystemName(found.cFileName);
+      // One that somebody has open stays: files are opened without letting others delete them.
+      const bool isPlain =
+          (found.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) == 0;
+      if (isPlain && file_names::IsInMaking(path)) ::DeleteFileW(ToSystemName(path).c_str());
+    } while (::FindNextFileW(search, &found) != 0);
+    ::FindClose(search);
   }
 
  private:

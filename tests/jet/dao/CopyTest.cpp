@@ -83,12 +83,12 @@ TEST_F(CopyTest, CopyHasWhatIsInTheLogAndNotWhatIsUnderWay) {
   prizes->Edit();
   prizes->Fields("desc").Value("Under way");
   prizes->Update();
-  Engine().CopyDatabase(*database, "copy.mdb");
+  Engine().CopyDatabase(*database, "copy.mdb", "");
   database->Rollback();
   const auto copy = OpenCopy();
   EXPECT_EQ(Difference(*copy, *database), "");
   EXPECT_EQ(Findings(*copy), std::vector<std::string>());
-  ExpectError(ErrorNumber::ObjectExists, [&] { Engine().CopyDatabase(*database, "copy.mdb"); });
+  ExpectError(ErrorNumber::ObjectExists, [&] { Engine().CopyDatabase(*database, "copy.mdb", ""); });
 }
 
 TEST_F(CopyTest, CompactingKeepsEverythingAndGivesBackPages) {
@@ -113,7 +113,7 @@ TEST_F(CopyTest, CompactingKeepsEverythingAndGivesBackPages) {
     for (; !gone->Eof(); gone->MoveNext())
       gone->Delete();
 
-    Engine().CompactDatabase(*source, "copy.mdb");
+    Engine().CompactDatabase(*source, "copy.mdb")->Close();
     auto copy = OpenCopy();
     EXPECT_EQ(Difference(*copy, *source), "");
     EXPECT_EQ(Findings(*copy), std::vector<std::string>());
@@ -152,7 +152,7 @@ TEST_F(CopyTest, CompactingKeepsWhatTheDesktopProgramLeaves) {
   database->Close();
   test::AddDesktopObjects(files->Open("league.mdb", {}));
   database = Open();
-  Engine().CompactDatabase(*database, "copy.mdb");
+  Engine().CompactDatabase(*database, "copy.mdb")->Close();
   auto copy = OpenCopy();
   EXPECT_EQ(Difference(*copy, *database), "");
   EXPECT_EQ(Findings(*copy), std::vector<std::string>());
@@ -191,7 +191,7 @@ TEST_F(CopyTest, CompactingKeepsAttributesOfColumnsAndRulesOfTables) {
   }
   memory->Put("league.mdb", bytes);
   database = Open();
-  Engine().CompactDatabase(*database, "copy.mdb");
+  Engine().CompactDatabase(*database, "copy.mdb")->Close();
   const auto copy = OpenCopy();
   EXPECT_EQ(Difference(*copy, *database), "");
   EXPECT_EQ(copy->Table("linked").validation, database->Table("linked").validation);
@@ -212,8 +212,8 @@ TEST_F(CopyTest, AFailingWriteLeavesNoFile) {
     for (const bool compacts : {false, true}) {
       files->FailFrom(test::FileOperation::Write, write, ErrorNumber::DiskFull);
       ExpectError(ErrorNumber::DiskFull, [&] {
-        compacts ? Engine().CompactDatabase(*database, "copy.mdb")
-                 : Engine().CopyDatabase(*database, "copy.mdb");
+        if (compacts) Engine().CompactDatabase(*database, "copy.mdb")->Close();
+        if (!compacts) Engine().CopyDatabase(*database, "copy.mdb", "");
       });
       files->Mend();
       EXPECT_FALSE(memory->Exists("copy.mdb")) << write;
@@ -223,19 +223,20 @@ TEST_F(CopyTest, AFailingWriteLeavesNoFile) {
 
 TEST_F(CopyTest, ReplacingLeavesOneOrTheOther) {
   const std::string before = ContentOf(*database);
-  Engine().CopyDatabase(*database, "copy.mdb");
+  Engine().CopyDatabase(*database, "copy.mdb", "");
   const auto prizes = Select("select * from [prize info] where id = 1");
   prizes->Edit();
   prizes->Fields("desc").Value("Changed");
   prizes->Update();
-  Engine().ReplaceDatabase(*database, "copy.mdb");
+  Engine().ReplaceDatabase(*database, "copy.mdb", nullptr);
   EXPECT_FALSE(database->IsOpen());
   EXPECT_FALSE(memory->Exists("copy.mdb"));
   EXPECT_FALSE(memory->Exists(LogNameFor("league.mdb")));
   database = Open();
   EXPECT_TRUE(ContentOf(*database) == before);
-  Engine().CopyDatabase(*database, "copy.mdb");
-  ExpectError(ErrorNumber::FileHeldExclusively, [&] { Engine().ReplaceDatabase("league.mdb", "copy.mdb"); });
+  const auto copy = Engine().CopyDatabase(*database, "copy.mdb", "");
+  ExpectError(ErrorNumber::FileHeldExclusively, [&] { OpenCopy(); });
+  ExpectError(ErrorNumber::ObjectExists, [&] { Engine().PlaceDatabase("league.mdb", "copy.mdb", copy); });
 }
 
 }  // namespace

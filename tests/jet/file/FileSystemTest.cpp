@@ -117,13 +117,13 @@ TEST_P(FileSystemTest, ReplacesAndRemovesFiles) {
   const std::string other = m_folder.File("other.mdb");
   Make(m_name, "old");
   Make(other, "new");
-  m_files->Replace(other, m_name, nullptr);
+  m_files->Replace(other, m_name, {});
   EXPECT_FALSE(m_files->Exists(other));
   EXPECT_EQ(ReadAll(*m_files->Open(m_name, kExclusive)), Text("new"));
   m_files->Remove(m_name);
   m_files->Remove(m_name);
   EXPECT_FALSE(m_files->Exists(m_name));
-  EXPECT_EQ(ErrorOf([&] { m_files->Replace(other, m_name, nullptr); }), ErrorNumber::FileNotFound);
+  EXPECT_EQ(ErrorOf([&] { m_files->Replace(other, m_name, {}); }), ErrorNumber::FileNotFound);
 }
 
 INSTANTIATE_TEST_SUITE_P(AllFileSystems, FileSystemTest, testing::Values(true, false),

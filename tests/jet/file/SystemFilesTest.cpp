@@ -207,7 +207,7 @@ TEST_F(SystemFilesTest, ReplacingALinkedFileKeepsTheLink) {
   const std::string link = m_folder.File("link.mdb");
   std::filesystem::create_symlink(m_name, link);
   WriteWholeFile(m_folder.File("new.mdb"), std::vector<std::byte>(20));
-  SystemFiles()->Replace(m_folder.File("new.mdb"), link, nullptr);
+  SystemFiles()->Replace(m_folder.File("new.mdb"), link, {});
   EXPECT_TRUE(std::filesystem::is_symlink(link));
   EXPECT_EQ(std::filesystem::file_size(m_name), 20U);
 }

@@ -44,7 +44,7 @@ TEST(Workload, FileOfTheDesktopProgram_AlsoCompacted) {
   database = open(path);
   const Model model(*database);
   const std::string compacted = folder.File("compacted.mdb");
-  DBEngine().CompactDatabase(*database, compacted);
+  DBEngine().CompactDatabase(*database, compacted)->Close();
   database = open(compacted);
   EXPECT_EQ(model.Compare(*database), "");
   EXPECT_EQ(Findings(*database), "");

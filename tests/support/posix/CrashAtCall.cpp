@@ -8,11 +8,14 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -111,6 +114,31 @@ int unlink(const char* name) noexcept {
 }
 int rename(const char* from, const char* to) noexcept {
   return Enter([&] { return Original<int(const char*, const char*)>("rename")(from, to); });
+}
+
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
+  return Enter([&] {
+    return Original<int(int, const char*, int, const char*, unsigned)>("renameat2")(fromFolder, from,
+                                                                                    toFolder, to, flags);
+  });
+}
+int link(const char* from, const char* to) noexcept {
+  return Enter([&] { return Original<int(const char*, const char*)>("link")(from, to); });
+}
+int fchmod(int file, mode_t mode) noexcept {
+  return Enter([&] { return Original<int(int, mode_t)>("fchmod")(file, mode); });
+}
+int fchown(int file, uid_t owner, gid_t group) noexcept {
+  return Enter([&] { return Original<int(int, uid_t, gid_t)>("fchown")(file, owner, group); });
+}
+// Only an opening that creates counts.
+int open(const char* name, int flags, ...) {
+  if ((flags & O_CREAT) == 0) return Original<int(const char*, int, ...)>("open")(name, flags);
+  va_list more;
+  va_start(more, flags);
+  const mode_t mode = va_arg(more, mode_t);
+  va_end(more);
+  return Enter([&] { return Original<int(const char*, int, ...)>("open")(name, flags, mode); });
 }
 
 }  // extern "C"
