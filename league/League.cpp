@@ -197,6 +197,7 @@ void League::Transact(const std::string& failure, const std::function<void()>& w
     fail(FailureKind::Refused, error.what(), {}, /*isCertain=*/true);
   }
   m_isInTransaction = false;
+  m_hasStored = true;
 }
 
 void League::Reload() {

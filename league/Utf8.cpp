@@ -90,8 +90,10 @@ void AppendShort(std::string& text, char32_t code) {
   }
 }
 
+/// Characters that a terminal obeys, or that turn the direction of what follows.
 bool IsControl(const Character& character) {
-  return character.code < 0x20 || (character.code >= 0x7F && character.code < 0xA0);
+  const auto isIn = [code = character.code](auto first, auto last) { return code >= first && code <= last; };
+  return isIn(0x00u, 0x1Fu) || isIn(0x7Fu, 0x9Fu) || isIn(0x2028u, 0x202Eu) || isIn(0x2066u, 0x2069u);
 }
 
 }  // namespace
@@ -189,11 +191,16 @@ std::optional<std::size_t> Utf16Length(std::string_view text) {
   return units;
 }
 
-std::string Printable(std::string_view text) {
+namespace {
+
+/// The text with control characters other than `kept` replaced.
+std::string WithoutControls(std::string_view text, std::string_view kept) {
   std::string printable;
   while (!text.empty()) {
     const Character character = FirstOf(text);
-    if (IsControl(character)) {
+    const bool isKept =
+        character.bytes.size() == 1 && kept.find(character.bytes[0]) != std::string_view::npos;
+    if (IsControl(character) && !isKept) {
       printable += "\xEF\xBF\xBD";
     } else {
       printable += character.bytes;
@@ -201,6 +208,16 @@ std::string Printable(std::string_view text) {
     text.remove_prefix(character.bytes.size());
   }
   return printable;
+}
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+  return WithoutControls(text, {});
+}
+
+std::string PrintableLines(std::string_view text) {
+  return WithoutControls(text, "\n\t");
 }
 
 }  // namespace HLLeague

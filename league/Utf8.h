@@ -35,4 +35,7 @@ std::optional<std::size_t> Utf16Length(std::string_view text);
 /// The text with control characters, which would upset a terminal or a grid, replaced by U+FFFD.
 std::string Printable(std::string_view text);
 
+/// The same, with line feeds and tabs kept.
+std::string PrintableLines(std::string_view text);
+
 }  // namespace HLLeague

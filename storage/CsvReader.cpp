@@ -58,6 +58,7 @@ bool CsvReader::Next(std::vector<std::string>& fields) {
     FieldEnd end = FieldEnd::Comma;
     while (end == FieldEnd::Comma) {
       isQuoted = isQuoted || m_in.peek() == '"';
+      if (fields.size() == kMostFields) Refuse("A line has more than 1000 fields.");
       end = ReadField(fields.emplace_back());
     }
     const bool isEmptyLine = fields.size() == 1 && fields[0].empty() && !isQuoted;
@@ -85,11 +86,16 @@ CsvReader::FieldEnd CsvReader::ReadField(std::string& field) {
   return end;
 }
 
+void CsvReader::Append(std::string& field, int c) const {
+  if (field.size() == kLongestField) Refuse("A field is longer than 64 KiB.");
+  field += static_cast<char>(c);
+}
+
 CsvReader::FieldEnd CsvReader::ReadPlain(std::string& field) {
   for (int c = m_in.get();; c = m_in.get()) {
     if (c == ',' || c == '\n' || c == '\r' || c == kEnd) return EndAt(c);
     if (c == '"') Refuse("A quote stands inside a field that does not begin with one.");
-    field += static_cast<char>(c);
+    Append(field, c);
   }
 }
 
@@ -102,7 +108,7 @@ CsvReader::FieldEnd CsvReader::ReadQuoted(std::string& field) {
       m_in.get();
     }
     if (c == '\n') ++m_line;
-    field += static_cast<char>(c);
+    Append(field, c);
   }
 }
 

@@ -49,11 +49,16 @@ class CsvReader {
   [[noreturn]] void Refuse(const std::string& reason) const;
 
  private:
+  /// No column of the league takes as much.
+  static constexpr std::size_t kLongestField = std::size_t{64} << 10;
+  static constexpr std::size_t kMostFields = 1000;
+
   enum class FieldEnd { Comma, Line, Text };
 
   FieldEnd ReadField(std::string& field);
   FieldEnd ReadPlain(std::string& field);
   FieldEnd ReadQuoted(std::string& field);
+  void Append(std::string& field, int c) const;
   FieldEnd EndAt(int c);
   void SkipByteOrderMark();
   void CheckText(const std::string& field) const;

@@ -229,6 +229,10 @@ class TableFiller {
 };
 
 std::int32_t FillFromFile(jet::Database& database, const TableFile& file, const std::filesystem::path& path) {
+  std::error_code unknown;
+  const auto kind = std::filesystem::status(path, unknown).type();
+  if (kind != std::filesystem::file_type::regular)
+    throw jet::Error(jet::ErrorNumber::PermissionDenied, "File " + path.string() + " is not a plain file.");
   try {
     std::ifstream in;
     in.exceptions(std::ios::badbit);  // else a read error would look like the end of the file

@@ -4,6 +4,7 @@
 
 #include "HLLeague/DraftSession.h"
 #include "HLLeague/League.h"
+#include "cli/commands/InputFile.h"
 #include "league/Utf8.h"
 #include "storage/HLServiceUtils.h"
 
@@ -25,6 +26,10 @@ DraftSession& Context::Draft() {
   return *m_draft;
 }
 
+bool Context::HasStored() const {
+  return m_league && m_league->HasStored();
+}
+
 LeagueOptions Context::Options() {
   return {.folder = folder, .kind = Kind(), .note = [this](const std::string& text) { messages.Note(text); }};
 }
@@ -33,7 +38,7 @@ std::optional<std::string> Context::Ask(const std::string& question) {
   if (!canAsk) return std::nullopt;
   messages.Prompt(question);
   std::string answer;
-  if (!std::getline(std::cin, answer)) return std::nullopt;
+  if (!ReadInputLine(std::cin, answer)) return std::nullopt;
   constexpr const char* kBlanks = " \t\r";
   answer.erase(0, answer.find_first_not_of(kBlanks));
   answer.erase(answer.find_last_not_of(kBlanks) + 1);

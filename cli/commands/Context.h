@@ -54,6 +54,8 @@ struct Context {
 
   /// The draft of that league's current season, with the picks that are not saved yet.
   HLLeague::DraftSession& Draft();
+  /// Whether the run has stored changes of the league.
+  bool HasStored() const;
   /// What opens that league, once more.
   HLLeague::LeagueOptions Options();
 

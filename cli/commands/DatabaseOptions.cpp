@@ -1,8 +1,9 @@
 #include "cli/commands/DatabaseOptions.h"
 
-#include <fstream>
+#include <algorithm>
 
 #include "cli/commands/ExitCode.h"
+#include "cli/commands/InputFile.h"
 #include "cli/output/System.h"
 #include "platform/Paths.h"
 #include "storage/HLServiceUtils.h"
@@ -15,11 +16,10 @@ namespace {
 
 /// The first line of the file, without its line end.
 std::string FirstLine(const std::string& path) {
-  std::ifstream file(HLDataSrvc::ToSystemPath(path), std::ios::binary);
   std::string line;
-  if (!file || (!std::getline(file, line) && !file.eof())) {
+  if (!ReadBytes(path, kLongestLine, line).empty())
     throw Failure(FailureKind::CannotOpen, "The password file " + path + " cannot be read.");
-  }
+  line.resize(std::min(line.size(), line.find('\n')));
   if (!line.empty() && line.back() == '\r') line.pop_back();
   return line;
 }

@@ -36,6 +36,7 @@ struct ExportOptions {
   std::string file;
   std::optional<std::int32_t> year;
   bool force = false;
+  bool isSafe = false;
 };
 
 bool IsNumber(const ExportCell& cell) {
@@ -103,7 +104,14 @@ std::string BoardHtml(DraftSession& draft, const std::optional<std::int32_t>& ye
   return BoardPage(league, *season, picks, picks, std::nullopt);
 }
 
-std::string RowsText(const ExportList& list, RowFormat format) {
+/// A text that no spreadsheet takes for a formula.
+ExportCell Guarded(const ExportCell& cell) {
+  const std::string* text = std::get_if<std::string>(&cell);
+  if (text == nullptr || text->find_first_of("=+-@\t\r") != 0) return cell;
+  return "'" + *text;
+}
+
+std::string RowsText(const ExportList& list, RowFormat format, bool isSafe) {
   std::string text;
   const auto writer = MakeRowWriter(format, [&text](std::string_view piece) { text += piece; });
   writer->Begin(list.columns);
@@ -113,7 +121,7 @@ std::string RowsText(const ExportList& list, RowFormat format) {
       if (flag != nullptr && format == RowFormat::Csv) {
         writer->Cell(std::string_view(*flag ? "yes" : "no"));
       } else {
-        writer->Cell(ValueOf(cell));
+        writer->Cell(ValueOf(isSafe ? Guarded(cell) : cell));
       }
     }
     writer->EndRow();
@@ -141,6 +149,8 @@ void Export(Context& context, const ExportOptions& options) {
                   "--season goes with the lists of a season; " + options.what + " are those of the league.");
   if (options.force && options.file.empty())
     throw Failure(FailureKind::WrongUsage, "--force goes with --output.");
+  if (options.isSafe && (context.json || options.format != "csv"))
+    throw Failure(FailureKind::WrongUsage, "--safe goes with CSV.");
   League& league = context.TheLeague();
   if (!options.file.empty()) RequireMayWrite(league, options);
   const std::string format = context.json ? "json" : options.format;
@@ -151,8 +161,9 @@ void Export(Context& context, const ExportOptions& options) {
   } else {
     const ExportList list = MakeExportList(context.Draft(), options.what, options.year);
     missing = list.missing;
-    text = format == "html" ? ListHtml(league, list)
-                            : RowsText(list, format == "json" ? RowFormat::JsonArray : RowFormat::Csv);
+    text = format == "html"
+               ? ListHtml(league, list)
+               : RowsText(list, format == "json" ? RowFormat::JsonArray : RowFormat::Csv, options.isSafe);
   }
   if (options.file.empty()) {
     context.output.Write(text);
@@ -174,6 +185,8 @@ void AddExportCommand(Command& app) {
       .ShowsDefault();
   command.AddOption("--output", "FILE", options->file, "file to write; without one, standard output");
   command.AddFlag("--force", options->force, "replace a file that is there already");
+  command.AddFlag("--safe", options->isSafe,
+                  "CSV for spreadsheets: an apostrophe before texts that they would take for formulas");
   command.AddOption("--season", "YEAR", options->year,
                     "the list of this year's season; without, of the current one");
   command.Runs(Export, options);

@@ -1,20 +1,17 @@
-#include <cerrno>
-#include <fstream>
+#include <cstddef>
 #include <memory>
 #include <sstream>
 #include <string>
-#include <system_error>
 
 #include "HLLeague/League.h"
 #include "HLLeague/MasterRecords.h"
 #include "HLLeague/PlayerImport.h"
 #include "cli/commands/Commands.h"
-#include "cli/commands/ExitCode.h"
+#include "cli/commands/InputFile.h"
 #include "cli/commands/RecordCommands.h"
 #include "cli/output/Json.h"
 #include "cli/output/ProgressBar.h"
 #include "league/Numbers.h"
-#include "platform/Paths.h"
 
 namespace cli {
 
@@ -23,6 +20,8 @@ using namespace HLLeague;
 namespace {
 
 using Kind = PlayerImport::Kind;
+
+constexpr std::size_t kLongestFile = std::size_t{16} << 20;
 
 struct ImportOptions {
   std::string file;
@@ -74,18 +73,8 @@ void PrintReport(Context& context, const PlayerImport& lines, const ImportOption
 
 void ImportPlayers(Context& context, const ImportOptions& options) {
   League& league = context.TheLeague();
-  errno = 0;
-  std::ifstream file(HLDataSrvc::ToSystemPath(options.file), std::ios::binary);
-  // A folder can be opened on some systems, and only reading it fails.
-  if (!file || (file.peek() == std::ifstream::traits_type::eof() && file.bad())) {
-    throw Failure(FailureKind::CannotOpen, "The file " + options.file + " cannot be read: " +
-                                               std::generic_category().message(errno) + ".");
-  }
   // As a whole: the reader goes back behind a byte order mark, which a pipe cannot.
-  std::stringstream text;
-  file.clear();
-  text << file.rdbuf();
-  text.clear();  // nothing to copy counts as a failure
+  std::istringstream text(ReadInputFile("file", options.file, kLongestFile));
   PlayerImport lines(league);
   lines.Read(text, options.file);
   if (!options.isDryRun) {

@@ -23,7 +23,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kBetweenLooks = 1s;
-constexpr const char* kClear = "\x1b[H\x1b[2J\x1b[3J";
 
 /// What tells that a file may have changed: it and its log.
 using Stamp = std::tuple<std::filesystem::file_time_type, std::uintmax_t, std::filesystem::file_time_type>;
@@ -40,7 +39,6 @@ Stamp StampOf(const std::string& path) {
 }  // namespace
 
 void WatchLeague(Context& context, const std::function<std::string(League&)>& text) {
-  const bool clears = IsTerminal(stdout) && !context.json;
   std::string shown;
   std::string noted;
   std::optional<Stamp> seen;
@@ -57,7 +55,8 @@ void WatchLeague(Context& context, const std::function<std::string(League&)>& te
       if (told == shown && noted.empty()) continue;
       noted.clear();
       shown = std::move(told);
-      context.output.Write((clears ? kClear : "") + shown);
+      if (!context.json) context.output.Clear();
+      context.output.Write(shown);
       context.output.Flush();
     } catch (const Failure& failure) {
       std::error_code error;

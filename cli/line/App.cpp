@@ -10,6 +10,7 @@ namespace cli {
 
 ExitCode Run(const std::vector<std::string>& words, Output& output, Messages& messages) {
   ExitCode exitCode = ExitCode::Done;
+  bool hasStored = false;
   const ExitCode code = Attempt(output, messages, [&] {
     Context context(output, messages);
     context.canAsk = IsTerminal(stdin) && IsTerminal(stderr);
@@ -19,9 +20,16 @@ ExitCode Run(const std::vector<std::string>& words, Output& output, Messages& me
     if (context.folder.empty()) context.folder = ProgramFolder();
     // A shell gives the context other actions while its own is under way.
     const auto action = std::exchange(context.action, nullptr);
-    action();
+    try {
+      action();
+    } catch (...) {
+      hasStored = context.HasStored();
+      throw;
+    }
+    hasStored = context.HasStored();
     exitCode = context.exitCode;
   });
+  if (hasStored && output.HasFailed()) messages.Hint("What was changed in the league is stored.");
   return code == ExitCode::Done ? exitCode : code;
 }
 

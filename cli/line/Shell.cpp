@@ -9,6 +9,7 @@
 
 #include "HLLeague/DraftSession.h"
 #include "HLLeague/League.h"
+#include "cli/commands/InputFile.h"
 #include "cli/line/ScriptWords.h"
 #include "league/Utf8.h"
 
@@ -53,7 +54,18 @@ ExitCode Shell::Run() {
       EndOfLines();
     }
   }
+  PublishWithoutUnsaved();
   return m_failure;
+}
+
+/// What is dropped on leaving does not stay on a published board.
+void Shell::PublishWithoutUnsaved() {
+  if (!m_context.publish || m_context.Draft().Unsaved().empty()) return;
+  const ExitCode published = Attempt(m_context.output, m_context.messages, [this] {
+    m_context.Draft().Revert();
+    m_context.publish();
+  });
+  if (published != ExitCode::Done) KeepFirst(published);
 }
 
 bool Shell::ReadLine(std::string& line) {
@@ -61,7 +73,7 @@ bool Shell::ReadLine(std::string& line) {
     const bool isUnsaved = !m_context.Draft().Unsaved().empty();
     m_context.messages.Prompt(isUnsaved ? "halcyra*> " : "halcyra> ");
   }
-  if (!std::getline(m_input.lines, line)) return false;
+  if (!ReadInputLine(m_input.lines, line)) return false;
   if (++m_lineNumber == 1 && line.starts_with(kByteOrderMark))
     line.erase(0, std::char_traits<char>::length(kByteOrderMark));
   return true;

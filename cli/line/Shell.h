@@ -33,6 +33,7 @@ class Shell {
 
  private:
   bool ReadLine(std::string& line);
+  void PublishWithoutUnsaved();
   void RunLine(const std::string& line);
   void Perform(std::vector<std::string> words);
   void AddShellCommands(Command root);

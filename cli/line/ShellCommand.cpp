@@ -1,20 +1,20 @@
-#include <cerrno>
-#include <fstream>
+#include <cstddef>
 #include <iostream>
 #include <memory>
-#include <system_error>
+#include <sstream>
 
 #include "cli/commands/Commands.h"
-#include "cli/commands/ExitCode.h"
+#include "cli/commands/InputFile.h"
 #include "cli/line/Shell.h"
 #include "cli/output/System.h"
-#include "platform/Paths.h"
 
 namespace cli {
 
 using namespace HLLeague;
 
 namespace {
+
+constexpr std::size_t kLongestScript = std::size_t{16} << 20;
 
 struct ShellOptions {
   std::string script;
@@ -27,13 +27,8 @@ void RunShell(Context& context, const ShellOptions& options) {
     context.exitCode = Shell(context, {std::cin, "", isInteractive, options.keepsGoing}).Run();
     return;
   }
-  errno = 0;
-  std::ifstream file(HLDataSrvc::ToSystemPath(options.script), std::ios::binary);
-  if (!file) {
-    throw Failure(FailureKind::CannotOpen, "The script " + options.script + " cannot be read: " +
-                                               std::generic_category().message(errno) + ".");
-  }
-  context.exitCode = Shell(context, {file, options.script, false, options.keepsGoing}).Run();
+  std::istringstream lines(ReadInputFile("script", options.script, kLongestScript));
+  context.exitCode = Shell(context, {lines, options.script, false, options.keepsGoing}).Run();
 }
 
 }  // namespace

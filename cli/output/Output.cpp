@@ -5,6 +5,7 @@
 
 #include "cli/commands/ExitCode.h"
 #include "cli/output/System.h"
+#include "league/Utf8.h"
 
 namespace cli {
 
@@ -19,7 +20,21 @@ namespace {
 
 }  // namespace
 
+Output::Output(std::FILE* stream) : m_stream(stream), m_isTerminal(IsTerminal(stream)) {}
+
 void Output::Write(std::string_view text) {
+  if (m_isTerminal) {
+    WriteBytes(PrintableLines(text));
+  } else {
+    WriteBytes(text);
+  }
+}
+
+void Output::Clear() {
+  if (m_isTerminal) WriteBytes("\x1b[H\x1b[2J\x1b[3J");
+}
+
+void Output::WriteBytes(std::string_view text) {
   errno = 0;
   if (!WriteText(m_stream, text)) {
     if (m_error == 0) m_error = errno;

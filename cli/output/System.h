@@ -32,6 +32,11 @@ std::size_t TerminalWidth(std::FILE* stream);
 /// not tell.
 std::string ProgramFolder();
 
+/// Reads a file, a pipe or a device from its beginning into `bytes`, at most `most` bytes. Returns why it
+/// cannot be read, without a full stop; empty when it can. Waits ten seconds at most for whoever writes into
+/// a pipe.
+std::string ReadBytes(const std::string& path, std::size_t most, std::string& bytes);
+
 /// Value of an environment variable, as UTF-8; empty when there is none.
 std::string EnvironmentText(const char* name);
 

@@ -55,6 +55,8 @@ class League {
   /// Raises Failure, whose text begins with the sentence `failure` ("The prizes could not be saved."), for an
   /// exception or a message box of `work`, and if what it saved cannot be stored.
   void Transact(const std::string& failure, const std::function<void()>& work);
+  /// Whether a Transact has stored something.
+  bool HasStored() const { return m_hasStored; }
   /// Takes a new service, which loads all records anew: after rows were changed behind its back. Do not keep
   /// records across it.
   void Reload();
@@ -69,6 +71,7 @@ class League {
   std::shared_ptr<HLIData::IDataService> m_service;  ///< empty after a rollback, until it is needed again
   std::string m_path;
   bool m_isInTransaction = false;
+  bool m_hasStored = false;
   std::set<std::string> m_partialDrafts;  ///< what was said of drafts whose rows do not fit
 };
 

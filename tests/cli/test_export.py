@@ -84,6 +84,12 @@ class Export(DraftTest):
             self.assertTrue(any(name in cell for row in page.rows for cell in row), what)
         self.assertIn(["487", "<script>alert(1)</script>", name, "QB", "AMB", "no"], csv_of(self.done("export", "players")))
 
+    def test_safe_csv_holds_no_formulas(self):
+        self.done("player", "add", "=1+1", "@Lee", "--position", "QB", "--team", "1")
+        self.assertEqual(csv_of(self.done("export", "players"))[1][1:3], ["=1+1", "@Lee"])
+        self.assertEqual(csv_of(self.done("export", "players", "--safe"))[1][1:3], ["'=1+1", "'@Lee"])
+        self.refused("export", "players", "--safe", "--format", "html", says="goes with CSV", code=USAGE)
+
     def test_files_are_not_written_over(self):
         out = self.folder / "teams.html"
         out.write_text("mine")
@@ -103,21 +109,27 @@ class Export(DraftTest):
 
 class Board(DraftTest):
     def test_the_page_follows_a_shell(self):
-        out, kept = self.folder / "board.html", []
-        board = f"board --html '{out}' --refresh 5"
-        lines = [board, "pick P1", "pick P2 --manager Marrowgate", "undo", "save"]
-        for upto in range(1, len(lines) + 2):
-            # The last one begins with what the one before it has saved.
-            self.shell(*(lines[:upto] if upto <= len(lines) else [board, "clear 1"]), "quit --discard")
-            page = Page(out.read_text("utf-8"))
-            self.assertEqual(page.refresh, "5")
-            kept.append((re.search(r"\d+ of 12 picks made.*", page.text)[0], page.text.count("On the clock"),
-                         sum("on the clock" in cell for row in page.rows for cell in row)))
-            if upto == 3:
-                self.assertIn("picked by Marrowgate", page.rows[1][2])
+        out, kept, text = self.folder / "board.html", [], None
+        with subprocess.Popen([support.PROGRAM, *map(str, self.at), "shell"], stdin=subprocess.PIPE,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=support.environment()) as shell:
+            for line in (f"board --html '{out}' --refresh 5", "pick P1", "pick P2 --manager Marrowgate", "undo", "save",
+                         "clear 1", "quit --discard"):
+                shell.stdin.write(f"{line}\n".encode())
+                shell.stdin.flush()
+                end = time.monotonic() + support.SECONDS
+                while not out.exists() or out.read_text("utf-8") == text:
+                    self.assertLess(time.monotonic(), end, line)
+                    time.sleep(0.02)
+                text = out.read_text("utf-8")
+                page = Page(text)
+                self.assertEqual(page.refresh, "5")
+                kept.append((re.search(r"\d+ of 12 picks made.*", page.text)[0], page.text.count("On the clock"),
+                             sum("on the clock" in cell for row in page.rows for cell in row)))
+                if "Marrowgate" in line:
+                    self.assertIn("picked by Marrowgate", page.rows[1][2])
         counts = [text.split(" picks")[0] for text, *_ in kept]
-        self.assertEqual(counts, ["0 of 12", "1 of 12", "2 of 12", "1 of 12", "1 of 12", "0 of 12"])
-        self.assertEqual(["(*)" in text for text, *_ in kept], [False, True, True, True, False, True])
+        self.assertEqual(counts, ["0 of 12", "1 of 12", "2 of 12", "1 of 12", "1 of 12", "0 of 12", "1 of 12"])
+        self.assertEqual(["(*)" in text for text, *_ in kept], [False, True, True, True, False, True, False])
         self.assertTrue(all(clock[1:] == (1, 1) for clock in kept), kept)
 
     def test_a_watcher_sees_what_others_do(self):

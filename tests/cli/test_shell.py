@@ -93,6 +93,21 @@ class Scripts(DraftTest):
         self.expect("P1", "P2")
         self.fail_with(support.CANNOT_OPEN, *self.at, "shell", "--script", self.folder / "none", says="none")
 
+    def test_endless_input_is_refused(self):
+        for words in (["shell", "--script"], ["import", "players"]):
+            self.refused(*words, "/dev/zero", says="too long")
+            self.refused(*words, self.folder, says="cannot be read", code=support.CANNOT_OPEN)
+        self.assertIn("too long", self.shell("x" * 70000, code=REFUSED)[1])
+
+    def test_a_published_board_does_not_keep_what_is_dropped(self):
+        page = self.folder / "board.html"
+        self.shell(f"board --html '{page}'", "pick P300", "quit --discard")
+        saved = page.read_text("utf-8")
+        self.shell(f"board --html '{page}'", "pick P300", code=REFUSED)
+        self.assertEqual(page.read_text("utf-8"), saved)
+        self.shell(f"board --html '{page}'", "pick P300", "save")
+        self.assertNotEqual(page.read_text("utf-8"), saved)
+
     def test_options_of_a_line_are_its_own(self):
         out, _ = self.shell("draft pick P1 --pick 3", "draft pick P2 --json", "draft clock", "quit --discard")
         self.assertEqual(json.loads(out[out.index("{"):out.rindex("}") + 1])["picks"][0]["pick"], 1)
@@ -177,6 +192,24 @@ class Terminals(DraftTest):
         return shown
 
     PROMPT, UNSAVED = "halcyra> ", "halcyra*> "
+
+    def test_names_do_not_reach_the_terminal_with_control_characters(self):
+        self.done("player", "add", "Eve\x1b[2J\u202e", "Lee", "--position", "QB", "--team", "1")
+        shown = self.type((self.PROMPT, "player show Eve\n"), (self.PROMPT, "search Eve\n"), (self.PROMPT, "pick Eve\n"),
+                          (self.UNSAVED, "pick Eve\n"), (self.UNSAVED, "board\n"), (self.UNSAVED, "quit --discard\n"))
+        for words in ("dump", "player info"), ("query", "select * from [player info] where id > 480"):
+            ours, theirs = pty.openpty()
+            with subprocess.Popen([support.PROGRAM, *map(str, self.at), *words], stdout=theirs, stderr=theirs,
+                                  env=support.environment()):
+                os.close(theirs)
+                try:
+                    while text := os.read(ours, 65536):
+                        shown += text.decode("utf-8", "replace")
+                except OSError:  # the other side is closed
+                    os.close(ours)
+        self.assertIn("Eve", shown)
+        self.assertNotIn("\x1b", shown)
+        self.assertNotIn("\u202e", shown)
 
     def test_errors_do_not_end_it_and_leaving_asks(self):
         shown = self.type((self.PROMPT, "darft\n"), (self.PROMPT, "draft pick P1\n"), (self.UNSAVED, "quit\n"),

@@ -1,11 +1,19 @@
 #include "cli/output/System.h"
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "platform/Paths.h"
 
 namespace cli {
 
@@ -32,6 +40,30 @@ std::string ProgramFolder() {
   std::error_code error;
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
   return error ? "." : program.parent_path().string();
+}
+
+std::string ReadBytes(const std::string& path, std::size_t most, std::string& bytes) {
+  constexpr int kPatience = 10000;  // milliseconds
+  const auto reason = [] { return std::generic_category().message(errno); };
+  // Opening a pipe would wait for whoever writes into it.
+  const int file = ::open(HLDataSrvc::ToSystemPath(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (file < 0) return reason();
+  const std::unique_ptr<const int, void (*)(const int*)> closing(&file,
+                                                                 [](const int* open) { ::close(*open); });
+  std::array<char, 1 << 16> buffer{};
+  for (bytes.clear(); bytes.size() < most;) {
+    pollfd wanted{file, POLLIN, 0};
+    const int ready = ::poll(&wanted, 1, kPatience);
+    if (ready == 0) return "nothing was written into it";
+    const ssize_t count = ::read(file, buffer.data(), std::min(buffer.size(), most - bytes.size()));
+    if (count == 0) return {};
+    if (count > 0) {
+      bytes.append(buffer.data(), static_cast<std::size_t>(count));
+    } else if (errno != EINTR && errno != EAGAIN) {
+      return reason();
+    }
+  }
+  return {};
 }
 
 std::string EnvironmentText(const char* name) {

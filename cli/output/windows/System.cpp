@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <streambuf>
+#include <system_error>
 
 #include <windows.h>
 // These need what windows.h declares.
@@ -12,6 +14,7 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include "platform/Paths.h"
 #include "platform/windows/WideText.h"
 
 namespace cli {
@@ -153,6 +156,16 @@ std::string ProgramFolder() {
   path.resize(length);
   const std::size_t separator = path.find_last_of(L'\\');
   return separator == std::wstring::npos ? "." : ToUtf8(path.substr(0, separator));
+}
+
+std::string ReadBytes(const std::string& path, std::size_t most, std::string& bytes) {
+  errno = 0;
+  std::ifstream file(HLDataSrvc::ToSystemPath(path), std::ios::binary);
+  bytes.resize(most);
+  file.read(bytes.data(), static_cast<std::streamsize>(most));
+  bytes.resize(static_cast<std::size_t>(file.gcount()));
+  if (file.good() || file.eof()) return {};
+  return std::generic_category().message(errno == 0 ? EIO : errno);
 }
 
 std::string EnvironmentText(const char* name) {
