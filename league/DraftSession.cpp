@@ -13,6 +13,7 @@
 #include "HLLeague/League.h"
 #include "HLLeague/SaveDraft.h"
 #include "HLLeague/Seasons.h"
+#include "records/RecordKey.h"
 
 namespace HLLeague {
 
@@ -74,7 +75,7 @@ Pick DraftSession::Reloaded(Pick pick) const {
       what =
           std::dynamic_pointer_cast<HLIData::IPickable>(HLDataSrvc::FindPlayer(m_league.Service(), pick.id));
     } else if (const auto teams = m_league.Service().GetTeams()) {
-      what = std::dynamic_pointer_cast<HLIData::IPickable>(teams->Find("K" + std::to_string(pick.id)));
+      what = std::dynamic_pointer_cast<HLIData::IPickable>(teams->Find(HLDataSrvc::RecordKey(pick.id)));
     }
   } catch (const std::exception&) {
     // The record of before still has type and id.

@@ -14,6 +14,7 @@
 #include "HLLeague/Prizes.h"
 #include "HLLeague/Seasons.h"
 #include "HLLeague/Winnings.h"
+#include "records/RecordKey.h"
 
 namespace HLLeague {
 namespace {
@@ -150,7 +151,7 @@ ExportList PicksList(DraftSession& draft, const ISeasonInfo& season) {
     const Turn turn = order.At(number);
     const auto whose = order.ManagerAt(turn.place);
     const auto maker =
-        pick.IsEmpty() ? nullptr : ManagersOf(season).Find("K" + std::to_string(*pick.managerID));
+        pick.IsEmpty() ? nullptr : ManagersOf(season).Find(HLDataSrvc::RecordKey(*pick.managerID));
     const PickableFacts facts = pick.what ? FactsOf(*pick.what) : PickableFacts();
     list.rows.push_back({number, turn.round, turn.pickInRound, whose ? Cell(FullName(*whose)) : Cell(),
                          pick.IsEmpty() ? Cell() : Cell(*pick.managerID),

@@ -16,6 +16,7 @@
 #include "league/Numbers.h"
 #include "league/TextTable.h"
 #include "league/Utf8.h"
+#include "records/RecordKey.h"
 
 namespace HLLeague {
 namespace {
@@ -92,7 +93,7 @@ std::shared_ptr<IPickable> ByID(League& league, const PickableID& wanted) {
   if (isPlayer) {
     found = std::dynamic_pointer_cast<IPickable>(PlayerByID(league, wanted.id));
   } else if (const auto teams = league.Service().GetTeams()) {
-    found = std::dynamic_pointer_cast<IPickable>(teams->Find("K" + std::to_string(wanted.id)));
+    found = std::dynamic_pointer_cast<IPickable>(teams->Find(HLDataSrvc::RecordKey(wanted.id)));
   }
   league.RaiseShownMessages();
   if (found) return found;

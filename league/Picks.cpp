@@ -5,6 +5,7 @@
 
 #include "HLLeague/Failure.h"
 #include "HLLeague/Seasons.h"
+#include "records/RecordKey.h"
 
 namespace HLLeague {
 namespace {
@@ -42,7 +43,7 @@ Picks PicksOf(const HLIData::ISeasonInfo& season) {
 }
 
 void RequireManager(const HLIData::ISeasonInfo& season, std::int32_t number, const Pick& pick) {
-  if (pick.IsEmpty() || ManagersOf(season).Find("K" + std::to_string(*pick.managerID))) return;
+  if (pick.IsEmpty() || ManagersOf(season).Find(HLDataSrvc::RecordKey(*pick.managerID))) return;
   throw Failure(FailureKind::Refused, "The manager with the id " + std::to_string(*pick.managerID) +
                                           " of pick " + std::to_string(number) +
                                           " does not take part in the season " +
@@ -53,7 +54,7 @@ void PutPick(HLIData::ISeasonInfo& season, std::int32_t number, const Pick& pick
   RequireManager(season, number, pick);
   season.RemoveDraft(number);
   if (pick.IsEmpty()) return;
-  const auto manager = ManagersOf(season).Item("K" + std::to_string(*pick.managerID));
+  const auto manager = ManagersOf(season).Item(HLDataSrvc::RecordKey(*pick.managerID));
   if (pick.what) {
     season.UpdateDraft(pick.what, number, manager);
   } else {

@@ -5,6 +5,7 @@
 
 #include "HLLeague/Failure.h"
 #include "HLLeague/Find.h"
+#include "jet/Text.h"
 #include "league/Nearest.h"
 #include "league/Numbers.h"
 #include "league/Utf8.h"
@@ -14,17 +15,12 @@ namespace {
 
 using HLDataSrvc::CsvError;
 
-/// A field without the blanks around it.
-std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
+constexpr const char* kBlanks = " \t";
 
 /// The name of a column as it may be written: "First Name", "first_name" and "firstName" are one.
 std::string ColumnWord(const std::string& name) {
   std::string word;
-  for (const char c : LowerCase(Trimmed(name))) {
+  for (const char c : LowerCase(jet::Trim(name, kBlanks))) {
     if (c != ' ' && c != '_' && c != '-') word += c;
   }
   return word;
@@ -109,7 +105,7 @@ void PlayerImport::ReadHeader(HLDataSrvc::CsvReader& reader, const std::string& 
   for (const std::string& name : header) {
     const auto column = kColumns.find(ColumnWord(name));
     if (column == kColumns.end()) {
-      const std::string nearest = NearestOf(Trimmed(name), names);
+      const std::string nearest = NearestOf(std::string(jet::Trim(name, kBlanks)), names);
       const bool isList = name.find_first_of(";\t") != std::string::npos;
       refuse("There is no column '" + Printable(name) + "'.", isList ? "Fields are separated by commas."
                                                               : nearest.empty()
@@ -135,7 +131,7 @@ PlayerImport::Fields PlayerImport::FieldsOf(const std::vector<std::string>& reco
   }
   Fields fields;
   for (std::size_t i = 0; i < record.size(); ++i) {
-    std::string field = Trimmed(record[i]);
+    std::string field(jet::Trim(record[i], kBlanks));
     if (!field.empty()) fields[m_columns[i]] = std::move(field);
   }
   return fields;

@@ -6,6 +6,7 @@
 #include "HLLeague/MasterRecords.h"
 #include "HLLeague/Pickables.h"
 #include "league/Numbers.h"
+#include "records/RecordKey.h"
 #include "storage/Schema.h"
 
 namespace HLLeague {
@@ -49,8 +50,10 @@ std::shared_ptr<BrokenPlayer> BrokenPlayerOf(League& league, std::int32_t id, co
   const auto positions = league.Service().GetPlayerPositions();
   const auto teams = league.Service().GetTeams();
   league.TakeShownMessages();
-  player->Resolve(positions ? positions->Find("K" + row[2].value_or("")) : nullptr,
-                  teams ? teams->Find("K" + row[3].value_or("")) : nullptr);
+  player->Resolve(
+      positions ? positions->Find(HLDataSrvc::RecordKey(WholeNumber(row[2].value_or("")).value_or(0)))
+                : nullptr,
+      teams ? teams->Find(HLDataSrvc::RecordKey(WholeNumber(row[3].value_or("")).value_or(0))) : nullptr);
   return player;
 }
 

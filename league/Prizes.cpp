@@ -7,6 +7,7 @@
 #include "HLLeague/Failure.h"
 #include "HLLeague/MasterRecords.h"
 #include "league/Numbers.h"
+#include "records/RecordKey.h"
 #include "storage/Schema.h"
 
 namespace HLLeague {
@@ -15,10 +16,6 @@ namespace {
 namespace Schema = HLDataSrvc::Schema;
 using HLIData::IPrizeTmplInfo;
 using HLIData::IPrizeTypeInfo;
-
-std::string KeyOf(std::int32_t id) {
-  return "K" + std::to_string(id);
-}
 
 /// A prize as its row has it, because the service could not load it.
 class UnloadedPrize final : public IPrizeTmplInfo {
@@ -84,11 +81,11 @@ std::vector<std::shared_ptr<IPrizeTmplInfo>> AllPrizes(League& league) {
   std::vector<std::shared_ptr<IPrizeTmplInfo>> prizes;
   for (const HLDataSrvc::TextRow& row : HLDataSrvc::SelectRows(league.Service(), select)) {
     const std::int32_t id = WholeNumber(row[0].value_or("")).value_or(0);
-    auto prize = loaded ? loaded->Find(KeyOf(id)) : nullptr;
+    auto prize = loaded ? loaded->Find(HLDataSrvc::RecordKey(id)) : nullptr;
     if (!prize) {
       const std::int32_t typeID = WholeNumber(row[2].value_or("")).value_or(0);
       prize = std::make_shared<UnloadedPrize>(id, row[1].value_or(""), typeID,
-                                              types ? types->Find(KeyOf(typeID)) : nullptr);
+                                              types ? types->Find(HLDataSrvc::RecordKey(typeID)) : nullptr);
     }
     prizes.push_back(std::move(prize));
   }
@@ -115,7 +112,7 @@ std::shared_ptr<IPrizeTmplInfo> SavePrize(League& league, const std::string& nam
                                           std::int32_t id) {
   RequireFits(league, Schema::Prize::kTable, Schema::Prize::kDesc, "name of the prize", name);
   const auto loaded = LoadedPrizes(league);  // first, so that a prize of no type does not stop the saving
-  const bool isLoaded = id == 0 || (loaded && loaded->Find(KeyOf(id)));
+  const bool isLoaded = id == 0 || (loaded && loaded->Find(HLDataSrvc::RecordKey(id)));
   if (!isLoaded && !name.empty() && typeID != 0) return SaveUnloaded(league, name, typeID, id);
   std::shared_ptr<IPrizeTmplInfo> saved;
   SaveRecord(league, "The prize", [&](std::string& message) {

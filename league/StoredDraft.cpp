@@ -9,6 +9,7 @@
 #include "HLIData/ITeamInfo.h"
 #include "HLLeague/Seasons.h"
 #include "league/Numbers.h"
+#include "records/RecordKey.h"
 #include "storage/Schema.h"
 
 namespace HLLeague {
@@ -49,7 +50,7 @@ Pick PickIn(League& league, const HLDataSrvc::TextRow& row, std::string& problem
     pick.id = teamID;
     const auto teams = league.Service().GetTeams();
     pick.what =
-        std::dynamic_pointer_cast<IPickable>(teams ? teams->Find("K" + std::to_string(teamID)) : nullptr);
+        std::dynamic_pointer_cast<IPickable>(teams ? teams->Find(HLDataSrvc::RecordKey(teamID)) : nullptr);
     if (!pick.what) problem = "is of team " + std::to_string(teamID) + ", which does not exist.";
   }
   return pick;
@@ -75,7 +76,7 @@ StoredDraft ReadStoredDraft(League& league, const HLIData::ISeasonInfo& season) 
     Pick pick = PickIn(league, row, problem);
     if (number < 1 || number > std::ssize(stored.picks)) {
       problem = "lies outside the draft of " + CountOfPicks(stored.picks.size()) + ".";
-    } else if (!ManagersOf(season).Find("K" + std::to_string(*pick.managerID))) {
+    } else if (!ManagersOf(season).Find(HLDataSrvc::RecordKey(*pick.managerID))) {
       problem = "is of manager " + std::to_string(*pick.managerID) + ", who does not take part.";
     } else if (pick.id != 0) {
       const auto [earlier, isFirst] = numbers.try_emplace({pick.type, pick.id}, number);

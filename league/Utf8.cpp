@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
+
+#include "jet/Text.h"
 
 namespace HLLeague {
 namespace {
@@ -12,18 +13,10 @@ struct Character {
   std::string_view bytes;
 };
 
-/// The first character of a text that is not empty.
+/// The first character of a text that is not empty; a byte that is no UTF-8 is one.
 Character FirstOf(std::string_view text) {
-  const auto byte = [text](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
-  const std::uint8_t lead = byte(0);
-  const std::size_t length = lead < 0xC2 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 1;
-  if (length == 1 || text.size() < length) return {lead, text.substr(0, 1)};
-  constexpr std::array<std::uint8_t, 5> kLeadBits = {0, 0, 0x1F, 0x0F, 0x07};
-  char32_t code = lead & kLeadBits[length];
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80U) return {lead, text.substr(0, 1)};
-    code = (code << 6U) | (byte(i) & 0x3FU);
-  }
+  std::size_t length = 0;
+  const char32_t code = jet::NextCodePoint(text, length);
   return {code, text.substr(0, length)};
 }
 
@@ -32,62 +25,19 @@ struct Range {
   char32_t last;
 };
 
+#include "league/WidthTable.inc"
+
 template <std::size_t count>
 bool IsIn(const std::array<Range, count>& ranges, char32_t code) {
-  return std::any_of(ranges.begin(), ranges.end(),
-                     [code](const Range& range) { return code >= range.first && code <= range.last; });
+  const auto range =
+      std::lower_bound(ranges.begin(), ranges.end(), code,
+                       [](const Range& candidate, char32_t wanted) { return candidate.last < wanted; });
+  return range != ranges.end() && code >= range->first;
 }
-
-/// Combining marks of the scripts that names are likely to be written in, joiners, and variation selectors.
-constexpr std::array<Range, 12> kNoWidth = {{{0x300, 0x36F},
-                                             {0x483, 0x489},
-                                             {0x591, 0x5BD},
-                                             {0x610, 0x61A},
-                                             {0x64B, 0x65F},
-                                             {0xE31, 0xE31},
-                                             {0xE34, 0xE3A},
-                                             {0x1AB0, 0x1AFF},
-                                             {0x1DC0, 0x1DFF},
-                                             {0x200B, 0x200F},
-                                             {0x20D0, 0x20FF},
-                                             {0xFE00, 0xFE0F}}};
-
-/// Hangul, kana, CJK, fullwidth forms, pictures.
-constexpr std::array<Range, 9> kDoubleWidth = {{{0x1100, 0x115F},
-                                                {0x2E80, 0x303E},
-                                                {0x3041, 0xA4CF},
-                                                {0xAC00, 0xD7A3},
-                                                {0xF900, 0xFAFF},
-                                                {0xFE30, 0xFE6F},
-                                                {0xFF00, 0xFF60},
-                                                {0x1F300, 0x1FAFF},
-                                                {0x20000, 0x3FFFD}}};
 
 std::size_t WidthOf(char32_t code) {
   if (IsIn(kNoWidth, code)) return 0;
   return IsIn(kDoubleWidth, code) ? 2 : 1;
-}
-
-char32_t Lower(char32_t code) {
-  const auto within = [code](char32_t first, char32_t last) { return code >= first && code <= last; };
-  if (within('A', 'Z')) return code + 0x20;
-  if (within(0xC0, 0xDE) && code != 0xD7) return code + 0x20;
-  if (within(0x100, 0x12F) || within(0x132, 0x137) || within(0x14A, 0x177)) return code | 1U;
-  if (within(0x139, 0x148) || within(0x179, 0x17E)) return code + (code & 1U);
-  if (code == 0x178) return 0xFF;
-  if (within(0x391, 0x3A9) || within(0x410, 0x42F)) return code + 0x20;
-  if (within(0x400, 0x40F)) return code + 0x50;
-  return code;
-}
-
-/// A character below U+0800.
-void AppendShort(std::string& text, char32_t code) {
-  if (code < 0x80) {
-    text += static_cast<char>(code);
-  } else {
-    text += static_cast<char>(0xC0U | (code >> 6U));
-    text += static_cast<char>(0x80U | (code & 0x3FU));
-  }
 }
 
 /// Characters that a terminal obeys, or that turn the direction of what follows.
@@ -161,32 +111,15 @@ std::string FirstLetter(std::string_view text) {
 }
 
 std::string LowerCase(std::string_view text) {
-  std::string lower;
-  while (!text.empty()) {
-    const Character character = FirstOf(text);
-    const char32_t small = Lower(character.code);
-    if (small == character.code) {
-      lower += character.bytes;
-    } else {
-      AppendShort(lower, small);
-    }
-    text.remove_prefix(character.bytes.size());
-  }
-  return lower;
+  return jet::FoldCase(text);
 }
 
 std::optional<std::size_t> Utf16Length(std::string_view text) {
   std::size_t units = 0;
-  while (!text.empty()) {
-    const Character character = FirstOf(text);
-    const std::size_t length = character.bytes.size();
-    const char32_t code = character.code;
-    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    if ((length == 1 && code > 0x7F) || (length == 3 && (code < 0x800 || isSurrogate)) ||
-        (length == 4 && (code < 0x10000 || code > 0x10FFFF)))
-      return std::nullopt;
-    units += length == 4 ? 2 : 1;
-    text.remove_prefix(length);
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t code = jet::NextCodePoint(text, at);
+    if (code >= jet::kInvalidByte) return std::nullopt;
+    units += code < 0x10000 ? 1 : 2;
   }
   return units;
 }

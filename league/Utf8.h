@@ -26,7 +26,7 @@ std::vector<std::string> Wrapped(std::string_view text, std::size_t width);
 /// The first character of a text with the marks that combine with it; empty for an empty text.
 std::string FirstLetter(std::string_view text);
 
-/// The text with its letters small, for comparing without regard to case: Latin, Greek and Cyrillic.
+/// The text for comparing without regard to case, as the engine compares names.
 std::string LowerCase(std::string_view text);
 
 /// How many units of UTF-16 a text takes; none for a text that is no UTF-8.

@@ -7,6 +7,7 @@
 #include "HLLeague/Prizes.h"
 #include "HLLeague/Seasons.h"
 #include "league/Numbers.h"
+#include "records/RecordKey.h"
 
 namespace HLLeague {
 namespace {
@@ -38,7 +39,7 @@ std::vector<Winning> WinningsIn(League& league, const HLIData::ISeasonInfo& seas
     const auto name = managerNames.find(winning.managerID);
     winning.manager = name == managerNames.end() ? Unnamed(item->ManagerID()) : name->second;
     winning.prizeID = StoredNumber(item->PrizeID());
-    const std::string key = "K" + std::to_string(winning.prizeID);
+    const std::string key = HLDataSrvc::RecordKey(winning.prizeID);
     const auto tmpl = std::find_if(prizeTmpls.begin(), prizeTmpls.end(),
                                    [&](const auto& prize) { return prize->ID() == winning.prizeID; });
     winning.prize = tmpl == prizeTmpls.end() ? Unnamed(item->PrizeID()) : (*tmpl)->Desc();

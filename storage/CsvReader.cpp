@@ -3,35 +3,12 @@
 #include <string_view>
 #include <utility>
 
+#include "jet/Text.h"
+
 namespace HLDataSrvc {
 namespace {
 
 constexpr int kEnd = std::char_traits<char>::eof();
-
-// The length of the UTF-8 character at the start of `text`, or 0 when there is none: cut off, overlong, a
-// surrogate or past the last code point.
-std::size_t Utf8Length(std::string_view text) {
-  const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return 1;
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  }
-  const bool isOutOfRange = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) > 0x9F) ||
-                            (lead == 0xF0 && byte(1) < 0x90) || (lead == 0xF4 && byte(1) > 0x8F);
-  return isOutOfRange ? 0 : length;
-}
-
-bool IsUtf8(std::string_view text) {
-  while (!text.empty()) {
-    const std::size_t length = Utf8Length(text);
-    if (length == 0) return false;
-    text.remove_prefix(length);
-  }
-  return true;
-}
 
 }  // namespace
 
@@ -127,7 +104,7 @@ CsvReader::FieldEnd CsvReader::EndAt(int c) {
 }
 
 void CsvReader::CheckText(const std::string& field) const {
-  if (!IsUtf8(field)) Refuse("The text is not UTF-8.");
+  if (!jet::IsUtf8(field)) Refuse("The text is not UTF-8.");
   if (field.find('\0') != field.npos) Refuse("The text holds a null character.");
 }
 

@@ -1,6 +1,7 @@
 #include "storage/LeagueBackup.h"
 
 #include <memory>
+#include <utility>
 
 #include "jet/Check.h"
 #include "jet/Error.h"
@@ -68,18 +69,18 @@ Replaced RestoreLeague(const std::string& backup, const std::string& path, const
     file.PutInPlace();
     return hasLog ? Replaced::LogOnly : Replaced::Nothing;
   }
-  const HeldLeague league = HoldLeague(path);
+  HeldLeague league = HoldLeague(path);
   file.Finish(Engine().CopyDatabase(*source, file.Path(), path));
   if (league.database) {
     CopyTo(*league.database, kept);
     file.PutInPlaceOf(*league.database);
     return Replaced::Whole;
   }
-  Engine().RenameDatabase(path, league.file, kept);
+  Engine().RenameDatabase(path, std::move(league.file), kept);
   try {
     file.PutInPlace();
   } catch (const jet::Error& error) {
-    if (!error.IsUncertain()) Engine().RenameDatabase(kept, league.file, path);
+    if (!error.IsUncertain()) Engine().RenameDatabase(kept, nullptr, path);
     throw;
   }
   return Replaced::Unreadable;

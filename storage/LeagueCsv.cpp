@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "jet/Error.h"
+#include "jet/Text.h"
 #include "jet/Value.h"
 #include "jet/dao/Database.h"
 #include "jet/dao/Recordset.h"
@@ -81,19 +82,6 @@ const std::vector<TableFile>& TableFiles() {
   return files;
 }
 
-std::string LowerCase(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
-std::string_view WithoutBlanks(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 // Errors for which the row is to blame, and not the file or the system.
 bool IsFaultOfRow(jet::ErrorNumber number) {
   using enum jet::ErrorNumber;
@@ -129,7 +117,7 @@ class TableFiller {
     std::vector<std::string> names;
     if (!m_reader.Next(names)) m_reader.Refuse("The line with the names of the columns is missing.");
     for (const std::string& name : names) {
-      const std::string wanted = LowerCase(std::string(WithoutBlanks(name)));
+      const std::string wanted = jet::LowerAscii(std::string(jet::Trim(name, " ")));
       const auto column = std::find_if(m_file.columns.begin(), m_file.columns.end(),
                                        [&](const Column& candidate) { return candidate.name == wanted; });
       if (column == m_file.columns.end()) {
@@ -165,7 +153,7 @@ class TableFiller {
 
   jet::Value ValueOf(const Column& column, const std::string& field) {
     if (column.kind == Kind::Text) return field.empty() ? jet::Value() : jet::Value(field);
-    const std::string_view text = WithoutBlanks(field);
+    const std::string_view text = jet::Trim(field, " ");
     switch (column.kind) {
       case Kind::Key:
         return Identifier(column, text);
@@ -209,7 +197,7 @@ class TableFiller {
   }
 
   bool YesOrNo(const Column& column, std::string_view text) const {
-    const std::string word = LowerCase(std::string(text));
+    const std::string word = jet::LowerAscii(std::string(text));
     const bool isYes = word == "true" || word == "yes" || word == "1";
     const bool isNo = word == "false" || word == "no" || word == "0";
     if (!isYes && !isNo) RefuseValue(column, text, "true, false, yes, no, 1 or 0");

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "jet/Error.h"
 #include "jet/dao/DBEngine.h"
@@ -46,7 +47,7 @@ void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options)
   if (replaced.database) {
     file.PutInPlaceOf(*replaced.database);
   } else if (replaced.file) {
-    file.PutInPlaceOf(replaced.file);
+    file.PutInPlaceOf(std::move(replaced.file));
   } else {
     file.PutInPlace();
   }

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Makes jet/format/CaseTable.inc from the case foldings of Unicode, as this Python knows them.
+"""Makes jet/CaseTable.inc from the case foldings of Unicode, as this Python knows them.
 
-Usage: tools/make-case-table.py > jet/format/CaseTable.inc
+Usage: tools/make-case-table.py > jet/CaseTable.inc
 """
 import sys
 import unicodedata

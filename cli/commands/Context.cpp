@@ -5,6 +5,7 @@
 #include "HLLeague/DraftSession.h"
 #include "HLLeague/League.h"
 #include "cli/commands/InputFile.h"
+#include "jet/Text.h"
 #include "league/Utf8.h"
 #include "storage/HLServiceUtils.h"
 
@@ -39,10 +40,7 @@ std::optional<std::string> Context::Ask(const std::string& question) {
   messages.Prompt(question);
   std::string answer;
   if (!ReadInputLine(std::cin, answer)) return std::nullopt;
-  constexpr const char* kBlanks = " \t\r";
-  answer.erase(0, answer.find_first_not_of(kBlanks));
-  answer.erase(answer.find_last_not_of(kBlanks) + 1);
-  return answer;
+  return std::string(jet::Trim(answer));
 }
 
 bool Context::Confirm(const std::string& question) {

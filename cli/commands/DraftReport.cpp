@@ -5,6 +5,7 @@
 #include "HLLeague/Seasons.h"
 #include "cli/output/RecordJson.h"
 #include "league/Utf8.h"
+#include "records/RecordKey.h"
 
 namespace cli {
 
@@ -24,7 +25,7 @@ std::string DraftReport::HeldText(const Pick& pick) const {
 
 std::string DraftReport::ManagerText(std::int32_t managerID) const {
   const std::string id = std::to_string(managerID);
-  const auto manager = ManagersOf(m_season).Find("K" + id);
+  const auto manager = ManagersOf(m_season).Find(HLDataSrvc::RecordKey(managerID));
   return manager ? Printable(FullName(*manager)) : id;
 }
 
@@ -40,7 +41,7 @@ std::string DraftReport::ClockText() {
 Json DraftReport::ManagerJson(std::int32_t managerID) const {
   Json json;
   json["id"] = managerID;
-  const auto manager = ManagersOf(m_season).Find("K" + std::to_string(managerID));
+  const auto manager = ManagersOf(m_season).Find(HLDataSrvc::RecordKey(managerID));
   json["name"] = manager ? Json(FullName(*manager)) : Json();
   return json;
 }

@@ -17,6 +17,7 @@
 #include "cli/commands/RecordCommands.h"
 #include "cli/commands/WordsCommand.h"
 #include "league/Numbers.h"
+#include "records/RecordKey.h"
 
 namespace cli {
 
@@ -74,7 +75,7 @@ void Join(Context& context, const Words& names) {
       names, [&](const auto& name) { return FindManagerTmpl(league, name); });
   const auto& playing = ManagersOf(*season);
   for (const auto& manager : joining) {
-    if (playing.Find("K" + std::to_string(manager->ID())))
+    if (playing.Find(HLDataSrvc::RecordKey(manager->ID())))
       throw Failure(FailureKind::Refused, FullName(*manager) + " takes part in the season already.");
   }
   const auto together = playing.Count() + static_cast<std::int32_t>(joining.size());

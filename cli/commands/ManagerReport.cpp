@@ -10,6 +10,7 @@
 #include "league/Numbers.h"
 #include "league/TextTable.h"
 #include "league/Utf8.h"
+#include "records/RecordKey.h"
 
 namespace cli {
 
@@ -77,7 +78,7 @@ void PrintManagers(Context& context, const HLIData::ISeasonInfo& season) {
 void PrintAllManagers(Context& context, const HLIData::ISeasonInfo* season) {
   const auto managers = AllManagers(context.TheLeague());
   const auto takesPart = [season](std::int32_t id) {
-    return season != nullptr && ManagersOf(*season).Find("K" + std::to_string(id)) != nullptr;
+    return season != nullptr && ManagersOf(*season).Find(HLDataSrvc::RecordKey(id)) != nullptr;
   };
   if (context.json) {
     Json document;

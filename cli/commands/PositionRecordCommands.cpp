@@ -10,6 +10,7 @@
 #include "cli/output/Json.h"
 #include "league/Numbers.h"
 #include "league/Utf8.h"
+#include "records/RecordKey.h"
 #include "storage/Schema.h"
 
 namespace cli {
@@ -30,10 +31,6 @@ Json PositionJson(const Position& position) {
   return {{"id", position.ID()}, {"abbr", position.Abbr()}, {"desc", position.Desc()}};
 }
 
-std::string KeyOf(std::int32_t id) {
-  return "K" + std::to_string(id);
-}
-
 HLIData::KeyedCollection<Position>& AllPositions(League& league) {
   const auto positions = league.Service().GetPlayerPositions();
   league.RaiseShownMessages();
@@ -42,7 +39,7 @@ HLIData::KeyedCollection<Position>& AllPositions(League& league) {
 }
 
 std::shared_ptr<Position> Find(League& league, const std::string& word) {
-  return AllPositions(league).Item(KeyOf(PositionNames(league).IDOf(word)));
+  return AllPositions(league).Item(HLDataSrvc::RecordKey(PositionNames(league).IDOf(word)));
 }
 
 std::shared_ptr<Position> Save(League& league, const std::string& abbr, const std::string& desc,
@@ -106,7 +103,7 @@ void Delete(Context& context, const DeleteOptions& options) {
   const std::string word = JoinedWords(options.who);
   const auto id = WholeNumber(word);
   // Whether there is one of that id, the service tells.
-  const auto position = id ? AllPositions(league).Find(KeyOf(*id)) : Find(league, word);
+  const auto position = id ? AllPositions(league).Find(HLDataSrvc::RecordKey(*id)) : Find(league, word);
   Deletion deletion;
   deletion.type = HLIData::DeleteType::Position;
   deletion.id = position ? position->ID() : *id;

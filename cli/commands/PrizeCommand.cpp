@@ -18,6 +18,7 @@
 #include "cli/commands/RecordCommands.h"
 #include "cli/commands/WordsCommand.h"
 #include "league/Numbers.h"
+#include "records/RecordKey.h"
 
 namespace cli {
 
@@ -102,7 +103,7 @@ void Set(Context& context, const Words& words) {
   ChangeAndSave(league, "The prizes", [&] {
     for (const PrizeAmount& one : wanted) {
       if (!season->AddPrize(one.prize)) return false;
-      PrizesOf(*season).Item("K" + std::to_string(one.prize->ID()))->Amount(one.amount);
+      PrizesOf(*season).Item(HLDataSrvc::RecordKey(one.prize->ID()))->Amount(one.amount);
     }
     return league.Service().SaveCurrentSeasonInfo();
   });
@@ -116,7 +117,7 @@ void Remove(Context& context, const Words& names) {
   std::vector<std::string> keys;
   for (const std::string& name : names) {
     const auto prize = FindPrize(*season, name);
-    const std::string key = "K" + std::to_string(prize->ID());
+    const std::string key = HLDataSrvc::RecordKey(prize->ID());
     if (std::find(keys.begin(), keys.end(), key) != keys.end())
       throw Failure(FailureKind::Refused, prize->Desc() + " is named twice.");
     keys.push_back(key);

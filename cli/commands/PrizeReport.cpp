@@ -14,6 +14,7 @@
 #include "league/Numbers.h"
 #include "league/TextTable.h"
 #include "league/Utf8.h"
+#include "records/RecordKey.h"
 
 namespace cli {
 
@@ -74,7 +75,7 @@ Json PrizesJson(League& league, const HLIData::ISeasonInfo& season) {
 }
 
 std::optional<std::int32_t> AmountIn(const HLIData::ISeasonInfo* season, std::int32_t prizeID) {
-  const auto prize = season == nullptr ? nullptr : PrizesOf(*season).Find("K" + std::to_string(prizeID));
+  const auto prize = season == nullptr ? nullptr : PrizesOf(*season).Find(HLDataSrvc::RecordKey(prizeID));
   return prize ? std::optional(prize->Amount()) : std::nullopt;
 }
 

@@ -8,6 +8,7 @@
 #include "cli/commands/ExitCode.h"
 #include "cli/output/HtmlPage.h"
 #include "cli/output/WholeFile.h"
+#include "records/RecordKey.h"
 
 namespace cli {
 
@@ -106,7 +107,7 @@ class BoardWriter {
   std::string OfAnother(const Pick& pick, std::int32_t number) const {
     if (pick.IsEmpty() || !m_isSettled || m_order.ManagerOn(number)->ID() == *pick.managerID) return {};
     const std::string id = std::to_string(*pick.managerID);
-    const auto manager = ManagersOf(m_season).Find("K" + id);
+    const auto manager = ManagersOf(m_season).Find(HLDataSrvc::RecordKey(*pick.managerID));
     return "<span class=\"mark\">~ picked by " + HtmlText(manager ? manager->LastName() : id) + "</span>";
   }
 

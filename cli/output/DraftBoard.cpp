@@ -8,6 +8,7 @@
 #include "HLLeague/Pickables.h"
 #include "HLLeague/Seasons.h"
 #include "league/Utf8.h"
+#include "records/RecordKey.h"
 
 namespace cli {
 
@@ -146,7 +147,7 @@ void DraftBoard::MakeNotes(const HLIData::ISeasonInfo& season, const Picks& pick
   for (std::int32_t number = 1; number <= m_order.NoOfPicks(); ++number) {
     const Pick& pick = picks[static_cast<std::size_t>(number) - 1];
     if (!m_isSettled || pick.IsEmpty() || m_order.ManagerOn(number)->ID() == *pick.managerID) continue;
-    const auto manager = ManagersOf(season).Find("K" + std::to_string(*pick.managerID));
+    const auto manager = ManagersOf(season).Find(HLDataSrvc::RecordKey(*pick.managerID));
     ofAnother += (ofAnother.empty() ? "" : ", ") + std::to_string(number) + " by " +
                  Printable(manager ? manager->LastName() : std::to_string(*pick.managerID));
   }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "jet/Error.h"
+#include "jet/Text.h"
 #include "jet/format/TextCodec.h"
 #include "jet/sql/ExpressionRules.h"
 #include "jet/sql/Literals.h"
@@ -75,7 +76,7 @@ class Conversion {
   Value Number(const std::string& wanted) const {
     if (sql::IsNumber(*m_value)) return *m_value;
     if (const auto* text = m_value->As<std::string>()) {
-      if (std::optional<Value> number = sql::ParseNumber(sql::Trim(*text))) return *std::move(number);
+      if (std::optional<Value> number = sql::ParseNumber(Trim(*text))) return *std::move(number);
     }
     Raise(wanted);
   }
@@ -124,9 +125,9 @@ class Conversion {
 
   Value YesNo() const {
     if (const auto* text = m_value->As<std::string>()) {
-      const std::string_view word = sql::Trim(*text);
-      if (sql::SameWord(word, "true") || sql::SameWord(word, "yes")) return true;
-      if (sql::SameWord(word, "false") || sql::SameWord(word, "no")) return false;
+      const std::string_view word = Trim(*text);
+      if (SameWord(word, "true") || SameWord(word, "yes")) return true;
+      if (SameWord(word, "false") || SameWord(word, "no")) return false;
     }
     return sql::CompareNumbers(Number("yes/no values"), Value(std::int32_t{0})) != 0;
   }
@@ -135,7 +136,7 @@ class Conversion {
     const std::string wanted = "dates from 0100-01-01 00:00 to 9999-12-31";
     std::optional<DateTime> date;
     if (const auto* held = m_value->As<DateTime>()) date = *held;
-    if (const auto* text = m_value->As<std::string>()) date = sql::ParseDate(sql::Trim(*text));
+    if (const auto* text = m_value->As<std::string>()) date = sql::ParseDate(Trim(*text));
     if (!date || !date->IsInRange()) Raise(wanted);
     return date->days == 0 ? DateTime{} : *date;  // zero has one sign, and one index key
   }
@@ -162,7 +163,7 @@ class Conversion {
   Value Identifier() const {
     if (m_value->As<Guid>() != nullptr) return *m_value;
     if (const auto* text = m_value->As<std::string>()) {
-      if (const std::optional<Guid> guid = sql::ParseGuid(sql::Trim(*text))) return *guid;
+      if (const std::optional<Guid> guid = sql::ParseGuid(Trim(*text))) return *guid;
     }
     Raise("GUIDs");
   }
@@ -193,12 +194,12 @@ Value EvaluateDefault(const std::string& expression) {
 }
 
 std::optional<Value> ConstantDefault(const std::string& expression) {
-  std::string_view text = sql::Trim(expression);
-  if (!text.empty() && text.front() == '=') text = sql::Trim(text.substr(1));
+  std::string_view text = Trim(expression);
+  if (!text.empty() && text.front() == '=') text = Trim(text.substr(1));
   if (std::optional<Value> number = sql::ParseNumber(text)) return number;
-  if (sql::SameWord(text, "true") || sql::SameWord(text, "yes")) return Value(true);
-  if (sql::SameWord(text, "false") || sql::SameWord(text, "no")) return Value(false);
-  if (sql::SameWord(text, "null")) return Value();
+  if (SameWord(text, "true") || SameWord(text, "yes")) return Value(true);
+  if (SameWord(text, "false") || SameWord(text, "no")) return Value(false);
+  if (SameWord(text, "null")) return Value();
   if (text.size() < 2 || (text.front() != '"' && text.front() != '\'') || text.back() != text.front())
     return std::nullopt;
   // A text in quotes; a quote inside it is doubled.

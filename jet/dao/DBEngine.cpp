@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "jet/Error.h"
+#include "jet/Text.h"
 #include "jet/dao/DatabaseCore.h"
 #include "jet/file/File.h"
 #include "jet/file/RedoLog.h"
@@ -25,7 +26,7 @@ std::string_view PasswordIn(std::string_view connect) {
     const std::size_t end = connect.find(';');
     const std::string_view item = connect.substr(0, end);
     const std::size_t equal = item.find('=');
-    if (equal != std::string_view::npos && sql::SameWord(sql::Trim(item.substr(0, equal)), "pwd"))
+    if (equal != std::string_view::npos && SameWord(Trim(item.substr(0, equal)), "pwd"))
       return item.substr(equal + 1);
     if (end == std::string_view::npos) return {};
     connect.remove_prefix(end + 1);
@@ -154,14 +155,14 @@ void DBEngine::ReplaceDatabase(Database& database, const std::string& from, std:
   const std::string to = database.m_core->Name();
   Observe("DBEngine.ReplaceDatabase", to);
   database.m_core->CheckCanChange();  // raises if the log beside it would stay
-  m_options.files->Replace(from, to, {database.m_core->Release(), std::move(made)});
+  m_options.files->Replace(from, to, {.from = std::move(made), .to = database.m_core->Release()});
 }
 
 void DBEngine::ReplaceDatabase(const std::string& to, std::shared_ptr<File> held, const std::string& from,
                                std::shared_ptr<File> made) {
   Observe("DBEngine.ReplaceDatabase", to);
   RedoLog(m_options.files, to, Durability::Off).Remove();
-  m_options.files->Replace(from, to, {std::move(held), std::move(made)});
+  m_options.files->Replace(from, to, {.from = std::move(made), .to = std::move(held)});
 }
 
 void DBEngine::PlaceDatabase(const std::string& to, const std::string& from, std::shared_ptr<File> made) {
@@ -172,7 +173,7 @@ void DBEngine::PlaceDatabase(const std::string& to, const std::string& from, std
     static_cast<void>(files.Open(LogNameFor(to), {}));  // refuses one that is in use
     files.Remove(LogNameFor(to));
   }
-  files.Rename(from, to, {std::move(made)});
+  files.Rename(from, to, {.from = std::move(made)});
 }
 
 bool DBEngine::HasFile(const std::string& name) const {
@@ -186,7 +187,7 @@ void DBEngine::RenameDatabase(const std::string& from, std::shared_ptr<File> hel
   const bool hasLog = files.Exists(LogNameFor(from));
   if (hasLog) files.Rename(LogNameFor(from), LogNameFor(to), {});
   try {
-    files.Rename(from, to, {std::move(held)});
+    files.Rename(from, to, {.from = std::move(held)});
   } catch (const Error& error) {
     if (hasLog && !error.IsUncertain()) files.Rename(LogNameFor(to), LogNameFor(from), {});
     throw;

@@ -32,7 +32,7 @@ void WriteWholeFile(FileSystem& files, const std::string& target, std::span<cons
   try {
     file->Write(0, bytes);
     file->Sync();
-    files.Replace(name, target, {std::shared_ptr<File>(std::move(file))});
+    files.Replace(name, target, {.from = std::move(file)});
   } catch (const Error& error) {
     file.reset();
     try {

@@ -42,8 +42,11 @@ struct OpenMode {
   std::string like = {};
 };
 
-/// Files that are open, and so locked, while their names are changed.
-using HeldFiles = std::vector<std::shared_ptr<File>>;
+/// The two files of a renaming, as far as they are open here, and so locked.
+struct HeldFiles {
+  std::shared_ptr<File> from{};
+  std::shared_ptr<File> to{};
+};
 
 /// What the engine asks of a file system. Names are UTF-8; `\` separates folders on every system, and `/`
 /// too.
@@ -62,9 +65,8 @@ class FileSystem {
   virtual std::vector<std::string> OtherNames(const std::string& /*name*/) { return {}; }
   /// Removes a file; one that is not there is no error.
   virtual void Remove(const std::string& name) = 0;
-  /// Renames a file over whatever has the new name, atomically, and makes the renaming durable. `held`
-  /// are the two files, as far as they are open here: where the system can rename and replace open files,
-  /// nobody else gets at them before.
+  /// Renames a file over whatever has the new name, atomically, and makes the renaming durable. Where the
+  /// system can rename and replace open files, nobody else gets at those that are held before.
   /// An error that is uncertain means that the renaming was done and may not survive a power cut.
   virtual void Replace(const std::string& from, const std::string& to, HeldFiles held) = 0;
   /// The same for a new name that nothing has; raises ObjectExists otherwise.

@@ -1,6 +1,6 @@
 #include "jet/format/NameOrder.h"
 
-#include "jet/format/CaseFolding.h"
+#include "jet/Text.h"
 #include "jet/format/TextCodec.h"
 
 namespace jet::format {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "jet/Text.h"
 #include "jet/format/TextCodec.h"
 
 namespace jet::format {

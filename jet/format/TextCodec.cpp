@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "jet/Error.h"
+#include "jet/Text.h"
 #include "jet/format/Bytes.h"
 
 namespace jet::format {
@@ -27,9 +28,6 @@ bool IsHighSurrogate(char32_t unit) {
 }
 bool IsLowSurrogate(char32_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-bool IsSurrogate(char32_t unit) {
-  return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
 constexpr std::uint64_t kHighBits = 0x8080808080808080;
@@ -76,7 +74,7 @@ class Utf8Writer {
   Utf8Writer& operator=(const Utf8Writer&) = delete;
 
   void Put(char32_t unit) {
-    if (m_high != 0 || IsSurrogate(unit)) {
+    if (m_high != 0 || IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
       PutAfterOrAsSurrogate(unit);
     } else if (unit < 0x80) {
       m_into.push_back(static_cast<char>(unit));
@@ -183,37 +181,6 @@ Bytes Compress(std::u16string_view units) {
 
 }  // namespace
 
-char32_t NextCodePoint(std::string_view utf8, std::size_t& position) {
-  const auto byteAt = [&](std::size_t at) { return static_cast<std::uint8_t>(utf8[at]); };
-  const std::uint8_t first = byteAt(position);
-  if (first < 0x80) {
-    ++position;
-    return first;
-  }
-  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  const char32_t invalid = kInvalidByte + first;
-  if (first < 0xC2 || first > 0xF4 || position + length > utf8.size()) {
-    ++position;
-    return invalid;
-  }
-  char32_t point = first & (0x7FU >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    const std::uint8_t next = byteAt(position + i);
-    if ((next & 0xC0) != 0x80) {
-      ++position;
-      return invalid;
-    }
-    point = point << 6 | (next & 0x3FU);
-  }
-  const bool overlong = (length == 3 && point < 0x800) || (length == 4 && point < 0x10000);
-  if (overlong || IsSurrogate(point) || point >= kInvalidByte) {
-    ++position;
-    return invalid;
-  }
-  position += length;
-  return point;
-}
-
 char32_t NextCodePointOrSurrogate(std::string_view utf8, std::size_t& position) {
   const char32_t point = NextCodePoint(utf8, position);
   if (point != kInvalidByte + 0xED || utf8.size() - position < 2) return point;
@@ -222,28 +189,6 @@ char32_t NextCodePointOrSurrogate(std::string_view utf8, std::size_t& position) 
   if (second < 0xA0 || second > 0xBF || (third & 0xC0) != 0x80) return point;
   position += 2;
   return 0xD000 | (second & 0x3FU) << 6 | (third & 0x3FU);
-}
-
-void AppendUtf8(char32_t point, std::string& into) {
-  const auto put = [&into](char32_t byte) {
-    into.push_back(static_cast<char>(static_cast<std::uint8_t>(byte)));
-  };
-  if (IsSurrogate(point) || point >= kInvalidByte) point = kReplacement;
-  if (point < 0x80) {
-    put(point);
-  } else if (point < 0x800) {
-    put(0xC0 | point >> 6);
-    put(0x80 | (point & 0x3F));
-  } else if (point < 0x10000) {
-    put(0xE0 | point >> 12);
-    put(0x80 | (point >> 6 & 0x3F));
-    put(0x80 | (point & 0x3F));
-  } else {
-    put(0xF0 | point >> 18);
-    put(0x80 | (point >> 12 & 0x3F));
-    put(0x80 | (point >> 6 & 0x3F));
-    put(0x80 | (point & 0x3F));
-  }
 }
 
 void DecodeText(std::span<const std::byte> stored, std::string& into, LoneSurrogates lone) {

@@ -59,17 +59,7 @@ std::u16string Utf8ToUtf16(std::string_view utf8, LoneSurrogates lone = LoneSurr
 /// for an odd number of bytes.
 std::string DecodePlainText(std::span<const std::byte> stored);
 
-/// What NextCodePoint answers for a byte that is no UTF-8: that byte on top of this.
-inline constexpr char32_t kInvalidByte = 0x110000;
-
-/// The code point that begins at `position` of a text, and moves `position` behind it. A byte that is no part
-/// of valid UTF-8 (also an encoded surrogate or an overlong form) is answered as kInvalidByte + byte.
-char32_t NextCodePoint(std::string_view utf8, std::size_t& position);
-
-/// The same; but three bytes of a surrogate, coded as if it were a character, are that surrogate.
+/// NextCodePoint; but three bytes of a surrogate, coded as if it were a character, are that surrogate.
 char32_t NextCodePointOrSurrogate(std::string_view utf8, std::size_t& position);
-
-/// Appends a code point as UTF-8; one that is none (a surrogate, past U+10FFFF) as U+FFFD.
-void AppendUtf8(char32_t codePoint, std::string& into);
 
 }  // namespace jet::format

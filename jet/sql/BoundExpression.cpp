@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "jet/Error.h"
+#include "jet/Text.h"
 #include "jet/sql/Literals.h"
 #include "jet/sql/Numbers.h"
 

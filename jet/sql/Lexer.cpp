@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "jet/Text.h"
 #include "jet/sql/Characters.h"
 #include "jet/sql/Literals.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "jet/Error.h"
-#include "jet/format/CaseFolding.h"
+#include "jet/Text.h"
 #include "jet/format/TextCodec.h"
 
 namespace jet::sql {
@@ -11,7 +11,7 @@ namespace {
 
 char32_t NextFolded(std::string_view text, std::size_t& at) {
   const auto byte = static_cast<unsigned char>(text[at]);
-  if (byte >= 0x80) return format::FoldCase(format::NextCodePoint(text, at));
+  if (byte >= 0x80) return FoldCase(NextCodePoint(text, at));
   ++at;
   return byte >= 'A' && byte <= 'Z' ? char32_t{byte} + 32 : char32_t{byte};
 }

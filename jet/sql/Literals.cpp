@@ -10,6 +10,7 @@
 #include <string>
 #include <system_error>
 
+#include "jet/Text.h"
 #include "jet/sql/Characters.h"
 #include "jet/sql/Numbers.h"
 
@@ -211,19 +212,6 @@ std::optional<Guid> ParseGuid(std::string_view text) {
     guid.bytes[Guid::kAsWritten[i]] = static_cast<std::uint8_t>(*high << 4 | *low);
   }
   return guid;
-}
-
-std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-bool SameWord(std::string_view a, std::string_view b) {
-  const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [&](char x, char y) { return fold(x) == fold(y); });
 }
 
 }  // namespace jet::sql

@@ -24,10 +24,4 @@ std::optional<DateTime> ParseDateLiteral(std::string_view text);
 /// The GUID that the whole text says, with or without braces.
 std::optional<Guid> ParseGuid(std::string_view text);
 
-/// The text without blanks, tabs and line ends at both ends.
-std::string_view Trim(std::string_view text);
-
-/// Whether the texts are the same but for the case of Latin letters without accents.
-bool SameWord(std::string_view a, std::string_view b);
-
 }  // namespace jet::sql

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "jet/Error.h"
+#include "jet/Text.h"
 #include "jet/sql/Lexer.h"
 #include "jet/sql/Literals.h"
 #include "jet/sql/Numbers.h"

@@ -233,7 +233,7 @@ class WindowsFileSystem final : public FileSystem {
   void Replace(const std::string& from, const std::string& to, HeldFiles held) override {
     file_names::Check(from);
     file_names::Check(to);
-    held.clear();  // open files cannot be renamed or replaced here
+    held = {};  // open files cannot be renamed or replaced here
     if (::MoveFileExW(ToSystemName(from).c_str(), ToSystemName(to).c_str(),
                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
       RaiseFor(::GetLastError(), to, "replace");
@@ -243,7 +243,7 @@ class WindowsFileSystem final : public FileSystem {
   void Rename(const std::string& from, const std::string& to, HeldFiles held) override {
     file_names::Check(from);
     file_names::Check(to);
-    held.clear();  // as in Replace
+    held = {};  // as in Replace
     if (::MoveFileExW(ToSystemName(from).c_str(), ToSystemName(to).c_str(), MOVEFILE_WRITE_THROUGH) != 0)
       return;
     const DWORD error = ::GetLastError();

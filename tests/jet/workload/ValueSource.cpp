@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "jet/Text.h"
 #include "jet/format/TextCodec.h"
 
 namespace jet::test {
@@ -54,7 +55,7 @@ std::string ValueSource::Text(std::size_t units, bool isKey) {
         character = kAwkward[Below(kAwkward.size())];
       } else {
         const auto point = static_cast<char32_t>(Number(0x20, 0x1FFFF));
-        format::AppendUtf8(point, character.utf8);
+        AppendUtf8(point, character.utf8);
         character.units = point > 0xFFFF ? 2 : 1;
       }
     }
