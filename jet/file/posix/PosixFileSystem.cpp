@@ -350,6 +350,8 @@ class PosixFileSystem final : public FileSystem {
     const std::string folder = file_names::Folder(systemName);
     struct stat status {};
     if (error == ENOENT && !folder.empty() && ::stat(folder.c_str(), &status) != 0) error = ENOTDIR;
+    if (error == ENOTDIR && file_names::IsInMaking(name))  // a name that nobody has asked for
+      throw Error(ErrorNumber::PathNotFound, "The folder '" + folder + "' does not exist.");
     RaiseFor(error, name, action);
   }
 
