@@ -12,7 +12,7 @@ template <typename T>
 class ComPtr {
  public:
   ComPtr() = default;
-  /// Adds a reference of its own.
+  /// Adds a reference.
   explicit ComPtr(T* pointer) : m_pointer(pointer) {
     if (m_pointer) m_pointer->AddRef();
   }

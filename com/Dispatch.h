@@ -5,9 +5,9 @@
 #include <oaidl.h>
 #include <windows.h>
 
-/// Calling by name, for every object of the library: what IDispatch asks, answered from the type library.
+/// Calling by name, for every object of the library: what IDispatch asks, implemented by the type library.
 ///
-/// An object answers to the members of all its interfaces, so that a script that got a player from a list to
+/// An object offers the members of all its interfaces, so that a script that got a player from a list to
 /// pick from also reads his team. Arguments by reference may be untyped variables, as scripts pass them.
 namespace HLDataSrvc::Com::Dispatch {
 

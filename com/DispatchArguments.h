@@ -16,7 +16,7 @@ namespace HLDataSrvc::Com {
 class DispatchArguments {
  public:
   /// Reads what it needs of `given` and `member` at once; `given` is borrowed and must outlive this. Raises
-  /// ComError for an argument that cannot become what the member takes; `badArgument` then tells which.
+  /// ComError for an argument that cannot become what the member takes; `badArgument` is then its index.
   DispatchArguments(const DISPPARAMS& given, const FUNCDESC& member, UINT& badArgument);
   ~DispatchArguments();
   DispatchArguments(const DispatchArguments&) = delete;
@@ -30,7 +30,7 @@ class DispatchArguments {
  private:
   struct StandIn {
     VARIANT value;
-    VARIANT* variable;  // borrowed; nullptr: nobody wants it back
+    VARIANT* variable;  // borrowed; null: not an output
   };
 
   /// Raises when an argument is missing that the member needs, or a method is given one too many.

@@ -40,7 +40,7 @@ STDAPI DllGetClassObject(REFCLSID id, REFIID interfaceId, void** object) {
   return CLASS_E_CLASSNOTAVAILABLE;
 }
 
-/// Whether nobody uses the library.
+/// Whether the library is unused.
 STDAPI DllCanUnloadNow() {
   return Module::CanUnload() ? S_OK : S_FALSE;
 }

@@ -14,7 +14,7 @@
 namespace HLDataSrvc::Com {
 
 /// One of the system's interfaces for walking over things, over the things as they stood when it was made.
-/// `Thing` copies with references of its own, and is handed out with `HandOut(thing, element)`.
+/// `Thing` copies with new references, and is handed out with `HandOut(thing, element)`.
 template <typename Interface, typename Element, typename Thing, void (*HandOut)(const Thing&, Element&)>
 class Enumeration final : public Interface {
  public:

@@ -28,7 +28,7 @@ constexpr HRESULT ResultOf(int number) {
 /// What the caller gave cannot be used as what is wanted: number 13.
 ComError TypeMismatch(const std::string& description);
 
-/// Leaves a description for the caller, who finds it in the error object of its thread, and answers `result`.
+/// Leaves a description for the caller, who finds it in the error object of its thread, and returns `result`.
 HRESULT Report(HRESULT result, const std::string& description) noexcept;
 
 /// Reports the exception that is being handled. No exception crosses the edge of the library.

@@ -31,7 +31,7 @@ class RecordObject : public ComObject<Interfaces...> {
   }
 
  protected:
-  /// Answers what a getter of `object` answers.
+  /// Returns the result of a getter of `object`.
   template <typename Out, typename Object, typename Owner, typename Value>
   HRESULT Read(Out* out, const Object& object, Value (Owner::*getter)() const) noexcept {
     return this->Filled(out, [&] { ToCom((object.*getter)(), out); });
@@ -44,7 +44,7 @@ class RecordObject : public ComObject<Interfaces...> {
   HRESULT Put(In value, void (Record::*setter)(Value)) noexcept {
     return Run(setter, value);
   }
-  /// Calls a member and answers what it answers.
+  /// Calls a member and returns its result.
   template <typename Out, typename Value, typename... Parameters, typename... Given>
   HRESULT Call(Out* out, Value (Record::*member)(Parameters...), Given... given) noexcept {
     return this->Filled(out, [&] {
@@ -58,7 +58,7 @@ class RecordObject : public ComObject<Interfaces...> {
           arguments);
     });
   }
-  /// Calls a member that answers nothing.
+  /// Calls a member without a result.
   template <typename... Parameters, typename... Given>
   HRESULT Run(void (Record::*member)(Parameters...), Given... given) noexcept {
     return this->Guarded([&] {

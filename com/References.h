@@ -42,7 +42,8 @@ struct Seen<HLIData::KeyedCollection<T>> {
   static constexpr char kWords[] = "a collection of the right kind";
 };
 
-// A new object for a record or a collection that has none. What a client implements answers as itself.
+// A new object for a record or a collection that has none. Objects that a client implements stand for
+// themselves.
 ComPtr<IUnknown> MakeObject(const std::shared_ptr<HLIData::IDataService>& service);
 ComPtr<IUnknown> MakeObject(const std::shared_ptr<HLIData::IDraftInfo>& record);
 ComPtr<IUnknown> MakeObject(const std::shared_ptr<HLIData::IManagerInfo>& record);

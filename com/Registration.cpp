@@ -189,7 +189,7 @@ void Register(RegisteredFor whom) {
     try {
       Unregister(whom);
     } catch (const ComError&) {
-      // The first error is the one to tell.
+      // Report the original error.
     }
     throw;
   }

@@ -7,7 +7,7 @@ namespace jet {
 enum class Durability {
   Full,    ///< a power cut
   Normal,  ///< the death of the process; a power cut may take the last changes
-  Off,     ///< nothing: the file is whole when it was closed. For files that nobody would miss half made
+  Off,     ///< nothing: the file is whole when it was closed. For temporary files
 };
 
 }  // namespace jet

@@ -19,7 +19,7 @@ enum class ErrorNumber : int {
   PasswordRejected = 3031,  ///< wrong or missing password
   NoTransaction = 3034,     ///< CommitTrans or Rollback without BeginTrans
   PathNotFound = 3044,      ///< the folder does not exist
-  FileInUse = 3045,         ///< someone else has the file open and does not share it
+  FileInUse = 3045,         ///< the file is open elsewhere and not shared
   RecordTooLarge = 3047,    ///< a row, or an index key, too long for a page
   LogDoesNotBelong = 3428,  ///< the log beside a database holds changes of another state of it
   DamagedFile = 3049,       ///< a structure of the file contradicts the format
@@ -41,14 +41,14 @@ enum class ErrorNumber : int {
   ZeroLengthText = 3315,
   RuleViolated = 3317,         ///< a row that a validation rule of its table or columns does not allow
   NotADatabase = 3343,         ///< not a Jet database, or a version this engine does not know
-  FileHeldExclusively = 3356,  ///< someone else has the file open exclusively
+  FileHeldExclusively = 3356,  ///< the file is open exclusively elsewhere
   ObjectClosed = 3420,         ///< the database or the recordset was closed
   CannotConvert = 3421,        ///< a value that does not fit the column's type or range
   TypeMismatch = 3464,         ///< operands of different kinds compared
   ObjectExists = 3010,         ///< a table, index or relationship of that name is there already
   InvalidDefinition = 3259,    ///< a table, column, index or relationship that cannot be made as asked
   FeatureNotSupported = 3001,  ///< something the engine cannot keep consistent and therefore refuses
-  ReadFailed = 3043,           ///< the system failed to read or write for a reason of its own
+  ReadFailed = 3043,           ///< the system failed to read or write for another reason
 };
 
 /// An error of the engine: a number, and one clear sentence that names the file, table, column or value at

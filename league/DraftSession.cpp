@@ -176,8 +176,8 @@ void DraftSession::RefuseUnsaved(const std::string& command) const {
 }
 
 Picks PicksToShow(DraftSession& draft, const HLIData::ISeasonInfo& season) {
-  return IsCurrent(draft.TheLeague(), season) ? draft.Current()
-                                              : ReadStoredDraft(draft.TheLeague(), season).picks;
+  return IsCurrent(draft.GetLeague(), season) ? draft.Current()
+                                              : ReadStoredDraft(draft.GetLeague(), season).picks;
 }
 
 std::int32_t PicksMadeIn(DraftSession& draft, const HLIData::ISeasonInfo& season) {

@@ -117,7 +117,7 @@ ChangedPick FillPick(DraftSession& session, const WantedPick& wanted) {
   if (!wanted.number) session.RequireWhole();
   const std::int32_t number = PickToFill(order, session.Current(), wanted.number);
   const auto manager = wanted.manager.empty() ? order.ManagerOn(number) : FindManager(season, wanted.manager);
-  const auto what = FindPickable(session.TheLeague(), wanted.words,
+  const auto what = FindPickable(session.GetLeague(), wanted.words,
                                  [&](const auto& one) { return TakenText(season, one); });
   RequireSound(*what);
   const Pick pick = MakePick(what, *manager);
@@ -163,7 +163,7 @@ std::vector<std::int32_t> DeletePicksOutside(DraftSession& session,
   }
   if (outside.empty()) return outside;
   session.RefuseUnsaved("draft clear");
-  League& league = session.TheLeague();
+  League& league = session.GetLeague();
   league.Transact("The draft could not be saved.", [&] {
     for (const std::int32_t number : outside)
       HLDataSrvc::DeleteRows(league.Service(), SelectPick(session.Season(), number));

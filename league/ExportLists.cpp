@@ -44,7 +44,7 @@ const Records& Checked(League& league, const Records& records) {
 
 ExportList Players(DraftSession& draft) {
   ExportList list{"Players", {"id", "first name", "last name", "position", "team", "is retired"}, {}};
-  for (const auto& player : AllPlayers(draft.TheLeague())) {
+  for (const auto& player : AllPlayers(draft.GetLeague())) {
     list.rows.push_back({player->ID(), player->FirstName(), player->LastName(),
                          player->Position() ? Cell(player->Position()->Abbr()) : Cell(),
                          player->Team() ? Cell(player->Team()->Abbr()) : Cell(), player->IsRetired()});
@@ -54,14 +54,14 @@ ExportList Players(DraftSession& draft) {
 
 ExportList Managers(DraftSession& draft) {
   ExportList list{"Managers", {"id", "first name", "last name"}, {}};
-  for (const auto& manager : AllManagers(draft.TheLeague()))
+  for (const auto& manager : AllManagers(draft.GetLeague()))
     list.rows.push_back({manager->ID(), manager->FirstName(), manager->LastName()});
   return list;
 }
 
 ExportList Prizes(DraftSession& draft) {
   ExportList list{"Prizes", {"id", "prize", "type"}, {}};
-  for (const auto& prize : AllPrizes(draft.TheLeague()))
+  for (const auto& prize : AllPrizes(draft.GetLeague()))
     list.rows.push_back(
         {prize->ID(), prize->Desc(), prize->PrizeType() ? Cell(prize->PrizeType()->Name()) : Cell()});
   return list;
@@ -69,14 +69,14 @@ ExportList Prizes(DraftSession& draft) {
 
 ExportList Positions(DraftSession& draft) {
   ExportList list{"Positions", {"id", "position", "name"}, {}};
-  for (const auto& position : *Checked(draft.TheLeague(), draft.TheLeague().Service().GetPlayerPositions()))
+  for (const auto& position : *Checked(draft.GetLeague(), draft.GetLeague().Service().GetPlayerPositions()))
     list.rows.push_back({position->ID(), position->Abbr(), position->Desc()});
   return list;
 }
 
 ExportList Teams(DraftSession& draft) {
   ExportList list{"Teams", {"id", "short", "name", "nickname", "position"}, {}};
-  for (const auto& team : *Checked(draft.TheLeague(), draft.TheLeague().Service().GetTeams()))
+  for (const auto& team : *Checked(draft.GetLeague(), draft.GetLeague().Service().GetTeams()))
     list.rows.push_back({team->ID(), team->Abbr(), team->Name(), team->Nickname(),
                          team->Position() ? Cell(team->Position()->Abbr()) : Cell()});
   return list;
@@ -88,8 +88,8 @@ ExportList Seasons(DraftSession& draft) {
                    "contribution", "regular weeks", "weeks", "prizes", "winnings", "started",
                    "ranking locked", "draft locked", "season locked"},
                   {}};
-  for (const auto& season : AllSeasons(draft.TheLeague(), &list.missing)) {
-    list.rows.push_back({season->Year(), season->ID(), IsCurrent(draft.TheLeague(), *season),
+  for (const auto& season : AllSeasons(draft.GetLeague(), &list.missing)) {
+    list.rows.push_back({season->Year(), season->ID(), IsCurrent(draft.GetLeague(), *season),
                          season->NoOfManagers(), ManagersOf(*season).Count(), season->NoOfRounds(),
                          DraftsOf(*season).Count(), PicksMadeIn(draft, *season), season->MoneyContribution(),
                          season->NoOfRegularWeeks(), season->TotalNoOfWeeks(), PrizesOf(*season).Count(),
@@ -110,7 +110,7 @@ ExportList SeasonManagers(DraftSession& draft, const ISeasonInfo& season) {
 
 ExportList SeasonPrizes(DraftSession& draft, const ISeasonInfo& season) {
   std::map<std::int32_t, std::int32_t> won;
-  for (const Winning& winning : WinningsIn(draft.TheLeague(), season))
+  for (const Winning& winning : WinningsIn(draft.GetLeague(), season))
     ++won[winning.prizeID];
   ExportList list{"Prizes", {"id", "prize", "type", "amount", "times won", "paid out"}, {}};
   for (const auto& prize : PrizesOf(season)) {
@@ -124,7 +124,7 @@ ExportList SeasonPrizes(DraftSession& draft, const ISeasonInfo& season) {
 
 ExportList WinningsList(DraftSession& draft, const ISeasonInfo& season) {
   ExportList list{"Winnings", {"week", "id", "manager id", "manager", "prize id", "prize", "amount"}, {}};
-  for (const Winning& winning : WinningsIn(draft.TheLeague(), season))
+  for (const Winning& winning : WinningsIn(draft.GetLeague(), season))
     list.rows.push_back({NumberOrNull(winning.week), winning.id, NumberOrNull(winning.managerID),
                          winning.manager, NumberOrNull(winning.prizeID), winning.prize,
                          winning.amount ? Cell(*winning.amount) : Cell()});
@@ -133,7 +133,7 @@ ExportList WinningsList(DraftSession& draft, const ISeasonInfo& season) {
 
 ExportList Money(DraftSession& draft, const ISeasonInfo& season) {
   ExportList list{"Money", {"manager id", "manager", "due", "paid", "owed", "won", "balance"}, {}};
-  for (const Account& account : AccountsOf(draft.TheLeague(), season).managers)
+  for (const Account& account : AccountsOf(draft.GetLeague(), season).managers)
     list.rows.push_back({NumberOrNull(account.managerID), account.name, Sum(account.due), Sum(account.paid),
                          Sum(account.Owed()), Sum(account.won), Sum(account.Balance())});
   return list;
@@ -239,7 +239,7 @@ ExportList MakeExportList(DraftSession& draft, const std::string& name,
                           const std::optional<std::int32_t>& year) {
   const Maker& maker = MakerOf(name);
   if (maker.ofSeason == nullptr) return maker.ofLeague(draft);
-  const auto season = SeasonToShow(draft.TheLeague(), year);
+  const auto season = SeasonToShow(draft.GetLeague(), year);
   ExportList list = maker.ofSeason(draft, *season);
   list.title += " " + std::to_string(season->Year());
   return list;

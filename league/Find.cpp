@@ -96,7 +96,7 @@ std::shared_ptr<HLIData::ISeasonInfo> CurrentSeason(League& league) {
                   choose);
   }
   const std::string shown = league.TakeShownMessages();
-  if (!shown.empty()) league.Note(shown);  // of other records, or of a part that whoever needs it misses
+  if (!shown.empty()) league.Note(shown);  // about other records, or a part that this command may not need
   return season;
 }
 

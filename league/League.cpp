@@ -40,7 +40,7 @@ constexpr const char* kNothingChanged = "Nothing was changed.";
   }
 }
 
-/// What `work()` answers; it is called again while it raises that the file is in use, for as long as
+/// The result of `work()`, which is called again while it raises that the file is in use, for as long as
 /// `patience` says. A watcher has the file for a moment whenever it has changed.
 template <typename Work>
 auto WhileInUse(std::chrono::milliseconds patience, Work&& work) {

@@ -50,7 +50,7 @@ PickableFacts FactsOfTeam(const HLIData::ITeamInfo& team) {
 }
 
 /// The records that the service's search finds. If one of them cannot be loaded, which fails the search, all
-/// records whose names may be meant: what is done with the result tells which are.
+/// records whose names may be meant: the caller filters them.
 Pickables Search(League& league, const std::string& text, bool skipRetired) {
   const auto found = league.Service().Search(HLIData::SearchType::PlayersAndTeams, text,
                                              /*curSeasonOnly=*/false, skipRetired);
@@ -253,7 +253,7 @@ Pickables Found(League& league, const PickableWords& wanted, bool skipRetired) {
   return found;
 }
 
-/// "Did you mean Ann Lee (P17, DAL, QB)?"; empty when nobody's name is near.
+/// "Did you mean Ann Lee (P17, DAL, QB)?"; empty when no name is near.
 std::string Suggestion(League& league, const PickableWords& words) {
   std::vector<std::string> names;
   std::vector<std::string> texts;

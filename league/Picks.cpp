@@ -33,7 +33,7 @@ Picks PicksOf(const HLIData::ISeasonInfo& season) {
     if (const auto manager = drafts.Item(number)->Manager()) {
       pick.managerID = manager->ID();
       ReadKey(drafts.KeyAt(number), pick);
-      // The key decides: a pick that was filled and emptied may still hold somebody else.
+      // The key decides: a pick that was filled and emptied may still hold another player.
       const auto held = drafts.Item(number)->PlayerOrTeam();
       if (held && held->PickType() == pick.type && held->PickID() == pick.id) pick.what = held;
     }

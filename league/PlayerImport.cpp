@@ -208,7 +208,7 @@ std::int32_t PlayerImport::ByNameAndPosition(const PlayerValues& wanted, bool ha
   const std::string first = LowerCase(wanted.firstName);
   const std::string last = LowerCase(wanted.lastName);
   std::vector<std::int32_t> namesakes;
-  std::vector<std::int32_t> meant;  // of them, those at the position, if the line tells one
+  std::vector<std::int32_t> meant;  // of them, those at the position, if the line has one
   for (auto at = m_byKey.lower_bound(Key(first, last, INT32_MIN)); at != m_byKey.end(); ++at) {
     const auto& [itsFirst, itsLast, itsPosition] = at->first;
     if (itsFirst != first || itsLast != last) break;
@@ -228,7 +228,7 @@ std::int32_t PlayerImport::ByNameAndPosition(const PlayerValues& wanted, bool ha
       list += (list.empty() ? "" : ", ") + WithID(id);
     Refuse("More than one player may be meant: " + list + ". The id says which, or 'new'.");
   }
-  // Another position or a comeback: the same man, or another? A guess would overwrite somebody.
+  // Another position or a comeback: the same player, or a namesake? A guess could overwrite the wrong one.
   const std::int32_t id = meant.empty() ? namesakes.front() : meant.front();
   const PlayerValues& player = m_players.at(id);
   if (meant.empty() || (player.isRetired && !wanted.isRetired)) {

@@ -125,7 +125,7 @@ void CheckWeeks(const ISeasonInfo& season, const SeasonSettings& settings) {
 void Check(DraftSession& draft, const ISeasonInfo& season, const SeasonSettings& settings) {
   const bool unlocks = settings.isLocked && !*settings.isLocked;
   if (!unlocks) RequireSeasonUnlocked(season, "its settings");
-  if (settings.year) CheckYear(draft.TheLeague(), season, *settings.year);
+  if (settings.year) CheckYear(draft.GetLeague(), season, *settings.year);
   CheckDraft(draft, season, settings);
   if (settings.contribution) {
     RequireInRange("The contribution", *settings.contribution, 0, std::numeric_limits<std::int32_t>::max());
@@ -157,7 +157,7 @@ void ChangeSeason(DraftSession& draft, const SeasonSettings& settings) {
     throw Failure(FailureKind::WrongUsage, "Say what to set.",
                   "'season set --help' lists what a season has.");
   }
-  League& league = draft.TheLeague();
+  League& league = draft.GetLeague();
   draft.RefuseUnsaved("season set");
   const auto season = CurrentSeason(league);
   Check(draft, *season, settings);

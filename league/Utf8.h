@@ -14,7 +14,7 @@ namespace HLLeague {
 /// for the wide characters of East Asian scripts and for pictures.
 std::size_t DisplayWidth(std::string_view text);
 
-/// As much of the text as fits `width` columns; where something is left out, the last column tells it by "…".
+/// As much of the text as fits `width` columns; "…" in the last column marks a cut.
 std::string CutToWidth(std::string_view text, std::size_t width);
 
 /// The text cut to `width` columns and filled up with blanks behind.

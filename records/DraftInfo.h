@@ -14,7 +14,7 @@ namespace HLDataSrvc {
 
 /// One pick of a season's draft.
 ///
-/// Holds a player and a team side by side; setting one leaves the other, and the pick type tells which of
+/// Holds a player and a team side by side; setting one leaves the other, and the pick type decides which of
 /// them counts.
 class DraftInfo final : public HLIData::IDraftInfo {
  public:

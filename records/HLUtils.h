@@ -22,7 +22,7 @@ std::string MakePickKey(HLIData::PickType pickType, std::int32_t id);
 /// ranking picks. Rounds take each of the `noOfManagers` managers once, in ranking order, every even one in
 /// reverse.
 ///
-/// Every number counts from 1; one below 1 for `pickNo` is worked out all the same. Fewer than one manager
+/// Every number counts from 1; one below 1 for `pickNo` is computed anyway. Fewer than one manager
 /// leaves the three results untouched. Raises Overflow where a step of the arithmetic leaves 32 bits, and
 /// then leaves them untouched too.
 void GetDraftPosition(std::int32_t pickNo, std::int32_t noOfManagers, std::int32_t& managerPlace,

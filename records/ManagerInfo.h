@@ -9,7 +9,7 @@
 
 namespace HLDataSrvc {
 
-/// A manager's part in one season. Keeps no identifier and no names of its own: they are read from the master
+/// A manager's part in one season. Has no separate identifier and names: they are read from the master
 /// record every time, and raise ObjectNotSet when there is none.
 class ManagerInfo final : public HLIData::IManagerInfo {
  public:

@@ -65,7 +65,7 @@ void SeasonInfo::UpdateDraft(const std::shared_ptr<HLIData::IPickable>& pickedIn
                              const std::shared_ptr<HLIData::IManagerInfo>& oMgr) {
   // Deliberately taken out before anything about its successor is known: an error from here on leaves the
   // draft without it, see SeasonDraft.AFailedUpdateLeavesThePickOut.
-  const auto draft = TakeOut(curPick);
+  const auto draft = RemovePick(curPick);
   const HLIData::IPickable& picked = Required(pickedInfo, kNoPick);
   HLUtils::PutPickBack(*m_drafts, curPick, draft, HLUtils::MakePickKey(picked.PickType(), picked.PickID()));
   draft->PlayerOrTeam(pickedInfo);
@@ -73,7 +73,7 @@ void SeasonInfo::UpdateDraft(const std::shared_ptr<HLIData::IPickable>& pickedIn
 }
 
 void SeasonInfo::RemoveDraft(std::int32_t curPick) {
-  const auto draft = TakeOut(curPick);
+  const auto draft = RemovePick(curPick);
   HLUtils::PutPickBack(*m_drafts, curPick, draft, HLUtils::MakePickKey(PickType::None, curPick));
   // The empty reference changes nothing, deliberately: the pick keeps its player or team and its changed
   // flag, and manager and key alone say that it is empty. See SeasonDraft.ARemovedPickKeepsWhatItHeld.
@@ -81,7 +81,7 @@ void SeasonInfo::RemoveDraft(std::int32_t curPick) {
   draft->Manager(nullptr);
 }
 
-std::shared_ptr<HLIData::IDraftInfo> SeasonInfo::TakeOut(std::int32_t curPick) {
+std::shared_ptr<HLIData::IDraftInfo> SeasonInfo::RemovePick(std::int32_t curPick) {
   auto& drafts = Required(m_drafts, kNoDraft);
   auto draft = drafts.Item(curPick);
   drafts.Remove(curPick);

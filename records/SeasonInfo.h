@@ -61,8 +61,8 @@ class SeasonInfo final : public HLIData::ISeasonInfo {
   void CurrentPick(std::int32_t value) { m_currentPick = value < 1 ? 1 : value; }
 
  private:
-  /// Takes the pick at position `curPick` out of the draft and answers it.
-  std::shared_ptr<HLIData::IDraftInfo> TakeOut(std::int32_t curPick);
+  /// Takes the pick at position `curPick` out of the draft and returns it.
+  std::shared_ptr<HLIData::IDraftInfo> RemovePick(std::int32_t curPick);
   /// Round, last name and pick name of something that was picked already, with tabs between.
   std::string TakenMessage(const HLIData::IDraftInfo& draft, const HLIData::IPickable& pick) const;
 

@@ -14,7 +14,7 @@ void SettingInfo::CurrentSeason(std::int32_t value) {
 void SettingInfo::IsChanged(bool value) {
   m_isChanged = value;
   if (!value) return;
-  // An observer may remove itself or another while it is told: walk a copy, and skip who is gone.
+  // An observer may remove itself or another during its call: iterate over a copy, and skip removed ones.
   const auto observers = m_observers;
   for (HLIData::ISettingInfoEvents* observer : observers) {
     if (std::find(m_observers.begin(), m_observers.end(), observer) != m_observers.end())

@@ -2,7 +2,7 @@
 
 namespace HLDataSrvc {
 
-/// Stores a value unless the field equals it already, and answers whether it stored it: the rule of setters
+/// Stores a value unless the field equals it already, and returns whether it stored it: the rule of setters
 /// that track changes. References are equal when they point at the same object.
 template <typename T>
 bool StoreIfDifferent(T& field, const T& value) {

@@ -34,7 +34,7 @@ class WinningInfo final : public HLIData::IWinningInfo {
   /// Whether the winning has a row in the database.
   bool IsSaved() const { return m_isSaved; }
   void IsSaved(bool value) { m_isSaved = value; }
-  /// Makes the key, keeps it as Key and answers it: that of the identifier (K17) or, when that is below 1,
+  /// Makes the key, keeps it as Key and returns it: that of the identifier (K17) or, when that is below 1,
   /// "KNEW" and `sequence` (KNEW3).
   std::string MakeKey(std::int32_t sequence);
 

@@ -34,7 +34,7 @@ class Writes;
 ///
 /// Every operation traps what is raised inside it and reports it in one of the two styles of
 /// service/Failures.h, except where its interface says that it raises. Each family of operations has a source
-/// file of its own.
+/// separate file.
 class DataService final : public HLIData::IDataService,
                           private HLIData::ISettingInfoEvents,
                           public std::enable_shared_from_this<DataService> {
@@ -158,13 +158,13 @@ class DataService final : public HLIData::IDataService,
                        const SeasonInfo& season);
   /// The prizes of a season with their amounts.
   std::shared_ptr<HLIData::KeyedCollection<HLIData::IPrizeInfo>> LoadMoneyDistribution(std::int32_t seasonID);
-  /// The prizes won in a season. Shows its failure and answers an empty reference.
+  /// The prizes won in a season. Shows its failure and returns an empty reference.
   std::shared_ptr<HLIData::KeyedCollection<HLIData::IWinningInfo>> LoadWinnings(std::int32_t seasonID);
   std::shared_ptr<HLIData::IManagerTmplInfo> ManagerTmplByID(std::int32_t managerID);
   /// Raises UnknownKey for a team that there is not.
   std::shared_ptr<TeamInfo> TeamByID(std::int32_t teamID);
 
-  // Search, one routine a kind. Each shows its failure and answers an empty reference.
+  // Search, one routine a kind. Each shows its failure and returns an empty reference.
 
   using Found = HLIData::KeyedCollection<HLIData::IPickable>;
   std::shared_ptr<Found> SearchPlayersAndTeams(const std::string& text, bool skipRetired);
@@ -184,7 +184,7 @@ class DataService final : public HLIData::IDataService,
   /// the service. So may records of the client's, which raise then if they close the database.
   void Write(const std::function<void(Writes& writes)>& write);
   /// SeasonByID as the first step of an operation whose later errors go to the caller: shows its failure with
-  /// the operation's sentence, and answers false.
+  /// the operation's sentence, and returns false.
   bool FetchSeason(std::int32_t seasonID, const std::string& sentence, std::shared_ptr<SeasonInfo>& season);
   /// Adds or edits the row of a pick of a season. Raises ObjectNotSet for one without a manager.
   void WritePick(Writes& writes, std::int32_t seasonID, const DraftInfo& pick);

@@ -11,10 +11,10 @@
 namespace HLDataSrvc {
 
 bool DataService::Initialize(HLIData::DBType dbType, std::string& errorMessage) {
-  return TellFailure(errorMessage, /*sentence=*/{}, [&] {
+  return ReportFailure(errorMessage, /*sentence=*/{}, [&] {
     m_databaseKind = dbType;
     if (!OpenDatabase(/*clearCache=*/false, errorMessage)) return false;
-    GetSettings();  // shows its own failure; the database is open all the same
+    GetSettings();  // shows its own failure; the database stays open
     return true;
   });
 }

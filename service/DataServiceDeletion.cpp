@@ -49,7 +49,7 @@ bool DataService::Delete(DeleteType deleteType, std::int32_t id, std::string& er
   }
   std::shared_ptr<jet::Recordset> rows;
   bool isFound = false;
-  const bool isOpen = TellFailure(errorMessage, "Error in deleting record.", [&] {
+  const bool isOpen = ReportFailure(errorMessage, "Error in deleting record.", [&] {
     rows = Database().OpenRecordset("select [id] from [" + TableOf(deleteType) +
                                     "] where [id] = " + std::to_string(id));
     isFound = !rows->Eof();

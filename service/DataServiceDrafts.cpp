@@ -43,7 +43,7 @@ std::shared_ptr<KeyedCollection<IDraftInfo>> EmptyDraft(std::int32_t noOfPicks) 
   return drafts;
 }
 
-/// Who picked whom, as a row of the draft says; 0: nobody.
+/// Who picked whom, as a row of the draft says; 0: none.
 struct PickIDs {
   std::int32_t manager = 0;
   std::int32_t player = 0;

@@ -1,6 +1,6 @@
 // Adding and changing master records.
 //
-// The four operations go the same way: what is missing is told, and nothing has changed; then the record
+// The four operations go the same way: report what is missing, and change nothing; then the record
 // that everybody shares takes the new values, and a new one enters its cache; then the row is written. The
 // order is on purpose: when the row cannot be written, the change stays in memory. Any error ends an
 // operation with a bare false.

@@ -29,7 +29,7 @@ auto LookUpIn(bool isShown, LookUp&& lookUp) {
   }
 }
 
-// The styles in which operations tell of a failure. Each operation keeps to one of them; all trap every error
+// The styles in which operations report a failure. Each operation keeps to one of them; all trap every error
 // that is raised inside.
 
 /// Runs `work(result)` and returns the result. When it raises, shows one message box with the operation's
@@ -48,10 +48,10 @@ Result ShowFailure(Host& host, const std::string& sentence, Work&& work) {
   return result;
 }
 
-/// Runs `work()` and answers what it answers. When it raises, puts the operation's sentence and the error's
-/// description into `errorMessage`, or the description alone when `sentence` is empty, and answers false.
+/// Runs `work()` and returns its result. When it raises, puts the operation's sentence and the error's
+/// description into `errorMessage`, or the description alone when `sentence` is empty, and returns false.
 template <typename Work>
-bool TellFailure(std::string& errorMessage, const std::string& sentence, Work&& work) {
+bool ReportFailure(std::string& errorMessage, const std::string& sentence, Work&& work) {
   try {
     return std::forward<Work>(work)();
   } catch (const std::exception& error) {

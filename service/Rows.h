@@ -10,7 +10,7 @@
 #include "records/Conversions.h"
 
 /// How loaders read the columns of a recordset's current row. A value is always read as its text, so that a
-/// Null is an empty text; what a loader makes of that is told by the function it calls. All raise
+/// Null is an empty text; the function that a loader calls decides what that means. All raise
 /// UnknownField for a column that the recordset does not have; the errors of conversions name table, row and
 /// column.
 namespace HLDataSrvc::Rows {

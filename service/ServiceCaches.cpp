@@ -6,7 +6,7 @@ namespace {
 using Seasons = ServiceCaches::Cache<HLIData::ISeasonInfo>;
 
 /// Takes an object out of a collection, under whatever key it stands.
-void TakeOut(const Seasons& seasons, const std::shared_ptr<HLIData::ISeasonInfo>& season) {
+void RemoveSeason(const Seasons& seasons, const std::shared_ptr<HLIData::ISeasonInfo>& season) {
   for (std::int32_t position = seasons ? seasons->Count() : 0; position > 0; --position) {
     if (seasons->Item(position) == season) seasons->Remove(position);
   }
@@ -22,8 +22,8 @@ void ServiceCaches::Keep(const std::shared_ptr<HLIData::ISeasonInfo>& season) {
 }
 
 void ServiceCaches::Forget(const std::shared_ptr<HLIData::ISeasonInfo>& season) {
-  TakeOut(seasonsByID, season);
-  TakeOut(seasonsByYear, season);
+  RemoveSeason(seasonsByID, season);
+  RemoveSeason(seasonsByYear, season);
 }
 
 void ServiceCaches::Clear() {

@@ -19,7 +19,7 @@ namespace HLDataSrvc {
 /// cache that has not been loaded; the operation that needs it makes it.
 ///
 /// The collections are typed by the interfaces that clients see, because the very collection that is the
-/// cache is what they are handed. Whatever the service put in is one of its own records; where it needs more
+/// cache is what they are handed. All records in it are made by the service; where it needs more
 /// than the interface shows, it casts down.
 struct ServiceCaches {
   template <typename T>
@@ -39,7 +39,7 @@ struct ServiceCaches {
   void Keep(const std::shared_ptr<HLIData::ISeasonInfo>& season);
   /// Takes a season out of both, also when its year was changed since.
   void Forget(const std::shared_ptr<HLIData::ISeasonInfo>& season);
-  /// Forgets all records. Deliberately leaves `areAllSeasonsLoaded` as it is: seasons are not listed anew
+  /// Forgets all records. Deliberately leaves `areAllSeasonsLoaded` as it is: seasons are not listed again
   /// afterwards.
   void Clear();
 };

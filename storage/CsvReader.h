@@ -32,7 +32,7 @@ class CsvError : public std::runtime_error {
 ///
 /// As RFC 4180 has it: fields are separated by commas and records by line ends (CR LF, or LF alone); a field
 /// in double quotes may hold both, and a quote when it is doubled. The text is UTF-8, with or without a byte
-/// order mark. Lines with nothing on them are passed over. Borrows the stream, which must be one that can be
+/// order mark. Empty lines are skipped. Borrows the stream, which must be one that can be
 /// positioned. Raises CsvError.
 class CsvReader {
  public:
@@ -43,7 +43,7 @@ class CsvReader {
   bool Next(std::vector<std::string>& fields);
   /// The line on which the record read last begins, from 1.
   std::size_t Line() const { return m_recordLine; }
-  /// After a CsvError from Next: passes over the rest of the line at fault, so that Next goes on behind it.
+  /// After a CsvError from Next: skips the rest of the line at fault; Next continues after it.
   void SkipLine();
   /// Raises a CsvError for the record read last.
   [[noreturn]] void Refuse(const std::string& reason) const;

@@ -10,7 +10,7 @@ class File;
 
 namespace HLDataSrvc {
 
-/// A league file that is about to be replaced, which nobody else can open meanwhile: one of the two is there.
+/// A league file that is about to be replaced, locked meanwhile: one of the two members is set.
 struct HeldLeague {
   std::shared_ptr<jet::Database> database;  ///< open; what a log beside it held is in it
   std::shared_ptr<jet::File> file;          ///< of a league that cannot be read

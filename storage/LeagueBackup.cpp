@@ -7,9 +7,9 @@
 #include "jet/Error.h"
 #include "jet/dao/DBEngine.h"
 #include "jet/dao/Database.h"
-#include "storage/FileInMaking.h"
 #include "storage/HLServiceUtils.h"
 #include "storage/HeldLeague.h"
+#include "storage/TemporaryDatabase.h"
 
 namespace HLDataSrvc {
 namespace {
@@ -32,7 +32,7 @@ jet::CheckReport RequireSound(const jet::Database& database) {
 }
 
 void CopyTo(jet::Database& database, const std::string& backup) {
-  FileInMaking copy(backup);
+  TemporaryDatabase copy(backup);
   copy.Finish(Engine().CopyDatabase(database, copy.Path(), database.Name()));
   copy.PutInPlace();
 }
@@ -60,7 +60,7 @@ Replaced RestoreLeague(const std::string& backup, const std::string& path, const
   const auto source = Engine().OpenDatabase(backup, /*exclusive=*/false, /*readOnly=*/true,
                                             HLServiceUtils::GetConnectString());
   if (!acceptDamage) RequireSound(*source);
-  FileInMaking file(path);
+  TemporaryDatabase file(path);
   if (!Engine().HasFile(path)) {
     file.Finish(Engine().CopyDatabase(*source, file.Path(), backup));
     const std::string log = jet::LogNameFor(path);
@@ -89,7 +89,7 @@ Replaced RestoreLeague(const std::string& backup, const std::string& path, const
 Compacted CompactLeague(const std::string& path, const std::string& kept) {
   const auto league = OpenExclusively(path);
   const jet::CheckReport before = league->Check();
-  FileInMaking file(path);
+  TemporaryDatabase file(path);
   const auto compacted = Engine().CompactDatabase(*league, file.Path());
   const std::uint32_t pagesAfter = RequireSound(*compacted).pages;
   file.Finish(*compacted);

@@ -8,7 +8,7 @@ namespace jet {
 class Database;
 }
 
-/// Copies of league files: made, put back, and made anew without free pages. Each can be interrupted at any
+/// Copies of league files: made, restored, and rebuilt without free pages. Each can be interrupted at any
 /// point without loss: under a league's name there is always a whole file, the one before or the one after.
 namespace HLDataSrvc {
 
@@ -32,19 +32,19 @@ enum class Replaced {
 /// log whose file is gone.
 ///
 /// Raises jet::Error: what opening the backup raises, DamagedFile for one that is not sound; FileInUse or
-/// FileHeldExclusively when somebody has the league or its log open, ObjectExists when there is a file
+/// FileHeldExclusively when the league or its log is open elsewhere, ObjectExists when there is a file
 /// `kept`, DiskFull, PermissionDenied.
 Replaced RestoreLeague(const std::string& backup, const std::string& path, const std::string& kept,
                        bool acceptDamage = false);
 
-/// What making a file anew has done.
+/// What compacting a file has done.
 struct Compacted {
   std::uint32_t pagesBefore = 0;
   std::uint32_t pagesAfter = 0;
   std::vector<std::string> findings;  ///< what was wrong with the file; it was kept if there are any
 };
 
-/// Puts a fresh file with the same content in the place of a league file. Every row must be readable; the
+/// Replaces a league file by a rebuilt one with the same content. Every row must be readable; the
 /// fresh file is checked before. A file that is not sound, though all of its rows can be read, is mended so,
 /// and kept as `kept`.
 ///

@@ -169,7 +169,7 @@ class Checker {
   void CheckMasters();
   Number PositionOfTeams() const;
 
-  /// Counts a row of a season that has no row of its own; true if the season has one.
+  /// Counts a row whose season has no row; true if the season has one.
   bool HasSeason(const char* table, const Number& seasonID);
   void ReportUnknownSeasons();
 

@@ -30,7 +30,7 @@ struct Filled {
 std::vector<std::string> FileNames();
 
 /// Fills the tables whose files lie in `folder`: positions.csv, teams.csv, prize-types.csv, prizes.csv,
-/// players.csv, managers.csv. Files that are not there are passed over.
+/// players.csv, managers.csv. Missing files are skipped.
 ///
 /// A file is kept whole or not at all. Raises CsvError for the first line that cannot be taken, naming file,
 /// line and reason; files read before it stay. Raises jet::Error when the database itself fails, or when the

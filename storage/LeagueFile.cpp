@@ -9,10 +9,10 @@
 #include "jet/dao/DBEngine.h"
 #include "jet/dao/Database.h"
 #include "jet/dao/Recordset.h"
-#include "storage/FileInMaking.h"
 #include "storage/HLServiceUtils.h"
 #include "storage/HeldLeague.h"
 #include "storage/Schema.h"
+#include "storage/TemporaryDatabase.h"
 
 namespace HLDataSrvc {
 namespace {
@@ -35,7 +35,7 @@ void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options)
   if (replaces && !options.overwrite)
     throw jet::Error(jet::ErrorNumber::ObjectExists, "File " + path + " is there already.");
   if (replaces) replaced = HoldLeague(path);
-  FileInMaking file(path);
+  TemporaryDatabase file(path);
   const auto database =
       HLServiceUtils::Engine().CreateDatabase(file.Path(), {.password = HLServiceUtils::kDatabasePassword,
                                                             .durability = jet::Durability::Off,

@@ -22,7 +22,7 @@ struct LeagueFileOptions {
 ///
 /// The file is built beside its place and put there when it is whole: whatever goes wrong, what was at `path`
 /// before is still there. Raises jet::Error: ObjectExists when there is a file and `overwrite` is false,
-/// FileInUse or FileHeldExclusively when it is to be replaced but someone has it open, PathNotFound,
+/// FileInUse or FileHeldExclusively when it is to be replaced but open elsewhere, PathNotFound,
 /// PermissionDenied, DiskFull; and whatever `fill` raises.
 void CreateLeagueFile(const std::string& path, const LeagueFileOptions& options = {});
 

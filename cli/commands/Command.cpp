@@ -8,7 +8,7 @@
 namespace cli {
 namespace {
 
-/// Behind a word in brackets, which would else be split at commas, without its brackets.
+/// Appended to bracketed words so that CLI11 does not parse them as lists.
 constexpr char kGuard = '\x1f';
 
 void TakesGuardedWords(CLI::Option& option) {

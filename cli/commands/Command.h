@@ -37,7 +37,7 @@ class Option {
   Option& Excludes(const Option& other);
   /// Without the option, its value is that of the environment variable.
   Option& FromEnvironment(const char* name);
-  /// The help tells what the target holds now, the value without the option.
+  /// The help shows the target's current value as the default.
   Option& ShowsDefault();
 
   /// Whether the line that was read has it.
@@ -105,7 +105,7 @@ class Command {
   /// The command as it is declared by now.
   CommandDescription Describe() const;
 
-  Context& TheContext() const { return *m_context; }
+  Context& GetContext() const { return *m_context; }
 
  private:
   CLI::App* m_app;

@@ -4,7 +4,7 @@
 
 namespace cli {
 
-// Each adds one command to the program. What a command does is told by its help and in docs/commands.md.
+// Each adds one command to the program. Its help and docs/commands.md describe what a command does.
 
 void AddCreateCommand(Command& app);
 void AddInfoCommand(Command& app);

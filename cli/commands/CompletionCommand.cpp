@@ -98,10 +98,10 @@ void AddCompletionCommand(Command& app) {
   Command completion =
       app.AddCommand("completion", "Print what makes a shell complete halcyra's command lines");
   completion.AddCommand("bash", "For bash: source <(halcyra completion bash)").Runs([app] {
-    app.TheContext().output.Write(BashScript(app.Describe()));
+    app.GetContext().output.Write(BashScript(app.Describe()));
   });
   completion.AddCommand("zsh", "For zsh: source <(halcyra completion zsh)").Runs([app] {
-    app.TheContext().output.Write("autoload -U +X compinit bashcompinit && compinit && bashcompinit\n" +
+    app.GetContext().output.Write("autoload -U +X compinit bashcompinit && compinit && bashcompinit\n" +
                                   BashScript(app.Describe()));
   });
 }

@@ -17,13 +17,13 @@ Context::Context(Output& out, Messages& err) : output(out), messages(err) {}
 
 Context::~Context() = default;
 
-League& Context::TheLeague() {
+League& Context::OpenLeague() {
   if (!m_league) m_league = std::make_unique<League>(Options());
   return *m_league;
 }
 
 DraftSession& Context::Draft() {
-  if (!m_draft) m_draft = std::make_unique<DraftSession>(TheLeague());
+  if (!m_draft) m_draft = std::make_unique<DraftSession>(OpenLeague());
   return *m_draft;
 }
 

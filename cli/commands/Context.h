@@ -50,7 +50,7 @@ struct Context {
 
   /// The league of the chosen folder and kind: opened on first use, open until the run ends. Raises what
   /// opening it raises; another try opens it again.
-  HLLeague::League& TheLeague();
+  HLLeague::League& OpenLeague();
 
   /// The draft of that league's current season, with the picks that are not saved yet.
   HLLeague::DraftSession& Draft();
@@ -59,10 +59,10 @@ struct Context {
   /// What opens that league, once more.
   HLLeague::LeagueOptions Options();
 
-  /// The line with which a question is answered, without blanks around it; none when nobody can be asked, or
-  /// the answers have come to their end.
+  /// The line with which a question is answered, without blanks around it; none when there is no terminal, or
+  /// at the end of the input.
   std::optional<std::string> Ask(const std::string& question);
-  /// Whether a question is answered with yes.
+  /// Whether the user says yes to a question.
   bool Confirm(const std::string& question);
 
   /// The kind that `kindName` names.

@@ -126,7 +126,7 @@ void Board(Context& context, const BoardOptions& options) {
   if (options.refresh && options.page.empty())
     throw Failure(FailureKind::WrongUsage, "--refresh goes with --html.");
   if (options.watches && context.inShell)
-    throw Failure(FailureKind::WrongUsage, "--watch is for outside of a shell, whose board is its own.");
+    throw Failure(FailureKind::WrongUsage, "--watch cannot be used in a shell.");
   const auto page =
       options.page.empty() ? nullptr : std::make_shared<BoardFile>(options.page, options.refresh);
   const auto text = [&](DraftSession& session) {
@@ -177,7 +177,7 @@ void AddUndo(Command& draft) {
   Command command = draft.AddCommand("undo", "Take the last pick back, or empty pick N");
   auto number = std::make_shared<std::optional<std::int32_t>>();
   command.AddArgument("N", *number, "the pick to empty");
-  command.Runs([&context = draft.TheContext(), number] { DraftUndo(context, *number); });
+  command.Runs([&context = draft.GetContext(), number] { DraftUndo(context, *number); });
 }
 
 struct ClearOptions {
@@ -191,7 +191,7 @@ void AddClear(Command& draft) {
   command.AddArgument("N", options->numbers, "the picks to empty; without any, all of them");
   command.AddFlag("--yes,-y,--force", options->isSure, "do not ask before the whole draft is emptied");
   command.Runs(
-      [&context = draft.TheContext(), options] { DraftClear(context, options->numbers, options->isSure); });
+      [&context = draft.GetContext(), options] { DraftClear(context, options->numbers, options->isSure); });
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ namespace {
 void SaveUnlessInShell(Context& context) {
   if (context.inShell) return;
   context.Draft().Save();
-  context.messages.Note("The draft was saved in " + context.TheLeague().Path() + ".");
+  context.messages.Note("The draft was saved in " + context.OpenLeague().Path() + ".");
 }
 
 std::string EmptiedText(const DraftReport& report, std::int32_t number, const Pick& before) {
@@ -52,7 +52,7 @@ std::vector<std::int32_t> DeleteOutside(Context& context, const std::vector<std:
   const std::vector<std::int32_t> deleted = DeletePicksOutside(context.Draft(), numbers);
   if (!deleted.empty()) {
     context.messages.Note("Deleted " + PickNumbers(deleted) + ", outside the draft, from " +
-                          context.TheLeague().Path() + ".");
+                          context.OpenLeague().Path() + ".");
   }
   return deleted;
 }
@@ -116,7 +116,7 @@ void DraftClear(Context& context, const std::vector<std::int32_t>& numbers, bool
 }
 
 void DraftSave(Context& context) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   DraftSession& session = context.Draft();
   RequirePicksUnlocked(session, {});
   const std::vector<std::int32_t> unsaved = session.Unsaved();

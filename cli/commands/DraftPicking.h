@@ -28,7 +28,7 @@ void DraftPick(Context& context, const DraftPickOptions& options);
 void DraftUndo(Context& context, const std::optional<std::int32_t>& number);
 
 /// `draft clear`: empties the picks; without any all of them, which has to be confirmed by `isSure` or by
-/// whoever sits at the terminal.
+/// the user at the terminal.
 void DraftClear(Context& context, const std::vector<std::int32_t>& numbers, bool isSure);
 
 /// `draft save`.

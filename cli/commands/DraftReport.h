@@ -32,7 +32,8 @@ class DraftReport {
   /// Number, round and manager of a pick that is due; null for none.
   Json TurnJson(const std::optional<std::int32_t>& number) const;
 
-  /// What a command that changed picks answers: `lines` for people, or the picks and the clock as JSON.
+  /// Prints the result of a command that changed picks: `lines` for people, or the picks and the clock as
+  /// JSON.
   void PrintChange(Context& context, const std::vector<std::int32_t>& numbers,
                    const std::vector<std::string>& lines);
 

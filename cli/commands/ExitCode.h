@@ -4,7 +4,7 @@
 
 namespace cli {
 
-/// What the program answers to the shell. The table in docs/commands.md lists the same codes.
+/// The program's exit codes. The table in docs/commands.md lists the same codes.
 enum class ExitCode : int {
   Done = 0,  ///< all that was asked for was done, and the whole result was written
   Refused =

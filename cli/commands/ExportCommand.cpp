@@ -16,9 +16,9 @@
 #include "cli/commands/ExitCode.h"
 #include "cli/output/BoardPage.h"
 #include "cli/output/HtmlPage.h"
+#include "cli/output/OutputFile.h"
 #include "cli/output/RowWriter.h"
 #include "cli/output/ValueText.h"
-#include "cli/output/WholeFile.h"
 #include "league/Numbers.h"
 #include "platform/Paths.h"
 
@@ -96,7 +96,7 @@ std::string ListHtml(League& league, const ExportList& list) {
 }
 
 std::string BoardHtml(DraftSession& draft, const std::optional<std::int32_t>& year) {
-  League& league = draft.TheLeague();
+  League& league = draft.GetLeague();
   const auto season = SeasonToShow(league, year);
   if (IsCurrent(league, *season))
     return BoardPage(league, draft.Season(), draft.Current(), draft.Stored(), std::nullopt);
@@ -151,7 +151,7 @@ void Export(Context& context, const ExportOptions& options) {
     throw Failure(FailureKind::WrongUsage, "--force goes with --output.");
   if (options.isSafe && (context.json || options.format != "csv"))
     throw Failure(FailureKind::WrongUsage, "--safe goes with CSV.");
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (!options.file.empty()) RequireMayWrite(league, options);
   const std::string format = context.json ? "json" : options.format;
   std::string text;
@@ -168,7 +168,7 @@ void Export(Context& context, const ExportOptions& options) {
   if (options.file.empty()) {
     context.output.Write(text);
   } else {
-    WriteWholeFile(options.file, text);
+    WriteFileAtomically(options.file, text);
     context.messages.Note("Wrote " + options.file + ".");
   }
   RequireNoneMissing(missing);

@@ -36,7 +36,7 @@ struct BestSeason {
 
 using BestSeasons = std::map<std::int32_t, BestSeason>;
 
-/// Who has won most; of several the one with the better balance. None while nobody has won anything.
+/// Who has won most; of several the one with the better balance. None while there are no winnings.
 const Account* MostWon(const Accounts& accounts) {
   const auto most = std::max_element(accounts.managers.begin(), accounts.managers.end(),
                                      [](const Account& a, const Account& b) { return a.won < b.won; });
@@ -139,7 +139,7 @@ void PrintManagerTable(Context& context, const std::vector<PastSeason>& past, co
 }
 
 void History(Context& context) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   std::vector<PastSeason> past;
   std::vector<Accounts> accounts;
   std::string missing;

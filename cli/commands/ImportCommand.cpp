@@ -72,7 +72,7 @@ void PrintReport(Context& context, const PlayerImport& lines, const ImportOption
 }
 
 void ImportPlayers(Context& context, const ImportOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   // As a whole: the reader goes back behind a byte order mark, which a pipe cannot.
   std::istringstream text(ReadInputFile("file", options.file, kLongestFile));
   PlayerImport lines(league);

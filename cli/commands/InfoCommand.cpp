@@ -20,7 +20,7 @@ struct LeagueFacts {
 };
 
 LeagueFacts ReadFacts(Context& context) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   LeagueFacts facts;
   facts.path = league.Path();
   facts.currentSeason = league.Service().CurrentSeasonID();

@@ -33,7 +33,7 @@ struct ListOptions {
 };
 
 void List(Context& context, const ListOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (options.all) {
     PrintAllManagers(context, SeasonShownBeside(league, options.year).get());
   } else {
@@ -43,8 +43,8 @@ void List(Context& context, const ListOptions& options) {
 
 /// Prints the managers as they are stored now, and says where.
 void PrintSaved(Context& context) {
-  PrintManagers(context, *CurrentSeason(context.TheLeague()));
-  context.messages.Note("The managers were saved in " + context.TheLeague().Path() + ".");
+  PrintManagers(context, *CurrentSeason(context.OpenLeague()));
+  context.messages.Note("The managers were saved in " + context.OpenLeague().Path() + ".");
 }
 
 /// Those whom the words mean, each once.
@@ -67,7 +67,7 @@ std::vector<std::shared_ptr<HLIData::IManagerInfo>> ManagersMeant(HLIData::ISeas
 }
 
 void Join(Context& context, const Words& names) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   context.Draft().RefuseUnsaved("manager join");
   const auto season = CurrentSeason(league);
   RequireRankingUnlocked(*season);
@@ -105,7 +105,7 @@ void RequireNothingDone(DraftSession& draft, const HLIData::ISeasonInfo& season,
                            const bool isOutside = misfit.number < 1 || misfit.number > std::ssize(picks);
                            return isOutside && misfit.managerID == manager.ID();
                          });
-  const auto winnings = WinningsIn(draft.TheLeague(), season);
+  const auto winnings = WinningsIn(draft.GetLeague(), season);
   const auto noOfWinnings = std::count_if(winnings.begin(), winnings.end(), [&](const Winning& winning) {
     return winning.managerID == manager.ID();
   });
@@ -117,7 +117,7 @@ void RequireNothingDone(DraftSession& draft, const HLIData::ISeasonInfo& season,
 }
 
 void Leave(Context& context, const Words& names) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   context.Draft().RefuseUnsaved("manager leave");
   const auto season = CurrentSeason(league);
   RequireRankingUnlocked(*season);
@@ -141,7 +141,7 @@ void Fee(Context& context, const Words& words) {
     throw Failure(FailureKind::WrongUsage, "Say whose fee it is, and then 'paid' or 'unpaid'.",
                   "'manager fee Ann paid', or several names before the last word.");
   }
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   context.Draft().RefuseUnsaved("manager fee");
   const auto season = CurrentSeason(league);
   RequireSeasonUnlocked(*season, "its fees");
@@ -156,7 +156,7 @@ void Fee(Context& context, const Words& words) {
 
 /// "NAME PLACE", or all names.
 void Rank(Context& context, const Words& words) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   context.Draft().RefuseUnsaved("manager rank");
   const auto season = CurrentSeason(league);
   RequireRankingUnlocked(*season);

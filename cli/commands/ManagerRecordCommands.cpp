@@ -57,7 +57,7 @@ struct AddOptions {
 };
 
 void Add(Context& context, const AddOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto manager = Save(league, options.firstName, options.lastName, 0);
   PrintSaved(context, *manager, "Added " + ManagerText(*manager) + ".");
   for (const auto& other : AllManagers(league)) {
@@ -78,7 +78,7 @@ struct EditOptions {
 void Edit(Context& context, const EditOptions& options) {
   if (!options.firstName && !options.lastName)
     throw Failure(FailureKind::WrongUsage, "Say what to change.", "--first and --last change the names.");
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto manager = FindManagerTmpl(league, JoinedWords(options.who));
   const std::string before = ManagerText(*manager);
   const auto saved = Save(league, options.firstName.value_or(manager->FirstName()),
@@ -87,11 +87,11 @@ void Edit(Context& context, const EditOptions& options) {
 }
 
 void Delete(Context& context, const DeleteOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const std::string who = JoinedWords(options.who);
   const auto id = WholeNumber(who);
   std::shared_ptr<Manager> manager;
-  if (id) {  // whether there is such a one, the service tells
+  if (id) {  // the service rejects unknown ids
     const auto managers = AllManagers(league);
     const auto found =
         std::find_if(managers.begin(), managers.end(), [&](const auto& one) { return one->ID() == *id; });

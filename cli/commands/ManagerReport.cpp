@@ -76,7 +76,7 @@ void PrintManagers(Context& context, const HLIData::ISeasonInfo& season) {
 }
 
 void PrintAllManagers(Context& context, const HLIData::ISeasonInfo* season) {
-  const auto managers = AllManagers(context.TheLeague());
+  const auto managers = AllManagers(context.OpenLeague());
   const auto takesPart = [season](std::int32_t id) {
     return season != nullptr && ManagersOf(*season).Find(HLDataSrvc::RecordKey(id)) != nullptr;
   };

@@ -89,7 +89,7 @@ void Print(Context& context, const Json& scope, const std::string& title, const 
 }
 
 void Money(Context& context, const MoneyOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (!options.all) {
     const auto season = SeasonToShow(league, options.year);
     Json scope;

@@ -36,7 +36,7 @@ struct ListOptions {
 };
 
 void List(Context& context, const ListOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const std::int32_t teamID = options.team.empty() ? 0 : TeamNames(league).IDOf(options.team);
   const std::int32_t positionID = options.position.empty() ? 0 : PositionNames(league).IDOf(options.position);
   Json document = Json::Array();
@@ -62,7 +62,7 @@ void List(Context& context, const ListOptions& options) {
 }
 
 void Show(Context& context, const std::vector<std::string>& who) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto player = FindPlayer(league, JoinedWords(who));
   const std::vector<std::int32_t> years = YearsDrafted(league, player->ID());
   if (context.json) {
@@ -91,9 +91,9 @@ void PrintSaved(Context& context, const IPlayerInfo& player, const std::string& 
   NoteDone(context, "The player was saved in");
 }
 
-/// There are namesakes, but more often somebody is added twice.
+/// There are namesakes, but more often a player was added twice.
 void NoteNamesakes(Context& context, const IPlayerInfo& added) {
-  for (const auto& other : AllPlayers(context.TheLeague())) {
+  for (const auto& other : AllPlayers(context.OpenLeague())) {
     if (other->ID() == added.ID() || LowerCase(other->LastName()) != LowerCase(added.LastName()) ||
         LowerCase(other->FirstName()) != LowerCase(added.FirstName()))
       continue;
@@ -110,7 +110,7 @@ struct AddOptions {
 };
 
 void Add(Context& context, const AddOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   PlayerValues values = options.values;
   if (!options.position.empty()) values.positionID = PositionNames(league).IDOf(options.position);
   if (!options.team.empty()) values.teamID = TeamNames(league).IDOf(options.team);
@@ -133,7 +133,7 @@ void Edit(Context& context, const EditOptions& options) {
     throw Failure(FailureKind::WrongUsage, "Say what to change.",
                   "--first, --last, --position, --team and --retired change what they name.");
   }
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto player = FindPlayer(league, JoinedWords(options.who));
   PlayerValues values = ValuesOf(*player);
   values.firstName = options.firstName.value_or(values.firstName);
@@ -148,7 +148,7 @@ void Edit(Context& context, const EditOptions& options) {
 }
 
 void Delete(Context& context, const DeleteOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   context.Draft().RefuseUnsaved("player delete");
   const std::string who = JoinedWords(options.who);
   const auto id = PlayerIDIn(who);

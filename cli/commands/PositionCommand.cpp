@@ -12,7 +12,7 @@ using namespace HLLeague;
 namespace {
 
 void List(Context& context) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto positions = league.Service().GetPlayerPositions();
   league.RaiseShownMessages();
   Json document = Json::Array();

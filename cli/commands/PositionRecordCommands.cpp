@@ -58,7 +58,7 @@ void PrintSaved(Context& context, const Position& position, const std::string& s
   NoteDone(context, "The position was saved in");
 }
 
-/// Positions are chosen by their short names: two of one could not be told apart.
+/// Positions are chosen by their short names: duplicates would be ambiguous.
 void RequireFree(League& league, const std::string& abbr, std::int32_t id) {
   for (const auto& other : AllPositions(league)) {
     if (other->ID() == id || abbr.empty() || LowerCase(other->Abbr()) != LowerCase(abbr)) continue;
@@ -73,7 +73,7 @@ struct AddOptions {
 };
 
 void Add(Context& context, const AddOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   RequireFree(league, options.abbr, 0);
   const auto position = Save(league, options.abbr, options.desc, 0);
   PrintSaved(context, *position, "Added " + PositionText(*position) + ".");
@@ -89,7 +89,7 @@ void Edit(Context& context, const EditOptions& options) {
   if (!options.abbr && !options.desc)
     throw Failure(FailureKind::WrongUsage, "Say what to change.",
                   "--short and --name change what they name.");
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto position = Find(league, JoinedWords(options.position));
   if (options.abbr) RequireFree(league, *options.abbr, position->ID());
   const std::string before = PositionText(*position);
@@ -99,10 +99,10 @@ void Edit(Context& context, const EditOptions& options) {
 }
 
 void Delete(Context& context, const DeleteOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const std::string word = JoinedWords(options.who);
   const auto id = WholeNumber(word);
-  // Whether there is one of that id, the service tells.
+  // The service rejects unknown ids.
   const auto position = id ? AllPositions(league).Find(HLDataSrvc::RecordKey(*id)) : Find(league, word);
   Deletion deletion;
   deletion.type = HLIData::DeleteType::Position;

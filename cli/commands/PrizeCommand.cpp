@@ -34,7 +34,7 @@ struct ListOptions {
 };
 
 void List(Context& context, const ListOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (options.all) {
     PrintAllPrizes(context, SeasonShownBeside(league, options.year).get());
   } else {
@@ -84,20 +84,20 @@ std::vector<PrizeAmount> UnderstoodAll(League& league, const Words& words) {
 
 /// Prints the prizes as they are stored now, and says where.
 void PrintSaved(Context& context) {
-  PrintPrizes(context, *CurrentSeason(context.TheLeague()));
-  context.messages.Note("The prizes were saved in " + context.TheLeague().Path() + ".");
+  PrintPrizes(context, *CurrentSeason(context.OpenLeague()));
+  context.messages.Note("The prizes were saved in " + context.OpenLeague().Path() + ".");
 }
 
 std::shared_ptr<HLIData::ISeasonInfo> SeasonToChange(Context& context, const std::string& command) {
   context.Draft().RefuseUnsaved(command);
-  auto season = CurrentSeason(context.TheLeague());
+  auto season = CurrentSeason(context.OpenLeague());
   RequireSeasonUnlocked(*season, "its prizes");
   PrizesOf(*season);
   return season;
 }
 
 void Set(Context& context, const Words& words) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto season = SeasonToChange(context, "prize set");
   const std::vector<PrizeAmount> wanted = UnderstoodAll(league, words);
   ChangeAndSave(league, "The prizes", [&] {
@@ -111,7 +111,7 @@ void Set(Context& context, const Words& words) {
 }
 
 void Remove(Context& context, const Words& names) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto season = SeasonToChange(context, "prize remove");
   const std::vector<Winning> winnings = WinningsIn(league, *season);
   std::vector<std::string> keys;

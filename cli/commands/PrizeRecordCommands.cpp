@@ -53,7 +53,7 @@ struct AddOptions {
 };
 
 void Add(Context& context, const AddOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const std::int32_t typeID = options.type.empty() ? 0 : PrizeTypeNames(league).IDOf(options.type);
   const auto prize = SavePrize(league, options.name, typeID, 0);
   PrintSaved(context, *prize, "Added " + PrizeText(*prize) + ".");
@@ -74,7 +74,7 @@ struct EditOptions {
 void Edit(Context& context, const EditOptions& options) {
   if (!options.name && !options.type)
     throw Failure(FailureKind::WrongUsage, "Say what to change.", "--name and --type change what they name.");
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto prize = FindPrizeTmpl(league, JoinedWords(options.prize));
   const std::string before = PrizeText(*prize);
   std::int32_t typeID = prize->PrizeType() ? prize->PrizeType()->ID() : 0;
@@ -84,13 +84,13 @@ void Edit(Context& context, const EditOptions& options) {
 }
 
 void Delete(Context& context, const DeleteOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const std::string word = JoinedWords(options.who);
   const auto id = WholeNumber(word);
   const auto prizes = AllPrizes(league);
   const auto ofID =
       std::find_if(prizes.begin(), prizes.end(), [&](const auto& prize) { return prize->ID() == id; });
-  // Whether there is one of that id, the service tells.
+  // The service rejects unknown ids.
   const auto prize = !id ? FindPrizeTmpl(league, word) : ofID == prizes.end() ? nullptr : *ofID;
   Deletion deletion;
   deletion.type = HLIData::DeleteType::Prize;

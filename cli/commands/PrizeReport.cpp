@@ -82,7 +82,7 @@ std::optional<std::int32_t> AmountIn(const HLIData::ISeasonInfo* season, std::in
 }  // namespace
 
 void PrintPrizes(Context& context, const HLIData::ISeasonInfo& season) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (context.json) {
     context.output.Line(JsonText(PrizesJson(league, season)));
     return;
@@ -107,7 +107,7 @@ void PrintPrizes(Context& context, const HLIData::ISeasonInfo& season) {
 }
 
 void PrintAllPrizes(Context& context, const HLIData::ISeasonInfo* season) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto prizes = AllPrizes(league);
   Json document;
   document["season"] = season == nullptr ? Json() : Json(season->Year());

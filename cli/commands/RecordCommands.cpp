@@ -19,7 +19,7 @@ void DeleteRecord(Context& context, const Deletion& deletion, bool isSure) {
     throw Failure(FailureKind::Refused, deletion.text + " was not deleted.",
                   context.canAsk ? "" : "'--yes' answers the question that a terminal is asked.");
   }
-  DeleteRecord(context.TheLeague(), deletion.type, deletion.id, deletion.text, deletion.usedBy);
+  DeleteRecord(context.OpenLeague(), deletion.type, deletion.id, deletion.text, deletion.usedBy);
 }
 
 void AddDeleteCommand(Command& parent, const char* description, const char* word,
@@ -32,7 +32,7 @@ void AddDeleteCommand(Command& parent, const char* description, const char* word
 }
 
 void NoteDone(Context& context, const std::string& whatWasDone) {
-  context.messages.Note(whatWasDone + " " + context.TheLeague().Path() + ".");
+  context.messages.Note(whatWasDone + " " + context.OpenLeague().Path() + ".");
 }
 
 }  // namespace cli

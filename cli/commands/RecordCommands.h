@@ -14,7 +14,7 @@ void AddPositionRecordCommands(Command& position);
 /// The words of a command that names a record: "ann lee" as it was typed.
 std::string JoinedWords(const std::vector<std::string>& words);
 
-/// What a deletion is told by, and how it can be refused.
+/// What to delete, and the texts for its messages.
 struct Deletion {
   HLIData::DeleteType type = HLIData::DeleteType::Player;
   std::int32_t id = 0;

@@ -122,7 +122,7 @@ std::vector<std::shared_ptr<IPickable>> Found(League& league, SearchType type, c
 }
 
 void Search(Context& context, const SearchOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const SearchType type = TypeOf(options.type);
   RequireOptionsFit(league, type, options);
   const std::string text = JoinedWords(options.words);

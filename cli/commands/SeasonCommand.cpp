@@ -21,7 +21,7 @@ using namespace HLLeague;
 namespace {
 
 void List(Context& context) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   std::string missing;
   const auto seasons = AllSeasons(league, &missing);
   PrintSeasons(context, seasons);
@@ -47,7 +47,7 @@ void MakeCurrent(League& league, std::int32_t year) {
 }
 
 void Use(Context& context, std::int32_t year, bool create) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   context.Draft().RefuseUnsaved("season use");
   RequireInRange("The year", year, kFirstYear, kLastYear);
   const bool isNew = SeasonsOfYear(league, year).empty();
@@ -67,7 +67,7 @@ void Use(Context& context, std::int32_t year, bool create) {
 }
 
 void Set(Context& context, const SeasonSettings& settings) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   ChangeSeason(context.Draft(), settings);
   PrintSeason(context, *CurrentSeason(league));
   context.messages.Note("The season was saved in " + league.Path() + ".");
@@ -87,7 +87,7 @@ std::string WhatDraftLacks(DraftSession& draft, const HLIData::ISeasonInfo& seas
 }
 
 void Lock(Context& context, const std::string& what, bool isSure) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   context.Draft().RefuseUnsaved("season lock");
   const auto season = CurrentSeason(league);
   const bool isRanking = what == "ranking";
@@ -114,8 +114,8 @@ void AddShow(Command& season) {
   Command command = season.AddCommand("show", "Show the current season, or that of a year");
   auto year = std::make_shared<std::optional<std::int32_t>>();
   command.AddArgument("YEAR", *year, "year of the season");
-  command.Runs([&context = season.TheContext(), year] {
-    PrintSeason(context, *SeasonToShow(context.TheLeague(), *year));
+  command.Runs([&context = season.GetContext(), year] {
+    PrintSeason(context, *SeasonToShow(context.OpenLeague(), *year));
   });
 }
 
@@ -128,7 +128,7 @@ void AddUse(Command& season) {
   auto options = std::make_shared<Options>();
   command.AddArgument("YEAR", options->year, "year of the season").Required();
   command.AddFlag("--create", options->create, "make the season if there is none of that year");
-  command.Runs([&context = season.TheContext(), options] { Use(context, options->year, options->create); });
+  command.Runs([&context = season.GetContext(), options] { Use(context, options->year, options->create); });
 }
 
 void AddSet(Command& season) {
@@ -158,7 +158,7 @@ void AddLock(Command& season) {
   auto options = std::make_shared<Options>();
   command.AddArgument("WHAT", options->what, "'ranking' or 'draft'").Required().OneOf({"ranking", "draft"});
   command.AddFlag("--yes,-y", options->isSure, "do not ask, although it is not complete");
-  command.Runs([&context = season.TheContext(), options] { Lock(context, options->what, options->isSure); });
+  command.Runs([&context = season.GetContext(), options] { Lock(context, options->what, options->isSure); });
 }
 
 }  // namespace

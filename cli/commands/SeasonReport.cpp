@@ -35,7 +35,7 @@ Json SeasonJson(DraftSession& draft, const HLIData::ISeasonInfo& season) {
   Json json;
   json["id"] = season.ID();
   json["year"] = season.Year();
-  json["isCurrent"] = IsCurrent(draft.TheLeague(), season);
+  json["isCurrent"] = IsCurrent(draft.GetLeague(), season);
   json["noOfManagers"] = season.NoOfManagers();
   json["managersPlaying"] = ManagersOf(season).Count();
   json["noOfRounds"] = season.NoOfRounds();
@@ -54,7 +54,7 @@ Json SeasonJson(DraftSession& draft, const HLIData::ISeasonInfo& season) {
 }
 
 void PrintSeason(Context& context, const HLIData::ISeasonInfo& season) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (context.json) {
     context.output.Line(JsonText(SeasonJson(context.Draft(), season)));
     return;
@@ -78,7 +78,7 @@ void PrintSeason(Context& context, const HLIData::ISeasonInfo& season) {
 }
 
 void PrintSeasons(Context& context, const std::vector<std::shared_ptr<HLIData::ISeasonInfo>>& seasons) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (context.json) {
     Json document = Json::Array();
     for (const auto& season : seasons)

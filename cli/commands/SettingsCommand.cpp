@@ -27,7 +27,7 @@ void RequireSeason(League& league, std::int32_t id) {
 }
 
 void Settings(Context& context, const std::optional<std::int32_t>& newSeason) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   if (newSeason) context.Draft().RefuseUnsaved("settings");
   const auto settings = league.Service().GetSettings();
   league.RaiseShownMessages();

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kNameWidth = 24;
 
 void List(Context& context) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto teams = league.Service().GetTeams();
   league.RaiseShownMessages();
   Json document = Json::Array();

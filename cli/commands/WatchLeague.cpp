@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kBetweenLooks = 1s;
 
-/// What tells that a file may have changed: it and its log.
+/// Changes whenever the file or its log may have changed.
 using Stamp = std::tuple<std::filesystem::file_time_type, std::uintmax_t, std::filesystem::file_time_type>;
 
 Stamp StampOf(const std::string& path) {

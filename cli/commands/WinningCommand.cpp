@@ -58,7 +58,7 @@ struct ListOptions {
 };
 
 void List(Context& context, const ListOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto season = SeasonToShow(league, options.year);
   if (options.week) RequireWeek(*season, *options.week);
   std::vector<Winning> winnings = WinningsIn(league, *season);
@@ -110,7 +110,7 @@ void PrintChanged(Context& context, const char* name, const std::vector<Winning>
     for (const Winning& winning : winnings)
       context.output.Line(before + WinningText(winning));
   }
-  context.messages.Note("The winnings were saved in " + context.TheLeague().Path() + ".");
+  context.messages.Note("The winnings were saved in " + context.OpenLeague().Path() + ".");
 }
 
 struct AddOptions {
@@ -130,7 +130,7 @@ void NoteSameBefore(Context& context, const std::vector<Winning>& before, const 
 }
 
 void Add(Context& context, const AddOptions& options) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto season = CurrentSeason(league);
   RequireSeasonUnlocked(*season, "its winnings");
   const auto manager = FindManager(*season, options.manager);
@@ -158,7 +158,7 @@ void Add(Context& context, const AddOptions& options) {
 }
 
 void Remove(Context& context, const std::vector<std::int32_t>& ids) {
-  League& league = context.TheLeague();
+  League& league = context.OpenLeague();
   const auto season = CurrentSeason(league);
   RequireSeasonUnlocked(*season, "its winnings");
   const std::vector<Winning> before = WinningsIn(league, *season);

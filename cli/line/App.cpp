@@ -18,7 +18,7 @@ ExitCode Run(const std::vector<std::string>& words, Output& output, Messages& me
     if (!line.Parse(words)) return;
     messages.SetQuiet(context.quiet);
     if (context.folder.empty()) context.folder = ProgramFolder();
-    // A shell gives the context other actions while its own is under way.
+    // The shell's own commands overwrite context.action.
     const auto action = std::exchange(context.action, nullptr);
     try {
       action();

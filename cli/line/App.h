@@ -9,8 +9,8 @@
 
 namespace cli {
 
-/// Runs the program on the words of a command line (without the program's name) and answers its exit code.
-/// Whatever goes wrong is told through `messages`; nothing is raised.
+/// Runs the program on the words of a command line (without the program's name) and returns its exit code.
+/// Errors are reported through `messages`; nothing is thrown.
 ExitCode Run(const std::vector<std::string>& words, Output& output, Messages& messages);
 
 }  // namespace cli

@@ -20,14 +20,14 @@ namespace {
 
 /// The options of every command.
 void AddResultOptions(Command& root) {
-  Context& context = root.TheContext();
+  Context& context = root.GetContext();
   root.AddFlag("--json", context.json, "print the result as JSON");
   root.AddFlag("--quiet,-q", context.quiet, "print no notes, only results and errors");
 }
 
 /// The options that choose the league.
 void AddLeagueOptions(Command& root) {
-  Context& context = root.TheContext();
+  Context& context = root.GetContext();
   root.AddOption("--folder", "DIR", context.folder,
                  "folder of the league's files; without one, the program's own")
       .FromEnvironment("HALCYRA_FOLDER");

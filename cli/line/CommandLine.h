@@ -11,7 +11,7 @@
 namespace cli {
 
 /// One command line: which commands and options there are, and what is wrong with the words of one that does
-/// not keep to them. Made anew for each line, so that no option of a line is left over from the one before.
+/// not keep to them. Rebuilt for each line, so that no option of a line is left over from the one before.
 ///
 /// Borrows the context, which learns the options and the action.
 class CommandLine {
@@ -42,8 +42,8 @@ class CommandLine {
   std::unique_ptr<CLI::App> m_app;
 };
 
-/// Does some work. What it raises is told through the context's messages, after `where` if that is not empty,
-/// and answered as the code it stands for. All output is flushed.
+/// Runs `work`. Errors are reported through `messages`, after `where` if that is not empty, and returned as
+/// their exit code. All output is flushed.
 ExitCode Attempt(Output& output, Messages& messages, const std::function<void()>& work,
                  const std::string& where = {});
 

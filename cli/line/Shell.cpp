@@ -21,7 +21,7 @@ namespace {
 
 constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
 
-/// While somebody types, Ctrl-C gives up a line and not the draft.
+/// In an interactive shell Ctrl-C discards the line, not the draft.
 class InterruptsIgnored {
  public:
   InterruptsIgnored() : m_before(std::signal(SIGINT, SIG_IGN)) {}
@@ -39,7 +39,7 @@ Shell::Shell(Context& context, ShellInput input)
     : m_context(context), m_input(std::move(input)), m_json(context.json), m_quiet(context.quiet) {}
 
 ExitCode Shell::Run() {
-  const League& league = m_context.TheLeague();
+  const League& league = m_context.OpenLeague();
   m_context.inShell = true;
   m_context.canAsk = m_input.isInteractive;
   std::optional<InterruptsIgnored> interrupts;
@@ -150,7 +150,7 @@ void Shell::Leave(bool discards) {
 
 void Shell::AskAndLeave(const std::string& unsaved) {
   const auto answer = m_context.Ask(unsaved + ". Save before leaving? [yes, no, cancel] ");
-  if (!answer) {  // nobody is there any more
+  if (!answer) {  // the terminal is gone
     m_leaves = true;
     KeepFirst(ExitCode::Refused);
     throw Failure(FailureKind::Refused, unsaved + ".");
@@ -169,7 +169,7 @@ void Shell::EndOfLines() {
   const std::string unsaved = UnsavedText();
   if (m_input.isInteractive) {
     m_context.messages.Prompt("\n");
-    m_input.lines.clear();  // whoever has ended the lines can still answer
+    m_input.lines.clear();  // the user can still answer after Ctrl-D
     std::clearerr(stdin);
   }
   const ExitCode code = Attempt(

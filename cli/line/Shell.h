@@ -15,13 +15,13 @@ namespace cli {
 struct ShellInput {
   std::istream& lines;
   std::string name;            ///< of the script's file; empty for standard input
-  bool isInteractive = false;  ///< somebody types the lines, and can be asked
-  bool keepsGoing = false;     ///< a script goes on after a line that failed
+  bool isInteractive = false;  ///< a user types the lines, and can be asked
+  bool keepsGoing = false;     ///< a script continues after a line that failed
 };
 
 /// Runs commands, line by line, on one open league. Picks of the draft wait in memory until they are saved.
 ///
-/// A line of a script that fails ends it. Nobody loses picks by leaving: whoever types is asked, and a script
+/// A line of a script that fails ends it. Leaving loses no picks: the user is asked, and a script
 /// that leaves without `draft save` or `quit --discard` has failed.
 class Shell {
  public:

@@ -7,7 +7,7 @@
 #include "HLLeague/Seasons.h"
 #include "cli/commands/ExitCode.h"
 #include "cli/output/HtmlPage.h"
-#include "cli/output/WholeFile.h"
+#include "cli/output/OutputFile.h"
 #include "records/RecordKey.h"
 
 namespace cli {
@@ -139,9 +139,9 @@ BoardFile::BoardFile(std::string path, const std::optional<std::int32_t>& refres
 }
 
 void BoardFile::Update(DraftSession& draft) {
-  std::string page = BoardPage(draft.TheLeague(), draft.Season(), draft.Current(), draft.Stored(), m_refresh);
+  std::string page = BoardPage(draft.GetLeague(), draft.Season(), draft.Current(), draft.Stored(), m_refresh);
   if (page == m_written) return;
-  WriteWholeFile(m_path, page);
+  WriteFileAtomically(m_path, page);
   m_written = std::move(page);
 }
 

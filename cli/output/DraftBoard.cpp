@@ -38,7 +38,7 @@ std::string WithInitial(const std::string& first, const std::string& last) {
   return Join({first.empty() ? "" : FirstLetter(first) + ".", last});
 }
 
-/// The position comes first: it is told also where the name is cut.
+/// The position comes first, so that it is shown even where the name is cut.
 std::vector<std::string> FormsOf(const HLIData::IPickable& pickable) {
   const PickableFacts facts = FactsOf(pickable);
   const std::string whole = Join({facts.position, facts.name});

@@ -124,7 +124,7 @@ std::string HtmlPage::Text() const {
   text += "<title>" + HtmlText(title) + "</title>\n<style>" + kStyle + "</style>\n</head>\n<body class=\"" +
           (isBoard ? "board" : "lists") + "\">\n<main>\n<header>\n<h1>" + HtmlText(title) +
           "</h1>\n<p class=\"note\">" + HtmlText(note) + "</p>\n";
-  // A board goes on in its header.
+  // A board continues in its header.
   return text + (isBoard ? "" : "</header>\n") + body + "</main>\n</body>\n</html>\n";
 }
 

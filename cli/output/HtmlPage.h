@@ -27,7 +27,7 @@ class PositionBadges {
 };
 
 /// A whole page, which needs nothing but itself: it prints in landscape, fits phones, and follows the
-/// reader's choice of dark or light. What its classes mean is told by the style in HtmlPage.cpp.
+/// reader's choice of dark or light. The style sheet in HtmlPage.cpp defines its classes.
 struct HtmlPage {
   std::string title;                    ///< plain text
   std::string note;                     ///< plain text below the title

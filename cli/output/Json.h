@@ -13,7 +13,7 @@
 
 namespace cli {
 
-/// A JSON document in the making; its objects keep their members in the order in which they were added.
+/// A JSON document under construction; its objects keep their members in the order in which they were added.
 class Json {
  public:
   using Member = std::pair<std::string, Json>;

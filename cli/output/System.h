@@ -24,17 +24,16 @@ bool WriteText(std::FILE* stream, std::string_view text);
 /// The stream leads to a terminal, not to a file or another program.
 bool IsTerminal(std::FILE* stream);
 
-/// How many columns the terminal has to which the stream leads; 0 when it leads to none, or that cannot be
-/// told.
+/// How many columns the terminal has to which the stream leads; 0 when it leads to none, or it cannot be
+/// determined.
 std::size_t TerminalWidth(std::FILE* stream);
 
 /// The folder that this program was started from, without a separator at its end; "." when the system does
-/// not tell.
+/// not know it.
 std::string ProgramFolder();
 
 /// Reads a file, a pipe or a device from its beginning into `bytes`, at most `most` bytes. Returns why it
-/// cannot be read, without a full stop; empty when it can. Waits ten seconds at most for whoever writes into
-/// a pipe.
+/// cannot be read, without a full stop; empty when it can. Waits ten seconds at most for a writer of a pipe.
 std::string ReadBytes(const std::string& path, std::size_t most, std::string& bytes);
 
 /// Value of an environment variable, as UTF-8; empty when there is none.

@@ -26,9 +26,9 @@ namespace HLIData {
 /// use, kept, and handed out by reference: the service and all its callers share the same objects. Releasing
 /// the last reference closes the database. Use it from the thread that created it.
 ///
-/// How failures are told: operations with an `errorMessage` answer false and put a sentence there. The other
-/// loading and saving operations show one message box, the operation's sentence and the error's description,
-/// and answer false or an empty reference. Members documented as raising let the error through.
+/// How failures are reported: operations with an `errorMessage` return false and put a sentence there. The
+/// other loading and saving operations show one message box, the operation's sentence and the error's
+/// description, and answer false or an empty reference. Members documented as raising let the error through.
 class HLIDATA_TYPE IDataService {
  public:
   virtual ~IDataService() = default;
@@ -47,7 +47,7 @@ class HLIDATA_TYPE IDataService {
   virtual std::shared_ptr<ISeasonInfo> GetCurrentSeasonInfo() = 0;
   /// Forgets the current season, so that the next request reads it again. Answers true.
   virtual bool DiscardCurrentSeasonInfo() = 0;
-  /// Creates a season for a year and answers it.
+  /// Creates a season for a year and returns it.
   virtual std::shared_ptr<ISeasonInfo> AddSeason(std::int32_t seasonYear) = 0;
   /// Writes the current season's own row and its money distribution, then reads the season again.
   virtual bool SaveCurrentSeasonInfo() = 0;

@@ -9,7 +9,7 @@
 
 namespace HLIData {
 
-/// One pick of a season's draft. Whether it is empty is told by its Manager and its key, not by PlayerOrTeam.
+/// One pick of a season's draft. Its Manager and its key decide whether it is empty, not PlayerOrTeam.
 class HLIDATA_TYPE IDraftInfo {
  public:
   virtual ~IDraftInfo() = default;

@@ -9,7 +9,7 @@
 namespace HLIData {
 
 /// Whatever a manager can draft or that is offered in a list to pick from: players, teams, manager and prize
-/// master records, positions. The pair (PickType, PickID) tells one from every other; PickID alone does not.
+/// master records, positions. The pair (PickType, PickID) is unique; PickID alone is not.
 ///
 /// The interface of the record itself is reached with std::dynamic_pointer_cast, and the other way round.
 class HLIDATA_TYPE IPickable {

@@ -18,7 +18,7 @@ namespace HLIData {
 
 /// One season of the league, in memory: its settings, its locks, and who plays, picks, offers and wins what.
 ///
-/// Made by the service, which writes it back when told to. The getters of collections hand out the season's
+/// Made by the service, which writes it back on request. The getters of collections hand out the season's
 /// own collection object: what is changed in it is changed in the season. Nothing here checks the lock flags;
 /// honouring them is the caller's business.
 class HLIDATA_TYPE ISeasonInfo {

@@ -6,7 +6,7 @@
 
 namespace HLIData {
 
-/// The event of ISettingInfo, received by whoever registered for it.
+/// The event of ISettingInfo, received by registered observers.
 class HLIDATA_TYPE ISettingInfoEvents {
  public:
   virtual ~ISettingInfoEvents() = default;

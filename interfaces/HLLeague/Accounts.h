@@ -36,7 +36,7 @@ struct Accounts {
   Account Total() const;
 };
 
-/// The accounts of a season. A winning that names nobody stands under the id 0.
+/// The accounts of a season. A winning without a manager counts under the id 0.
 Accounts AccountsOf(League& league, const HLIData::ISeasonInfo& season);
 
 /// The accounts of several seasons added up for each manager.

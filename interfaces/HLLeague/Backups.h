@@ -21,7 +21,7 @@ struct Backup {
   std::uintmax_t bytes = 0;
 };
 
-/// The backups in a folder, newest first, as their names tell. Raises Failure for a folder that
+/// The backups in a folder, newest first, by their names. Raises Failure for a folder that
 /// cannot be read.
 std::vector<Backup> BackupsIn(const std::string& folder);
 

@@ -21,7 +21,7 @@ struct Turn {
 
 /// Who picks when: the managers of a season by their rank, each once a round, in reverse in every even round.
 ///
-/// A season's draft can be looked at before its order is settled; who is on the clock cannot be told then.
+/// A season's draft can be looked at before its order is settled; who is on the clock is unknown then.
 class DraftOrder {
  public:
   explicit DraftOrder(const HLIData::ISeasonInfo& season);

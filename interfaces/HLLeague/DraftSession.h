@@ -20,12 +20,12 @@ class League;
 /// The draft of the current season as it is played: the picks made since the last saving, which wait in
 /// memory, and what was done last, to be taken back.
 ///
-/// The season in memory shows the same picks. When the service has loaded the season's draft anew meanwhile,
+/// The season in memory shows the same picks. When the service has reloaded the season's draft meanwhile,
 /// picks that are not saved are put into it again. Borrows the league.
 class DraftSession {
  public:
   explicit DraftSession(League& league) : m_league(league) {}
-  League& TheLeague() const { return m_league; }
+  League& GetLeague() const { return m_league; }
 
   /// The current season, with the picks as they stand. Raises what CurrentSeason raises.
   HLIData::ISeasonInfo& Season();
@@ -71,8 +71,7 @@ class DraftSession {
 
   League& m_league;
   std::shared_ptr<HLIData::ISeasonInfo> m_season;
-  std::shared_ptr<HLIData::KeyedCollection<HLIData::IDraftInfo>>
-      m_drafts;  ///< tells whether it was loaded anew
+  std::shared_ptr<HLIData::KeyedCollection<HLIData::IDraftInfo>> m_drafts;  ///< another one after a reload
   Picks m_picks;
   Picks m_stored;
   std::vector<MisfitPick> m_misfits;

@@ -28,9 +28,9 @@ struct WantedPick {
   std::string manager;                 ///< who picks; empty: the manager whose turn it is
 };
 
-/// Gives a player or team to a manager. Raises Failure when the order of the draft is not settled, when words
-/// fit nobody or several, for somebody who is picked already and, without a number, for a draft that is
-/// complete or has stored picks that do not fit.
+/// Gives a player or team to a manager. Raises Failure when the order of the draft is not settled, when the
+/// words fit no or several players, for a player who is picked already and, without a number, for a draft
+/// that is complete or has stored picks that do not fit.
 ChangedPick FillPick(DraftSession& session, const WantedPick& wanted);
 
 /// Takes the last change back or, when nothing was changed since the draft was loaded, empties the last pick

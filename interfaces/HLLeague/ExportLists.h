@@ -29,7 +29,7 @@ std::vector<std::string> ExportListNames();
 bool IsOfSeason(const std::string& name);
 
 /// A list by one of those names; of a season's list that of the year, else of the current season. Raises
-/// Failure when the season cannot be told, or the records not be read.
+/// Failure when the season is ambiguous, or the records cannot be read.
 ExportList MakeExportList(DraftSession& draft, const std::string& name,
                           const std::optional<std::int32_t>& year);
 

@@ -19,8 +19,7 @@ enum class FailureKind {
 /// that raises it says otherwise.
 class Failure : public std::runtime_error {
  public:
-  /// `hint`: what to do next, in the words of the command line, on lines of its own; empty when there is
-  /// nothing to add.
+  /// `hint`: what to do next, in the words of the command line, on separate lines; may be empty.
   Failure(FailureKind kind, const std::string& text, std::string hint = {})
       : std::runtime_error(text), m_kind(kind), m_hint(std::move(hint)) {}
 

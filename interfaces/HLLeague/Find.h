@@ -11,7 +11,7 @@
 
 namespace HLLeague {
 
-// From the words that people use for a record to the record. A word may be an id, or a name in any case. All
+// Resolves what a user typed (id or name) to a record. A word may be an id, or a name in any case. All
 // raise Failure (Refused): for a word that fits nothing, and for one that fits several, which are then
 // listed.
 

@@ -37,12 +37,12 @@ class League {
   /// The service; a new one after a rollback: do not keep records across a Transact that fails. Raises
   /// Failure if the database was closed and cannot be opened.
   HLIData::IDataService& Service();
-  /// Hands a remark to whoever takes them.
+  /// Passes a remark to LeagueOptions::note.
   void Note(const std::string& text) const;
   /// The file that is open.
   const std::string& Path() const { return m_path; }
   /// Raises Failure if the service has shown a message box since the last call: an operation of it has
-  /// failed. To be called after every operation that shows them, so that one failure is not told as
+  /// failed. To be called after every operation that shows them, so that one failure is not reported as
   /// another's. A box about a draft with rows that do not fit is a note, given once.
   void RaiseShownMessages();
   /// The same, without raising: the text of the boxes, a line each; empty when there were none.
@@ -57,7 +57,7 @@ class League {
   void Transact(const std::string& failure, const std::function<void()>& work);
   /// Whether a Transact has stored something.
   bool HasStored() const { return m_hasStored; }
-  /// Takes a new service, which loads all records anew: after rows were changed behind its back. Do not keep
+  /// Takes a new service, which loads all records again: call it after changing rows directly. Do not keep
   /// records across it.
   void Reload();
   /// How many UTF-16 units a text column takes; the largest size_t for a column that is not text.

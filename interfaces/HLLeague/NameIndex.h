@@ -15,7 +15,7 @@ class NameIndex {
   /// `kind`: what the records are, for messages: "position".
   explicit NameIndex(std::string kind) : m_kind(std::move(kind)) {}
 
-  /// A record. Identifiers are from 1; others are passed over. Short name and names may be empty.
+  /// A record. Identifiers are from 1; others are skipped. Short name and names may be empty.
   void Add(std::int32_t id, const std::string& shortName, const std::vector<std::string>& names);
 
   /// The id of the record that a word means: one of that id, else of that short name, else of that name.

@@ -9,7 +9,7 @@
 
 namespace HLLeague {
 
-/// What people need to tell one player or team from another; empty where there is nothing.
+/// What identifies a player or team to people; empty where there is nothing.
 struct PickableFacts {
   std::string id;  ///< "P17", "T5": a letter for its kind, then the identifier
   std::string firstName;
@@ -37,7 +37,7 @@ struct PickableWords {
 /// The player or team that is meant: the one whose full name, else last name, else beginning of the names
 /// fits. Of a team, name, nickname and short name count as last names. `note` adds what to say of one in a
 /// list of several, such as that he is taken.
-/// Raises Failure when nobody fits, or several do, who are then listed.
+/// Raises Failure when none fits, or several do, which it lists.
 std::shared_ptr<HLIData::IPickable> FindPickable(
     League& league, const PickableWords& words,
     const std::function<std::string(const std::shared_ptr<HLIData::IPickable>&)>& note);

@@ -13,7 +13,7 @@ namespace HLLeague {
 
 /// What stands at one pick number of a draft: who picked, and whom.
 ///
-/// A pick is empty while nobody has made it. One that somebody has made may hold nothing all the same: a
+/// A pick is empty while it has no manager. One with a manager may still hold nothing: a
 /// stored pick without player or team, or with one that there is no record of.
 struct Pick {
   HLIData::PickType type = HLIData::PickType::None;  ///< player, team or nothing
@@ -35,7 +35,7 @@ Pick MakePick(const std::shared_ptr<HLIData::IPickable>& what, const HLIData::IM
 /// All picks of a draft; pick 1 comes first.
 using Picks = std::vector<Pick>;
 
-/// A season's picks as they stand in memory, told by their managers and keys.
+/// A season's picks as they stand in memory, read from their managers and keys.
 Picks PicksOf(const HLIData::ISeasonInfo& season);
 
 /// Raises Failure when the manager of a pick that is not empty does not take part in a season.

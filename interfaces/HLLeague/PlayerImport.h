@@ -17,11 +17,11 @@ namespace HLLeague {
 
 /// Takes players from a CSV file into a league.
 ///
-/// All lines are looked at before the first is taken, so that what would become of them can be told without
-/// doing it. A line with an id changes the player of that id; "new" as the id adds one. Without an id the
-/// name and, if the line tells one, the position tell who is meant: when nobody has the name, a player is
-/// added. A field that is left out, or has nothing in it, leaves a player as he is. What cannot be decided
-/// is refused, and so is a line about a player whom an earlier one is about.
+/// All lines are checked before the first is applied, which makes dry runs possible. A line with an id
+/// changes the player of that id; "new" as the id adds one. Without an id the name and, if the line has one,
+/// the position identify the player; an unknown name adds a player. A field that is left out, or has nothing
+/// in it, leaves a player as he is. What cannot be decided is refused, and so is a line about a player whom
+/// an earlier one is about.
 class PlayerImport {
  public:
   enum class Kind { Add, Change, Same };

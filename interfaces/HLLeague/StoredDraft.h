@@ -10,7 +10,7 @@
 namespace HLLeague {
 
 /// A stored pick that does not fit the season: its number lies outside the draft, its manager does not take
-/// part, somebody has picked the same before, or what was picked cannot be loaded.
+/// part, an earlier pick holds the same, or what was picked cannot be loaded.
 struct MisfitPick {
   std::int32_t number = 0;
   std::int32_t managerID = 0;

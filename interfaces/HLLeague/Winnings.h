@@ -12,11 +12,11 @@
 
 namespace HLLeague {
 
-/// A prize that somebody has won, with what its numbers stand for.
+/// A prize that was won, with names for its ids.
 struct Winning {
   std::int32_t id = 0;         ///< 0 while it is not saved
   std::int32_t week = 0;       ///< 0: no week
-  std::int32_t managerID = 0;  ///< 0 when the stored winning names nobody
+  std::int32_t managerID = 0;  ///< 0 when the stored winning has no manager
   std::string manager;         ///< full name; the stored text when there is no such manager
   std::int32_t prizeID = 0;
   std::string prize;
@@ -27,7 +27,7 @@ struct Winning {
 /// The winnings of a season by week, then by id; those without a week come last.
 std::vector<Winning> WinningsIn(League& league, const HLIData::ISeasonInfo& season);
 
-/// How a winning's week is told: "3", or "-" for none.
+/// The text of a winning's week: "3", or "-" for none.
 std::string WeekText(std::int32_t week);
 
 /// The full names of all managers, under their ids.

@@ -15,7 +15,7 @@ using namespace format;
 
 namespace {
 
-constexpr std::int32_t kRootContainer = 0x0F000000;  // has no row of its own
+constexpr std::int32_t kRootContainer = 0x0F000000;  // has no row
 constexpr std::int32_t kTypeTable = 1;
 constexpr std::int32_t kTypeRelation = 8;
 
@@ -52,7 +52,7 @@ std::vector<std::vector<Value>> ReadColumns(const CheckedTable& checked,
         values.push_back(checked.table->Read(*row, place));
       rows.push_back(std::move(values));
     } catch (const Error& error) {
-      if (error.Number() != ErrorNumber::DamagedFile) throw;  // damage was told of with the table
+      if (error.Number() != ErrorNumber::DamagedFile) throw;  // damage was reported with the table
     }
   }
   return rows;

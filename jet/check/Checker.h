@@ -10,8 +10,8 @@ class Store;
 /// list, rows and their values, long values, indexes against rows both ways, the catalog, relationships.
 /// Reads every page.
 ///
-/// Damage that stops the reading of one structure is a finding, and the check goes on with the next. Pages in
-/// use that nothing refers to are no finding: other writers leave some behind. Raises ReadFailed when the
+/// Damage that stops the reading of one structure is a finding, and the check continues with the next. Pages
+/// in use that nothing refers to are no finding: other writers leave some behind. Raises ReadFailed when the
 /// system cannot read.
 CheckReport CheckDatabase(Store& store);
 

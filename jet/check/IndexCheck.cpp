@@ -59,7 +59,7 @@ void IndexCheck::Run() {
 void IndexCheck::Walk(PageNumber number, std::size_t depth) {
   if (depth > Index::kMaxDepth) RaiseDamaged(number, "is too deep in the tree");
   if (!m_pages->Claim(number, m_where)) {
-    // A page met before closes a ring; one of another structure was told of.
+    // Already visited: a cycle. Owned by another structure: already reported.
     if (m_pages->IsOwnedBy(number, m_where)) RaiseDamaged(number, "occurs twice in the tree");
     m_isWhole = false;
     return;

@@ -53,7 +53,7 @@ class IndexCheck {
   std::vector<PageNumber> m_leaves;
   std::vector<RowId> m_rows;        // rows of the entries met so far
   format::EntryBytes m_lastEntry;   // empty before the first
-  PageNumber m_disorderedPage = 0;  // the last page told of for the order of its entries
+  PageNumber m_disorderedPage = 0;  // the last page reported for the order of its entries
   bool m_isWhole = true;            // false: part of the tree could not be read
 };
 

@@ -42,7 +42,7 @@ class PageUse {
   Pager* m_pager;
   Findings* m_findings;
   std::vector<bool> m_inUse;
-  std::vector<std::uint32_t> m_owner;  // place in m_names + 1; 0 nobody
+  std::vector<std::uint32_t> m_owner;  // index in m_names + 1; 0: none
   std::vector<std::string> m_names;
   std::unordered_map<std::string, std::uint32_t> m_ids;
   std::unordered_map<std::uint32_t, std::string> m_mapRows;  // row pointer -> owner

@@ -179,7 +179,7 @@ std::vector<PageNumber> TableCheck::CheckMaps() {
   const bool ownedKnown = m_findings->Guard(
       m_where, [&] { owned = m_pages->ReadMap(m_definition->ownedPages, "pages of " + m_where); });
   if (!ownedKnown) {
-    owned = named;  // so that the rows are looked at all the same
+    owned = named;  // so that the rows are checked anyway
   } else {
     const auto strays = Without(owned, named);
     const auto missing = Without(named, owned);

@@ -130,7 +130,7 @@ std::shared_ptr<Database> DBEngine::CompactDatabase(Database& source, const std:
     try {
       compacted->Close();
     } catch (const Error&) {
-      // The first error is the one to report.
+      // Report the original error.
     }
     RemoveFailed(name);
     throw;
@@ -146,8 +146,8 @@ std::shared_ptr<File> DBEngine::Hold(const std::string& name) {
   return m_options.files->Open(name, {});
 }
 
-std::string DBEngine::NameInMaking(const std::string& target) const {
-  return jet::NameInMaking(*m_options.files, target);
+std::string DBEngine::TemporaryName(const std::string& target) const {
+  return jet::TemporaryName(*m_options.files, target);
 }
 
 // On systems that cannot rename an open file, its lock goes just before.
@@ -206,7 +206,7 @@ void DBEngine::RemoveFailed(const std::string& name) noexcept {
   try {
     m_options.files->Remove(name);
   } catch (const std::exception&) {
-    // What made the file fail is what to tell.
+    // Report the original error.
   }
 }
 

@@ -28,12 +28,12 @@ class CallObserver {
 struct EngineOptions {
   std::size_t cacheBytes = std::size_t{64} << 20;  ///< most bytes of unchanged pages kept per open database
   std::shared_ptr<FileSystem> files;               ///< none: the file system of the machine
-  std::shared_ptr<CallObserver> observer;          ///< none: nobody is told
+  std::shared_ptr<CallObserver> observer;          ///< null: no observer
   Durability durability = Durability::Full;        ///< what changes survive
 };
 
 /// The file beside a database in which changes wait until the database is closed. One that is there while
-/// nobody has the database open was left by a crash; opening the database replays it.
+/// no process has the database open was left by a crash; opening the database replays it.
 std::string LogNameFor(const std::string& databaseName);
 
 /// Properties of a database made from nothing.
@@ -92,17 +92,17 @@ class DBEngine {
   std::shared_ptr<File> Hold(const std::string& name);
 
   /// A name beside `target` for a file that goes there once it is whole. Left-overs of crashes are removed.
-  std::string NameInMaking(const std::string& target) const;
+  std::string TemporaryName(const std::string& target) const;
   /// Puts the database file `from` in the place of an open database, which is closed: whatever happens, the
-  /// name stands for the one or the other, whole. Where the system allows it nobody can open the file in
-  /// between. `made` is the lock of `from`. Raises ObjectClosed, PermissionDenied, and what closing raises;
-  /// an uncertain error if it was done, but may not survive a power cut.
+  /// name stands for the one or the other, whole. Where the system supports it the file stays locked
+  /// throughout. `made` is the lock of `from`. Raises ObjectClosed, PermissionDenied, and what closing
+  /// raises; an uncertain error if it was done, but may not survive a power cut.
   void ReplaceDatabase(Database& database, const std::string& from, std::shared_ptr<File> made);
   /// The same for the file `to`, whatever is in it, which `held` is. Its log goes first, unread.
   void ReplaceDatabase(const std::string& to, std::shared_ptr<File> held, const std::string& from,
                        std::shared_ptr<File> made);
   /// Gives the database file `from` a name that nothing has. The log of a database of that name that is gone
-  /// goes first, unread. Raises ObjectExists, and FileInUse when somebody has that log open.
+  /// goes first, unread. Raises ObjectExists, and FileInUse when that log is open.
   void PlaceDatabase(const std::string& to, const std::string& from, std::shared_ptr<File> made);
 
   /// Whether there is a file of that name, be it a database or not.

@@ -22,7 +22,7 @@ DatabaseCore::~DatabaseCore() {
   try {
     Close();
   } catch (...) {
-    // Who wants to know closes the database before the last reference goes.
+    // A destructor must not throw. Call Close() to see errors.
   }
 }
 
@@ -62,7 +62,7 @@ void DatabaseCore::Remove(RecordsetCore& recordset) {
   std::erase(m_recordsets, &recordset);
 }
 
-// A row that someone still looks at would keep its page as it was, or lose it under its eyes.
+// Release pinned rows first; they would otherwise show a stale page.
 void DatabaseCore::ReleaseRows() {
   for (RecordsetCore* recordset : m_recordsets)
     recordset->ReleaseRow();

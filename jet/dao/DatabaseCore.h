@@ -14,9 +14,9 @@ namespace jet {
 
 class RecordsetCore;
 
-/// What a Database and its recordsets share: the open file, until it is closed, and who must let go of it.
+/// What a Database and its recordsets share: the open file, until it is closed, and who must release it.
 ///
-/// Owned by the Database and kept by its recordsets, so that these can tell that it was closed.
+/// Owned by the Database and kept by its recordsets, so that these notice that it was closed.
 class DatabaseCore {
  public:
   DatabaseCore(std::string name, std::unique_ptr<Store> store, bool readOnly,
@@ -48,10 +48,10 @@ class DatabaseCore {
 
   /// See Database.
   void CheckCanChange() { WritableStore(); }
-  /// Makes ready for a change of rows, which is a unit of its own. Raises ObjectClosed, CannotUpdate,
+  /// Prepares a change of rows, which is a separate unit. Raises ObjectClosed, CannotUpdate,
   /// PermissionDenied if the file could be opened for reading only.
   void PrepareChange();
-  /// The store, ready for a change of the schema, which is a unit of its own.
+  /// The store, ready for a change of the schema, which is a separate unit.
   Store& StoreForSchema();
 
   /// See Database.

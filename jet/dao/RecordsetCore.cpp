@@ -148,7 +148,7 @@ void RecordsetCore::FindFirst(const std::string& criterion) {
     try {
       if (evaluator.Holds(condition)) return;
     } catch (const Error& error) {
-      // Rows that someone else deleted are not found.
+      // Rows deleted elsewhere are not found.
       if (error.Number() != ErrorNumber::RowDeleted) throw;
     }
   }

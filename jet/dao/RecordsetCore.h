@@ -110,7 +110,7 @@ class RecordsetCore {
   std::size_t m_nextField = 0;  // the one behind the field found last
   std::optional<RowEdit> m_edit;
   const format::RowView* m_ready = nullptr;  // the current row of the dynaset
-  std::string m_text;                        // what ReadFieldText answered with, if it is nowhere else
+  std::string m_text;                        // what ReadFieldText returned, if it is stored nowhere else
 };
 
 }  // namespace jet

@@ -29,12 +29,13 @@ void Check(const std::string& name) {
   }
 }
 
-bool IsInMaking(const std::string& name) {
+bool IsTemporary(const std::string& name) {
   constexpr std::size_t kDigits = 16;
   const std::string last = name.substr(Folder(name).size());
-  return last.starts_with(kInMaking) &&
-         last.find_first_not_of("0123456789abcdef", std::string(kInMaking).size()) == std::string::npos &&
-         last.size() == std::string(kInMaking).size() + kDigits;
+  return last.starts_with(kTemporaryPrefix) &&
+         last.find_first_not_of("0123456789abcdef", std::string(kTemporaryPrefix).size()) ==
+             std::string::npos &&
+         last.size() == std::string(kTemporaryPrefix).size() + kDigits;
 }
 
 std::string Folder(const std::string& name) {

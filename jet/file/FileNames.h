@@ -6,9 +6,9 @@
 namespace jet::file_names {
 
 /// What the names of files begin with that are still being made, before 16 random hexadecimal digits.
-inline constexpr char kInMaking[] = ".being-made-";
+inline constexpr char kTemporaryPrefix[] = ".being-made-";
 /// Whether the last part of a name is such a one.
-bool IsInMaking(const std::string& name);
+bool IsTemporary(const std::string& name);
 
 /// Raises InvalidFileName for a name that no file can have: empty, ending in a separator, or with `*`, `?` or
 /// a control character in it.

@@ -133,7 +133,7 @@ void PageStore::ApplyLogged(std::span<const ChangedPage> changes, PageNumber pag
   try {
     m_log->Checkpoint(*m_file);
   } catch (const std::exception&) {
-    // The unit is in the log all the same. The next one tries again, and closing tells.
+    // The unit is in the log anyway. The next one tries again, and Close() reports the error.
   }
 }
 
@@ -180,7 +180,7 @@ void PageStore::PutBack(std::span<const ChangedPage> attempted) noexcept {
     const std::uint64_t size = OffsetOf(m_pageCount);
     if (m_file->Size() != size) m_file->Resize(size);
   } catch (const std::exception&) {
-    m_broken = true;  // the first error is the one that the caller is told
+    m_broken = true;  // report the original error
   }
 }
 

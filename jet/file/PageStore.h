@@ -39,7 +39,7 @@ class PageStore {
   void Start(std::uint32_t databaseKey);
   /// From here on changes go into the log; those made until then are durable.
   void UseLog(std::unique_ptr<RedoLog> log);
-  /// Has a log that begins note the state of the pages that `pages()` answers, by which another state of the
+  /// Has a log that begins note the state of the pages that `pages()` returns, by which another state of the
   /// file is recognised when the log is replayed. They should be few, and change often.
   void UseWitnesses(std::function<std::vector<PageNumber>()> pages) { m_witnesses = std::move(pages); }
   /// See RedoLog::Refusal.

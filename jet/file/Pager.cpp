@@ -50,7 +50,7 @@ PageHandle Pager::Load(PageNumber number) {
 }
 
 void Pager::MakeRoom() {
-  // Second chance: a page used since the last visit is passed over once. Changed and pinned pages stay,
+  // Second chance: a page used since the last visit is skipped once. Changed and pinned pages stay,
   // whatever the bound.
   for (std::size_t steps = 0; steps < 2 * m_frames.size() && m_cached >= m_capacity; ++steps) {
     m_clock = m_clock + 1 < m_frames.size() ? m_clock + 1 : 0;

@@ -100,7 +100,7 @@ class Pager {
 
   bool InUnit() const { return !m_levels.empty(); }
 
-  /// Notes that a page of rows was given back, so that row ids into it can be told to be stale.
+  /// Notes that a page of rows was given back, so that row ids into it are recognised as stale.
   void NoteFreed(PageNumber number);
   /// A moment in the life of the file, for FreedSince.
   std::uint64_t Moment() const { return m_moment; }
@@ -158,9 +158,9 @@ class Pager {
   std::size_t m_capacity;
   std::size_t m_evictAt;                                 // pages in the cache at which room is made again
   std::vector<std::unique_ptr<detail::Frame>> m_frames;  // by page number
-  std::unique_ptr<detail::Frame> m_discarded;  // undone new pages that somebody still has, in a chain
+  std::unique_ptr<detail::Frame> m_discarded;            // undone new pages that are still pinned, in a chain
   std::size_t m_cached = 0;
-  std::size_t m_clock = 0;  // where the search for a page to evict goes on
+  std::size_t m_clock = 0;  // where the search for a page to evict continues
   PageNumber m_pageCount;
   std::vector<Level> m_levels;
   std::vector<std::unique_ptr<PageBytes>> m_buffers;  // kept for the next unit

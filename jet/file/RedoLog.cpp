@@ -191,8 +191,8 @@ RedoLog::LoggedPage RedoLog::Place(const ChangedPage& change, std::uint64_t offs
   return page;
 }
 
-/// Keeps zeros ahead of the end. To sync what is written over them, the system need not note a new size of
-/// the file, which takes it longer than all the rest. The next sync is theirs too.
+/// Keeps zeros ahead of the end. Syncing an overwrite of these zeros needs no file-size update, the slowest
+/// part of a sync. The next sync is theirs too.
 void RedoLog::WriteAhead() {
   if (m_end <= m_ahead) return;
   const auto size = std::clamp<std::uint64_t>(m_end, kLeastAhead, kMostAhead);
@@ -208,12 +208,12 @@ void RedoLog::WriteAhead() {
 /// Makes sure that the unit which was just written, but perhaps not to the disk, is not taken for one later.
 void RedoLog::Void() {
   try {
-    // A sync that fails may have dropped what was written for good, the header of a new log too.
+    // After a failed fsync, earlier writes may be lost, including the log header.
     if (m_pages.empty()) return Remove();
     m_file->Write(m_end, std::array<std::byte, kSectorSize>{});
     m_file->Sync();
   } catch (const std::exception&) {
-    m_isBroken = true;  // the first error is the one that the caller is told
+    m_isBroken = true;  // report the original error
   }
 }
 
@@ -268,10 +268,10 @@ void RedoLog::WritePages(File& database) {
   try {
     PutBackIfRemoved();
   } catch (const Error&) {
-    // Better a checkpoint that no crash may interrupt than none.
+    // Checkpoint anyway, though a crash during it would not be recoverable.
   }
   // From here on the log must be able to repair the database.
-  if (!m_isSynced) UnlessItFails([&] { m_file->Sync(); });
+  if (!m_isSynced) MarkBrokenOnFailure([&] { m_file->Sync(); });
   m_isSynced = true;
   std::vector<PageNumber> numbers;
   numbers.reserve(m_pages.size());
@@ -296,7 +296,7 @@ void RedoLog::WritePages(File& database) {
 void RedoLog::Checkpoint(File& database) {
   if (m_pages.empty()) return;
   WritePages(database);
-  UnlessItFails([&] {
+  MarkBrokenOnFailure([&] {
     WriteHeader(m_pageCount);
     m_file->Sync();  // before anything is written over the units that are void now
   });
@@ -305,7 +305,7 @@ void RedoLog::Checkpoint(File& database) {
 }
 
 template <typename Work>
-void RedoLog::UnlessItFails(Work&& work) {
+void RedoLog::MarkBrokenOnFailure(Work&& work) {
   try {
     work();
   } catch (...) {

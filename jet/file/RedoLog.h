@@ -32,7 +32,7 @@ namespace jet {
 /// that it does not change, the witnesses, by which another state of the database file is recognised.
 ///
 /// Pages are here as they are in the file, coded if its pages are. The caller holds the lock of the database
-/// file; the log has one of its own, so that no two hold it.
+/// file; the log has a separate one, so that no two processes hold it.
 class RedoLog {
  public:
   static constexpr std::uint64_t kLongLog = std::uint64_t{16} << 20;
@@ -49,7 +49,7 @@ class RedoLog {
 
   /// Replays a log that was left beside the database file, and removes it; one that is read only is left
   /// where it is, and its pages are read from it. Without a log it does nothing, and also when the file is
-  /// read only and somebody else has the log open: that one's changes are not ours to see yet.
+  /// read only and another process holds the log: its changes are not visible here yet.
   ///
   /// Raises LogDoesNotBelong, and touches neither file, when a page of the database file is neither as the
   /// log found it nor as a unit of the log leaves it. Raises DamagedFile when units follow a damaged place:
@@ -84,7 +84,7 @@ class RedoLog {
   /// The same for the last time: the log is removed. One that was not used, or that is read only, does
   /// nothing. Raises FileNotFound, and leaves the log, when the database file is gone.
   void Close(File& database);
-  /// Removes a log without looking into it, as for a database file that is made anew.
+  /// Removes a log unread, as for a database file that is created again.
   void Remove();
 
  private:
@@ -133,7 +133,7 @@ class RedoLog {
   void WritePages(File& database);
   /// Refuses further changes when `work` fails: it is unknown then what the log holds.
   template <typename Work>
-  void UnlessItFails(Work&& work);
+  void MarkBrokenOnFailure(Work&& work);
   [[noreturn]] void RaiseDoesNotBelong() const;
 
   std::shared_ptr<FileSystem> m_files;

@@ -7,7 +7,7 @@
 
 namespace jet {
 
-/// A 64-bit checksum of bytes that tells torn and foreign writes from whole ones. Not against forgery.
+/// A 64-bit checksum of bytes that detects torn and foreign writes. Not cryptographic.
 ///
 /// Four lanes of 64 bits, so that a page costs well under a microsecond. Depends on the machine's byte order:
 /// for files that do not leave the machine.

@@ -22,7 +22,7 @@ namespace jet::format {
 //
 //   0x0000 live row
 //   0x4000 moved row: its first 4 bytes are a row pointer to the real row
-//   0x8000 target of a moved row: not a row of its own
+//   0x8000 target of a moved row: not counted as a row
 //   0xc000 deleted row
 namespace data_page {
 inline constexpr std::size_t kFreeSpace = 0x02;

@@ -254,7 +254,7 @@ EntryPlace IndexPageView::LowerBound(std::span<const std::byte> key) const {
     const std::size_t middle = low + (high - low) / 2;
     place = Around(middle);
     const bool isLess = rest.IsAbove(m_page.subspan(kEntries + place.begin), place.end - place.begin);
-    // Without a branch, which nobody could foretell.
+    // Branch-free: a branch here is unpredictable.
     const std::size_t mask = std::size_t{0} - static_cast<std::size_t>(isLess);
     low = (place.end & mask) | (low & ~mask);
     high = (place.begin & ~mask) | (high & mask);

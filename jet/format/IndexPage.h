@@ -69,7 +69,7 @@ class IndexPageView {
   std::uint32_t Tail() const;
   std::size_t FreeSpace() const;
   std::size_t PrefixLength() const { return m_prefix; }
-  /// Bytes of entries, as the mask tells.
+  /// Bytes of entries, according to the mask.
   std::size_t Used() const { return m_used; }
 
   EntryPlace First() const { return After(0); }
@@ -102,7 +102,7 @@ class IndexPageView {
   int Compare(EntryPlace place, std::span<const std::byte> key) const;
   /// Whether the entry, which is not shorter, begins with these bytes.
   bool BeginsWith(EntryPlace place, std::span<const std::byte> bytes) const;
-  /// Whether an entry can be put before `place` with no other stored anew: it has the page's prefix, and
+  /// Whether an entry can be put before `place` without storing others again: it has the page's prefix, and
   /// fits.
   bool HasRoomFor(EntryPlace place, std::span<const std::byte> entry) const;
   /// Row pointer of a leaf entry. Raises DamagedFile for an entry too short to have one.

@@ -12,7 +12,7 @@ namespace jet::format {
 /// Puts a row together: a new one, or one made from an old row of which some columns change.
 ///
 /// Borrows the definition, which must outlive it; copies the bytes it is given. Columns are named by their
-/// position in the definition's list. One builder puts row after row together without making room anew.
+/// position in the definition's list. A builder is reused for many rows without allocating again.
 class RowBuilder {
  public:
   explicit RowBuilder(const TableDefinition& table) : m_table(table) { Begin(); }

@@ -13,7 +13,7 @@ namespace {
 
 /// How a character sorts.
 ///   Plain    its inline bytes
-///   Accent   its inline bytes, and weights of its own among the weights of the text
+///   Accent   its inline bytes, and separate weights among those of the text
 ///   Special  no inline bytes; an entry with its position and code at the end of the key
 ///   Mark     its weight is added to that of the character before
 ///   Kana1, Kana2  inline bytes, weights if it has any, and an entry among the kana of the text

@@ -34,7 +34,7 @@ constexpr std::uint64_t kHighBits = 0x8080808080808080;
 
 /// A bit set for each byte of a word that is not the code of an ASCII character, or is 0.
 std::uint64_t NotAscii(std::uint64_t word) {
-  // Bytes without the high bit that have it when 7f is added to them are not 0.
+  // (b & 0x7f) + 0x7f has its high bit set exactly when b's low bits are not 0.
   constexpr std::uint64_t kOtherBits = 0x7F7F7F7F7F7F7F7F;
   return (word | ~((word & kOtherBits) + kOtherBits)) & kHighBits;
 }

@@ -137,7 +137,7 @@ void Executor::AddTo(RowOrder& order) {
   }
 }
 
-// Runs the plan, and tells the order that its rows should have.
+// Runs the plan, and computes the order of its rows.
 template <typename Visit>
 std::vector<std::size_t> Executor::RunToSort(const Visit& visit) {
   RowOrder order(m_query->order);

@@ -8,7 +8,7 @@
 namespace jet::sql {
 namespace {
 
-/// Appends the key of a value for one column; false when it has none, or none of its own.
+/// Appends the key of a value for one column; false when it has no key, or shares it with other values.
 KeyFit AppendKey(const Value& wanted, const format::ColumnDefinition& column, bool ascending,
                  KeyBytes& bytes) {
   Value key;

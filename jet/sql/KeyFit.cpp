@@ -9,7 +9,7 @@
 namespace jet::sql {
 namespace {
 
-// Zero has two keys, and what is no number has many.
+// +0 and -0 have different keys; NaN has many.
 bool HasOneKey(double value) {
   return value != 0 && !std::isnan(value);
 }

@@ -11,7 +11,7 @@ namespace jet::sql {
 enum class KeyFit {
   Found,    ///< they can
   NoRow,    ///< no value of the column equals it, so that there are none
-  Unknown,  ///< several keys may stand for it, or none is known: only reading all rows tells
+  Unknown,  ///< several keys may stand for it, or none is known: only reading all rows can decide
 };
 
 /// Index keys of text hold its first characters only; a text column has no more.

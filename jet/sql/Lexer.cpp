@@ -42,7 +42,7 @@ Token Lexer::TextLiteral(char quote) {
 }
 
 Token Lexer::NumberLiteral() {
-  // All that can belong to a number or makes it none: 1.5, 1e-3, but also 3abc and 1.2.3.
+  // Consume the whole run, valid (1.5) or not (3abc).: 1.5, 1e-3, but also 3abc and 1.2.3.
   while (m_at < m_text.size()) {
     const char c = m_text[m_at];
     const bool signOfExponent =

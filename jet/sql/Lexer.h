@@ -9,7 +9,7 @@
 namespace jet::sql {
 
 /// Cuts a statement into tokens, one at a time. The text must outlive it. Never raises: what is no token
-/// comes out as an invalid one, so that the parser can tell in which clause it stands.
+/// comes out as an invalid one, so that the parser can report in which clause it stands.
 class Lexer {
  public:
   explicit Lexer(std::string_view text) : m_text(text) {}

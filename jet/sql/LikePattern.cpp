@@ -28,7 +28,7 @@ LikePattern::LikePattern(std::string_view pattern) {
   for (std::size_t at = 0; at < pattern.size();) {
     switch (pattern[at]) {
       case '*':
-        // A run of them is no more than one.
+        // Collapse consecutive '*'.
         if (m_elements.empty() || m_elements.back().kind != AnyRun)
           m_elements.push_back({AnyRun, 0, false, {}});
         ++at;
@@ -50,7 +50,7 @@ LikePattern::LikePattern(std::string_view pattern) {
   }
 }
 
-// Adds the set whose inside begins at `at`; where the pattern goes on behind it.
+// Adds the set whose inside begins at `at`; where the pattern continues after it.
 std::size_t LikePattern::AddSet(std::string_view pattern, std::size_t at) {
   const std::size_t close = pattern.find(']', at);
   if (close == std::string_view::npos) RaiseBadPattern(pattern, "a bracket is never closed");

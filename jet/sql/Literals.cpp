@@ -154,7 +154,7 @@ std::optional<Value> ParseNumber(std::string_view text) {
   }
   double value = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-  // What is too small to tell from nothing is refused as well.
+  // Reject underflow too.
   if (result.ec != std::errc{} || !std::isfinite(value)) return std::nullopt;
   return Value(negative ? -value : value);
 }

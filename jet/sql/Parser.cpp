@@ -375,7 +375,7 @@ Expression Parser::Predicate() {
   bool isWhole = false;
   Expression left = LeftSide(isWhole);
   if (isWhole) return left;
-  // What follows is no predicate of its own.
+  // What follows is not a separate predicate.
   const std::optional<Expression> subject = std::exchange(m_subject, std::nullopt);
   const auto whole = [&](Expression predicate, bool negated) {
     m_subject = subject;

@@ -15,7 +15,7 @@
 namespace jet::sql {
 
 /// A select statement that is parsed, bound to the tables of a store, and planned; to be run as often as
-/// wanted, also with other whole numbers in the place of its own.
+/// wanted, also with other whole numbers.
 ///
 /// It reads tables as they are when it runs, but is of no use any more once the schema has changed.
 class PreparedSelect {
@@ -27,7 +27,7 @@ class PreparedSelect {
 
   /// Whether it serves all statements of its shape.
   bool ServesShape() const { return m_servesShape; }
-  /// Puts the numbers of another statement of its shape in the place of its own. False when they are more or
+  /// Puts the numbers of another statement of its shape in place of these. False when they are more or
   /// fewer.
   bool Put(const StatementNumbers& numbers);
 

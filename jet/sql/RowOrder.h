@@ -11,7 +11,7 @@
 
 namespace jet::sql {
 
-/// Collects what rows are ordered by and tells the order that they should have. Rows equal in all of it keep
+/// Collects what rows are ordered by and computes their order. Rows equal in all of it keep
 /// the order in which they were added.
 class RowOrder {
  public:

@@ -11,7 +11,7 @@ std::shared_ptr<PreparedSelect> StatementCache::Get(std::string_view statement, 
   if (const auto found = m_byShape.find(m_shape.text); found != m_byShape.end()) {
     if (found->second != m_entries.begin()) m_entries.splice(m_entries.begin(), m_entries, found->second);
     const std::shared_ptr<PreparedSelect>& select = m_entries.front().select;
-    // A statement with placeholders of its own has the shape of another, and fewer numbers.
+    // A statement that contains placeholders normalizes to the same text with fewer numbers.
     if (select->Put(m_shape.numbers)) return select;
   }
   auto select = std::make_shared<PreparedSelect>(statement, m_shape, store);

@@ -204,7 +204,7 @@ void CatalogCopy::CopyRights() {
     } else {
       right.values.erase("ObjectId");
       rights.Update(found->second, ValuesFor(rights, right.values));
-      present.erase(found);  // a further right of the account on the object is one of its own
+      present.erase(found);  // a further right of the account on the object is a separate row
     }
   }
 }

@@ -63,8 +63,8 @@ void IndexEditor::RaiseDamaged(const char* what) const {
   throw Error(ErrorNumber::DamagedFile, "The " + m_index->Where() + " is damaged: " + what + ".");
 }
 
-// A tail names a child of its own only if no entry does. Other writers name the last child both ways, or name
-// the last leaf from a branch that is not right above the leaves.
+// The rightmost child is a separate one only if no entry names it. Other writers name the last child both
+// ways, or name the last leaf from a branch that is not right above the leaves.
 bool IndexEditor::IsKeylessChild(PageNumber tail, PageNumber lastKeyed) const {
   if (tail == 0 || tail == lastKeyed) return false;
   const PageHandle a = m_pager->Get(tail);
@@ -198,7 +198,7 @@ bool IndexEditor::EraseEntry(const EntryBytes& entry) {
   return true;
 }
 
-// Splits a leaf in the middle; or, with `appended`, puts that entry on a page of its own: keys that grow fill
+// Splits a leaf in the middle; or, with `appended`, puts that entry on a new page: keys that grow fill
 // every page, and an entry that nearly fills a page has it for itself.
 void IndexEditor::SplitLeaf(PageNumber leaf, const EntryBytes* appended) {
   EntryBytes pool;

@@ -96,7 +96,7 @@ Bytes LongValues::Write(std::span<const std::byte> value) {
     reference.AppendTo(stored);
     return stored;
   }
-  // A chain has pages of its own, tagged alike, and is written from its end so that each piece knows the
+  // A chain has separate pages, tagged alike, and is written from its end so that each piece knows the
   // next.
   reference.mode = LongValueReference::Mode::Chained;
   const std::size_t pieces = (value.size() + kChainedPiece - 1) / kChainedPiece;

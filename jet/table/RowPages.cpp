@@ -15,8 +15,8 @@ namespace data_page = format::data_page;
 namespace {
 // Room that makes a page worth trying for further rows.
 constexpr std::size_t kWorthTrying = 512;
-// A page with less room than this is not tried again once a row did not fit, until a row of it goes: pages
-// that rows of a usual size just miss would keep the search from those behind them.
+// A page with less room than this is not tried again once a row did not fit, until a row of it goes:
+// otherwise nearly full pages would always be tried first.
 constexpr std::size_t kWorthTryingAgain = kPageSize / 2;
 // Pages tried for a row before a new one is taken; rows longer than most rooms would otherwise try them all.
 constexpr int kMaxTries = 16;

@@ -29,7 +29,7 @@ void SchemaWriter::Apply(const std::function<void()>& change) {
     try {
       m_store->Reload();
     } catch (const Error&) {
-      // The first error is the one to tell.
+      // Report the original error.
     }
     throw;
   }

@@ -11,7 +11,7 @@ namespace jet {
 
 /// Changes the schema of an open database: tables, indexes, relationships, the password.
 ///
-/// Borrows the Store. Each change is a unit of its own, which applies whole or not at all; afterwards, also
+/// Borrows the Store. Each change is a separate unit, which applies whole or not at all; afterwards, also
 /// when it failed, the Store knows the schema as it is in the file. What is wrong with a definition is found
 /// before anything is written. Besides what is named below all raise DamagedFile, FileTooLarge and the errors
 /// of the file.

@@ -63,7 +63,7 @@ class Store {
   /// Whether a row id into `page` noted at `moment` may name another row by now.
   bool FreedSince(PageNumber page, std::uint64_t moment) const { return m_pager->FreedSince(page, moment); }
 
-  /// Reads header, catalog and definitions anew, after a change of the schema or the undoing of one.
+  /// Reloads header, catalog and definitions after a change of the schema or the undoing of one.
   void Reload();
   /// Makes everything written survive a power cut, in the file itself. The Store must not be used afterwards.
   void Close();

@@ -43,7 +43,7 @@ struct ColumnValue {
 /// One table of an open database: its rows and its indexes.
 ///
 /// Owned by the Store. Insert, Update and Delete keep indexes, usage maps, counts and enforced relationships
-/// right, and each applies whole or not at all: as a change unit of its own, or as a part of the one under
+/// right, and each applies whole or not at all: as a separate change unit, or as a part of the one under
 /// way. All raise DamagedFile for bytes that contradict the format.
 class Table {
  public:
@@ -105,7 +105,7 @@ class Table {
   const RowStore& Rows() const { return *m_rows; }
   Store& Owner() const { return *m_store; }
 
-  /// Reads the definition and the rules anew, after a change of the schema or the undoing of one.
+  /// Reloads the definition and the rules after a change of the schema or the undoing of one.
   void Reload();
 
  private:
@@ -113,7 +113,7 @@ class Table {
     Index index;
     std::vector<std::size_t> columns;
   };
-  /// Values of a row by position in the definition's list; Null for columns that nobody asked for.
+  /// Values of a row by position in the definition's list; Null for columns that were not requested.
   using RowValues = std::vector<Value>;
   struct KeyOfRow {
     std::optional<KeyBytes> bytes;  ///< none: the key's form is not known
@@ -190,8 +190,8 @@ class TableScan {
   bool Next() {
     return NextUnless([](std::span<const std::byte>) { return false; });
   }
-  /// The same, passing over rows for whose bytes `skip` answers true. Rows that have moved to another page
-  /// are not passed over.
+  /// The same, skipping rows for whose bytes `skip` returns true. Rows that have moved to another page are
+  /// not skipped.
   template <typename Skip>
   bool NextUnless(const Skip& skip) {
     m_hasRow = false;

@@ -200,7 +200,7 @@ bool Table::RefersToItself(const LogicalIndexDefinition& relation) const {
 }
 
 // Adds a row where nothing but the bytes of pages with room has to change. Until all of them are known
-// nothing is written, and from then on nothing can fail, so that it needs no change unit of its own to be
+// nothing is written, and from then on nothing can fail, so that it needs no separate change unit to be
 // whole or not at all. None, and nothing changed, when the row has to be added the long way.
 std::optional<RowId> Table::InsertInPlace(const NewRow& row) {
   for (std::size_t c = 0; c < row.values.size(); ++c) {

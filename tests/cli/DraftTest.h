@@ -59,7 +59,7 @@ class DraftTest : public testing::Test {
     HLDataSrvc::HLServiceUtils::ReplaceEngine({});
   }
 
-  HLLeague::League& League() { return m_context->TheLeague(); }
+  HLLeague::League& League() { return m_context->OpenLeague(); }
   DraftSession& Draft() { return m_context->Draft(); }
 
   /// Closes the league and opens it again, with nothing in memory.

@@ -108,7 +108,7 @@ void MemoryFileSystem::Replace(const std::string& from, const std::string& to, H
 
 bool MemoryFileSystem::IsLeftOver(const std::string& name) const {
   const auto found = m_files.find(Key(name));
-  return found != m_files.end() && file_names::IsInMaking(name) && !found->second->isAlone &&
+  return found != m_files.end() && file_names::IsTemporary(name) && !found->second->isAlone &&
          found->second->readers == 0;
 }
 

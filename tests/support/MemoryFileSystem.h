@@ -20,7 +20,7 @@ class MemoryFileSystem final : public FileSystem {
   void Remove(const std::string& name) override;
   void Replace(const std::string& from, const std::string& to, HeldFiles held) override;
   void RemoveLeftOvers(const std::string& name) override;
-  /// Whether a file is one in making that nobody has open.
+  /// Whether a file is a temporary one that no process has open.
   bool IsLeftOver(const std::string& name) const;
 
   /// Makes or overwrites a file, whoever has it open.

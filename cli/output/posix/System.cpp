@@ -45,7 +45,7 @@ std::string ProgramFolder() {
 std::string ReadBytes(const std::string& path, std::size_t most, std::string& bytes) {
   constexpr int kPatience = 10000;  // milliseconds
   const auto reason = [] { return std::generic_category().message(errno); };
-  // Opening a pipe would wait for whoever writes into it.
+  // Without O_NONBLOCK opening a pipe would block until it has a writer.
   const int file = ::open(HLDataSrvc::ToSystemPath(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (file < 0) return reason();
   const std::unique_ptr<const int, void (*)(const int*)> closing(&file,

@@ -99,8 +99,8 @@ Descriptor OpenDescriptor(const std::string& systemName, int flags, mode_t mode 
   return Descriptor(Uninterrupted([&] { return ::open(systemName.c_str(), flags | O_CLOEXEC, mode); }));
 }
 
-/// Gives a new file, which nobody else can open yet, the owner, group and permissions of another one. Who may
-/// not give files away keeps it; if the group cannot be given either, it gets no more than everybody has.
+/// Gives a new file, private so far, the owner, group and permissions of another one. Without the right to
+/// change the owner it keeps its own; if the group cannot be changed either, the group gets what others get.
 void TakeOver(const Descriptor& descriptor, const struct stat& like, const std::string& name) {
   constexpr mode_t kPermissions = 0777;
   mode_t mode = like.st_mode & kPermissions;
@@ -171,7 +171,8 @@ class PosixFile final : public File {
 
   bool IsRemoved() const override {
 #ifdef STATX_NLINK
-    // Who is asked for times as well notes those of later writes so exactly that each sync has more to write.
+    // Ask for the link count only: asking for timestamps makes the kernel keep fine-grained ones, and every
+    // fsync slower.
     struct statx status {};
     return ::statx(m_descriptor.Number(), "", AT_EMPTY_PATH, STATX_NLINK, &status) == 0 &&
            status.stx_nlink == 0;
@@ -280,7 +281,7 @@ class PosixFileSystem final : public FileSystem {
     std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
       const std::string path = entry->path().string();
-      if (file_names::IsInMaking(path)) RemoveLeftOver(path);
+      if (file_names::IsTemporary(path)) RemoveLeftOver(path);
     }
   }
 
@@ -329,7 +330,7 @@ class PosixFileSystem final : public FileSystem {
   }
 
   static Descriptor OpenExisting(const std::string& name, const std::string& systemName, bool readOnly) {
-    // Without O_NONBLOCK opening a pipe would wait for somebody to write into it; files do not care.
+    // Without O_NONBLOCK opening a pipe would block until it has a writer; files are not affected.
     Descriptor descriptor = OpenDescriptor(systemName, (readOnly ? O_RDONLY : O_RDWR) | O_NONBLOCK);
     const int error = errno;
     struct stat status {};
@@ -350,7 +351,7 @@ class PosixFileSystem final : public FileSystem {
     const std::string folder = file_names::Folder(systemName);
     struct stat status {};
     if (error == ENOENT && !folder.empty() && ::stat(folder.c_str(), &status) != 0) error = ENOTDIR;
-    if (error == ENOTDIR && file_names::IsInMaking(name))  // a name that nobody has asked for
+    if (error == ENOTDIR && file_names::IsTemporary(name))  // the caller does not know this name
       throw Error(ErrorNumber::PathNotFound, "The folder '" + folder + "' does not exist.");
     RaiseFor(error, name, action);
   }
@@ -375,8 +376,7 @@ class PosixFileSystem final : public FileSystem {
     RaiseFor(errno, name, "lock");
   }
 
-  /// Programs that share a database lock ranges of a file beside it. One that nobody locks was left by a
-  /// crash.
+  /// Programs that share a database lock ranges of a file beside it. An unlocked one was left by a crash.
   static void RefuseIfShared(const std::string& name) {
     for (const char* extension : {".ldb", ".LDB"}) {
       const std::string lockFile = file_names::WithExtension(name, extension);

@@ -256,14 +256,14 @@ class WindowsFileSystem final : public FileSystem {
     const std::string folder = file_names::Folder(name);
     WIN32_FIND_DATAW found{};
     const HANDLE search =
-        ::FindFirstFileW(ToSystemName(folder + file_names::kInMaking + "*").c_str(), &found);
+        ::FindFirstFileW(ToSystemName(folder + file_names::kTemporaryPrefix + "*").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return;
     do {
       const std::string path = folder + FromSystemName(found.cFileName);
-      // One that somebody has open stays: files are opened without letting others delete them.
+      // An open one stays: files are opened without FILE_SHARE_DELETE.
       const bool isPlain =
           (found.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) == 0;
-      if (isPlain && file_names::IsInMaking(path)) ::DeleteFileW(ToSystemName(path).c_str());
+      if (isPlain && file_names::IsTemporary(path)) ::DeleteFileW(ToSystemName(path).c_str());
     } while (::FindNextFileW(search, &found) != 0);
     ::FindClose(search);
   }
@@ -282,7 +282,7 @@ class WindowsFileSystem final : public FileSystem {
     if (IsFolder(systemName))
       throw Error(ErrorNumber::PermissionDenied, "'" + name + "' is a folder, not a file.");
     if (error == ERROR_SHARING_VIOLATION && mode.exclusive) {
-      // Whoever lets us read beside him shares the file.
+      // If a shared open succeeds, the other opener allows sharing.
       const Handle probe(::CreateFileW(systemName.c_str(), GENERIC_READ,
                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -294,8 +294,7 @@ class WindowsFileSystem final : public FileSystem {
     RaiseFor(error, name, mode.create ? "create" : mode.readOnly ? "read" : "write");
   }
 
-  /// Programs that share a database keep a lock file beside it open. One that nobody has open was left by a
-  /// crash.
+  /// Programs that share a database keep a lock file beside it open. A closed one was left by a crash.
   static void RefuseIfShared(const std::string& name) {
     const std::string lockFile = file_names::WithExtension(name, ".ldb");
     const Handle handle(::CreateFileW(ToSystemName(lockFile).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,

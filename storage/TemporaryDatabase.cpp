@@ -1,4 +1,4 @@
-#include "storage/FileInMaking.h"
+#include "storage/TemporaryDatabase.h"
 
 #include <utility>
 
@@ -10,10 +10,10 @@ namespace HLDataSrvc {
 
 using HLServiceUtils::Engine;
 
-FileInMaking::FileInMaking(const std::string& target)
-    : m_target(target), m_path(Engine().NameInMaking(target)) {}
+TemporaryDatabase::TemporaryDatabase(const std::string& target)
+    : m_target(target), m_path(Engine().TemporaryName(target)) {}
 
-FileInMaking::~FileInMaking() {
+TemporaryDatabase::~TemporaryDatabase() {
   m_file.reset();
   try {
     Engine().RemoveDatabase(m_path);
@@ -22,19 +22,19 @@ FileInMaking::~FileInMaking() {
   }
 }
 
-void FileInMaking::Finish(jet::Database& database) {
+void TemporaryDatabase::Finish(jet::Database& database) {
   m_file = Engine().Release(database);
 }
 
-void FileInMaking::PutInPlace() {
+void TemporaryDatabase::PutInPlace() {
   Engine().PlaceDatabase(m_target, m_path, std::move(m_file));
 }
 
-void FileInMaking::PutInPlaceOf(std::shared_ptr<jet::File> held) {
+void TemporaryDatabase::PutInPlaceOf(std::shared_ptr<jet::File> held) {
   Engine().ReplaceDatabase(m_target, std::move(held), m_path, std::move(m_file));
 }
 
-void FileInMaking::PutInPlaceOf(jet::Database& database) {
+void TemporaryDatabase::PutInPlaceOf(jet::Database& database) {
   Engine().ReplaceDatabase(database, m_path, std::move(m_file));
 }
 

@@ -1,4 +1,4 @@
-#include "cli/output/WholeFile.h"
+#include "cli/output/OutputFile.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -30,7 +30,7 @@ void WriteInto(const std::filesystem::path& target, const std::string& path, std
 
 }  // namespace
 
-void WriteWholeFile(const std::string& path, std::string_view text) {
+void WriteFileAtomically(const std::string& path, std::string_view text) {
   const auto target = HLDataSrvc::ToSystemPath(path);
   std::error_code error;
   const auto kind = std::filesystem::status(target, error).type();
@@ -38,7 +38,7 @@ void WriteWholeFile(const std::string& path, std::string_view text) {
       kind != std::filesystem::file_type::none)
     return WriteInto(target, path, text);
   try {
-    jet::WriteWholeFile(*jet::SystemFiles(), path, std::as_bytes(std::span(text)));
+    jet::WriteFileAtomically(*jet::SystemFiles(), path, std::as_bytes(std::span(text)));
   } catch (const jet::Error& failed) {
     throw Failure(FailureKind::SystemFailed, "The file " + path + " could not be written: " + failed.what());
   }

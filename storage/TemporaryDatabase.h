@@ -10,16 +10,16 @@ class File;
 
 namespace HLDataSrvc {
 
-/// A database file that is made beside the place where it goes, so that at its place there is always a whole
-/// one: whatever was there before, or the new one. Its lock is held from the moment it is finished. What is
-/// not put in its place is removed; what a crash leaves, the next making of a file in that folder removes.
-class FileInMaking {
+/// Builds a database in a temporary file and renames it into place: under the target's name there is always a
+/// whole file, the one before or the new one. Its lock is held from the moment it is finished. What is not
+/// put in its place is removed; what a crash leaves, the next making of a file in that folder removes.
+class TemporaryDatabase {
  public:
   /// `target` is where the file goes.
-  explicit FileInMaking(const std::string& target);
-  ~FileInMaking();
-  FileInMaking(const FileInMaking&) = delete;
-  FileInMaking& operator=(const FileInMaking&) = delete;
+  explicit TemporaryDatabase(const std::string& target);
+  ~TemporaryDatabase();
+  TemporaryDatabase(const TemporaryDatabase&) = delete;
+  TemporaryDatabase& operator=(const TemporaryDatabase&) = delete;
 
   /// Where to make it.
   const std::string& Path() const { return m_path; }

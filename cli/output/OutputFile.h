@@ -6,8 +6,8 @@
 namespace cli {
 
 /// Makes a file with this text, or replaces one: it is finished under another name and then renamed, so that
-/// whoever reads it meanwhile sees a whole one, the old or the new. Raises Failure (SystemFailed).
-void WriteWholeFile(const std::string& path, std::string_view text);
+/// readers see the old or the new file, whole. Raises Failure (SystemFailed).
+void WriteFileAtomically(const std::string& path, std::string_view text);
 
 /// Whether something is at a path.
 bool IsThere(const std::string& path);
