@@ -31,7 +31,7 @@ char LowerAscii(char c) {
 
 char32_t FoldCase(char32_t character) {
   if (character < 0x80) return character >= U'A' && character <= U'Z' ? character + 32 : character;
-  const auto block =
+  const auto* const block =
       std::lower_bound(kBlocks.begin(), kBlocks.end(), character,
                        [](const Block& candidate, char32_t wanted) { return candidate.last < wanted; });
   if (block == kBlocks.end() || character < block->first || (character - block->first) % block->step != 0)

@@ -150,9 +150,9 @@ class Checker {
 
   void CheckColumns();
   /// Reads a table and reports what is wrong with any table's rows: keys, numbers.
-  const LeagueTables::Rows& Read(const char* table);
+  const LeagueTables::Rows& Read(const char* name);
   void CheckKeys(const Table& table, const LeagueTables::Rows& rows);
-  void CheckIDs(const char* table);
+  void CheckIDs(const char* name);
 
   void ReadIDs();
   void ReadSeasons();

@@ -136,7 +136,7 @@ void Leave(Context& context, const Words& names) {
 
 /// "NAME... paid|unpaid"
 void Fee(Context& context, const Words& words) {
-  const std::string state = words.back();
+  const std::string& state = words.back();
   if (words.size() < 2 || (state != "paid" && state != "unpaid")) {
     throw Failure(FailureKind::WrongUsage, "Say whose fee it is, and then 'paid' or 'unpaid'.",
                   "'manager fee Ann paid', or several names before the last word.");

@@ -109,7 +109,7 @@ void CatalogCheck::CheckObjects() {
     if (!names.emplace(object.parent, FoldName(object.name)).second) {
       m_findings->Add("catalog", "two objects of one kind are called '" + object.name + "'");
     }
-    if (object.parent != kRootContainer && m_byId.count(object.parent) == 0) {
+    if (object.parent != kRootContainer && !m_byId.contains(object.parent)) {
       m_findings->Add("catalog", "'" + object.name + "' is in a container that does not exist");
     }
   }
@@ -119,7 +119,7 @@ void CatalogCheck::CheckRights() {
   const auto rights = m_tables->find(system_page::kAccessRights);
   if (rights == m_tables->end()) return;
   for (const auto& row : ReadColumns(rights->second, {"ObjectId"})) {
-    if (m_byId.count(IntegerOf(row[0])) == 0) {
+    if (!m_byId.contains(IntegerOf(row[0]))) {
       m_findings->Add("access rights",
                       "are given for object " + std::to_string(IntegerOf(row[0])) + ", which does not exist");
     }
@@ -137,10 +137,10 @@ void CatalogCheck::CheckRelationNames() {
     if (object.type == kTypeRelation) listed.insert(FoldName(object.name));
   }
   for (const std::string& name : stored) {
-    if (listed.count(name) == 0) m_findings->Add("relationship '" + name + "'", "is not in the catalog");
+    if (!listed.contains(name)) m_findings->Add("relationship '" + name + "'", "is not in the catalog");
   }
   for (const std::string& name : listed) {
-    if (stored.count(name) == 0)
+    if (!stored.contains(name))
       m_findings->Add("relationship '" + name + "'", "is in the catalog and has no columns");
   }
 }

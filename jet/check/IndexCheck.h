@@ -29,7 +29,7 @@ class IndexCheck {
     std::size_t nulls = 0;
   };
 
-  void Walk(PageNumber page, std::size_t depth);
+  void Walk(PageNumber number, std::size_t depth);
   void WalkLeaf(const format::IndexPageView& view, PageNumber page);
   void WalkBranch(const format::IndexPageView& view, PageNumber page, std::size_t depth);
   void WalkChild(PageNumber branch, PageNumber child, const format::EntryBytes* expected, std::size_t depth);
@@ -39,7 +39,7 @@ class IndexCheck {
   void CheckMap();
   void TakeEntry(const format::EntryBytes& entry, PageNumber page);
   RowKey KeyOf(const RowRef& row) const;
-  void CheckEntry(const format::EntryBytes& entry, RowId row);
+  void CheckEntry(const format::EntryBytes& entry, RowId id);
   void CheckRowsWithoutEntry();
 
   Store* m_store;

@@ -79,7 +79,7 @@ void LongValueUse::Finish() {
       const DataPageView view(page.Bytes(), number);
       for (std::size_t slot = 0; slot < view.SlotCount(); ++slot) {
         const bool live = view.Slot(slot).flags == data_page::kLive;
-        if (live && m_used.count(MakeRowPointer(number, static_cast<std::uint8_t>(slot))) == 0) {
+        if (live && !m_used.contains(MakeRowPointer(number, static_cast<std::uint8_t>(slot)))) {
           m_findings->Add(column, "no value uses the piece at " + PlaceOf(number, slot));
         }
       }

@@ -9,7 +9,7 @@
 namespace jet::sql {
 
 /// Longest statement, in bytes.
-inline constexpr std::size_t kMaxStatementLength = 64 * 1024;
+inline constexpr std::size_t kMaxStatementLength = std::size_t{64} * 1024;
 /// Deepest nesting of parentheses and `not` in a statement.
 inline constexpr int kMaxNesting = 200;
 /// Most operators of arithmetic in a rule or default.

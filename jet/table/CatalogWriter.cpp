@@ -93,7 +93,7 @@ std::uint32_t CatalogWriter::NextId() const {
   return next;
 }
 
-void CatalogWriter::AddRow(PageNumber page, std::vector<std::pair<const char*, Value>> values) {
+void CatalogWriter::AddRow(PageNumber page, const std::vector<std::pair<const char*, Value>>& values) {
   Table& table = m_store->TableAt(page);
   std::vector<ColumnValue> row;
   for (auto& [name, value] : values)

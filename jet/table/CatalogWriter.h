@@ -75,7 +75,7 @@ class CatalogWriter {
   void AddObject(const CatalogObject& object);
   void AddRight(const AccessRight& right);
   /// Adds a row to a system table by the names of its columns.
-  void AddRow(PageNumber table, std::vector<std::pair<const char*, Value>> values);
+  void AddRow(PageNumber page, const std::vector<std::pair<const char*, Value>>& values);
   /// Notes that the object with this id was changed now.
   void Touch(std::uint32_t id);
 

@@ -74,9 +74,9 @@ class IndexEditor {
   bool InsertEntry(const format::EntryBytes& entry);
   bool EraseEntry(const format::EntryBytes& entry);
   void SplitLeaf(PageNumber leaf, const format::EntryBytes* appended);
-  Branch ReadBranch(PageNumber page) const;
+  Branch ReadBranch(PageNumber number) const;
   static std::vector<format::EntryBytes> EntriesOf(const std::vector<Child>& children);
-  bool WriteBranch(PageNumber page, const Branch& branch);
+  bool WriteBranch(PageNumber number, const Branch& branch);
   void UpdateBranch(std::size_t level, const Branch& branch);
   void SplitBranch(std::size_t level, const Branch& branch);
   static void AddParts(std::span<const Child> children, std::size_t cut,
@@ -85,12 +85,12 @@ class IndexEditor {
   void RefreshKeys(std::size_t level, PageNumber child);
   void RemoveChild(std::size_t level, PageNumber child);
   void CollapseRoot(PageNumber child);
-  format::EntryBytes LastEntry(PageNumber page) const;
+  format::EntryBytes LastEntry(PageNumber number) const;
   bool IsKeylessChild(PageNumber tail, PageNumber lastKeyed) const;
   MutablePage NewPage(std::uint8_t level);
   void FreePage(PageNumber page);
   void LinkAfter(PageNumber left, PageNumber right);
-  void Unlink(PageNumber page);
+  void Unlink(PageNumber number);
   PageNumber Root() const { return m_index->Definition().root; }
   [[noreturn]] void RaiseDamaged(const char* what) const;
 

@@ -14,7 +14,7 @@ namespace jet {
 namespace {
 
 // No definition needs more: 255 columns and 255 indexes with the longest names take less than 256 KiB.
-constexpr std::size_t kLongestDefinition = 512 * 1024;
+constexpr std::size_t kLongestDefinition = std::size_t{512} * 1024;
 constexpr std::int32_t kTypeTable = 1;
 
 const CatalogEntry kCatalogItself{"MSysObjects", format::system_page::kObjects, 0x80000000, {}};

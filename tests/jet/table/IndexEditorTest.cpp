@@ -62,7 +62,7 @@ class IndexEditorTest : public ::testing::Test {
           << "branch " << number << " misnames child " << view.Child(place);
       all.insert(all.end(), below.begin(), below.end());
     }
-    if (view.Tail() != 0 && pages.count(view.Tail()) == 0) {
+    if (view.Tail() != 0 && !pages.contains(view.Tail())) {
       const std::vector<EntryBytes> below = Walk(view.Tail(), pages, leaves);
       all.insert(all.end(), below.begin(), below.end());
     }

@@ -42,7 +42,7 @@ TEST(UsageMapTest, RandomAddsAndRemoves_AgreeWithASet_AlsoWhenTheMapGrowsPastIts
         model.erase(page);
       }
       ASSERT_EQ(map.Contains(page), model.count(page) == 1);
-      const PageNumber from = static_cast<PageNumber>(random() % 2000);
+      const auto from = static_cast<PageNumber>(random() % 2000);
       const auto next = model.lower_bound(from);
       ASSERT_EQ(map.Next(from), next == model.end() ? format::kNoPage : *next);
     }
@@ -137,7 +137,7 @@ TEST_P(PageAllocatorGrowthTest, TheGlobalMapGrowsWithTheFile_FirstItsRow_ThenByR
   std::size_t mapPages = 0;
   for (PageNumber page = 0; page < bare.pager.PageCount(); ++page) {
     ASSERT_FALSE(bare.allocator.IsFree(page)) << page;
-    if (given.count(page) == 0) ++mapPages;
+    if (!given.contains(page)) ++mapPages;
   }
   EXPECT_EQ(mapPages - oldMapPages, 2U) << "34,000 pages take two pages of map";
   bare.allocator.Free(33000);

@@ -28,7 +28,7 @@ struct ModelTable {
   /// Condition that finds the row in a select statement.
   std::string Where(const ModelRow& row) const;
   /// Whether values of the column must be told apart: it is part of a unique index or of a relationship.
-  bool IsKey(std::size_t column) const { return keyColumns.count(column) != 0; }
+  bool IsKey(std::size_t column) const { return keyColumns.contains(column); }
 
   std::set<std::size_t> keyColumns;
 };

@@ -25,7 +25,7 @@ class UnderFileErrors : public testing::Test {
   std::shared_ptr<Database> Open() {
     EngineOptions options;
     options.files = m_files;
-    options.cacheBytes = 64 * 4096;
+    options.cacheBytes = std::size_t{64} * 4096;
     return DBEngine(options).OpenDatabase(kName, true, false, kFixtureConnect);
   }
 
