@@ -17,23 +17,12 @@ using HLDataSrvc::CsvError;
 
 constexpr const char* kBlanks = " \t";
 
-/// The name of a column as it may be written: "First Name", "first_name" and "firstName" are one.
-std::string ColumnWord(const std::string& name) {
-  std::string word;
-  for (const char c : LowerCase(jet::Trim(name, kBlanks))) {
-    if (c != ' ' && c != '_' && c != '-') word += c;
-  }
-  return word;
-}
-
 [[noreturn]] void Refuse(const std::string& reason) {
   throw Failure(FailureKind::Refused, reason);
 }
 
 bool YesOrNo(const std::string& text) {
-  const std::string word = LowerCase(text);
-  if (word == "yes" || word == "true" || word == "1" || word == "-1") return true;
-  if (word == "no" || word == "false" || word == "0") return false;
+  if (const auto flag = HLDataSrvc::CsvYesNo(text)) return *flag;
   Refuse("The column 'is retired' takes yes or no, not '" + text + "'.");
 }
 
@@ -103,7 +92,7 @@ void PlayerImport::ReadHeader(HLDataSrvc::CsvReader& reader, const std::string& 
     throw Failure(FailureKind::Refused, error.what());
   }
   for (const std::string& name : header) {
-    const auto column = kColumns.find(ColumnWord(name));
+    const auto column = kColumns.find(HLDataSrvc::CsvColumnWord(name));
     if (column == kColumns.end()) {
       const std::string nearest = NearestOf(std::string(jet::Trim(name, kBlanks)), names);
       const bool isList = name.find_first_of(";\t") != std::string::npos;

@@ -108,4 +108,17 @@ void CsvReader::CheckText(const std::string& field) const {
   if (field.find('\0') != field.npos) Refuse("The text holds a null character.");
 }
 
+std::string CsvColumnWord(std::string_view name) {
+  std::string word = jet::FoldCase(name);
+  std::erase_if(word, [](char c) { return c == ' ' || c == '\t' || c == '_' || c == '-'; });
+  return word;
+}
+
+std::optional<bool> CsvYesNo(std::string_view text) {
+  const auto is = [text](const char* word) { return jet::SameWord(text, word); };
+  if (is("yes") || is("true") || is("1") || is("-1")) return true;
+  if (is("no") || is("false") || is("0")) return false;
+  return std::nullopt;
+}
+
 }  // namespace HLDataSrvc

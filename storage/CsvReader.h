@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <istream>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace HLDataSrvc {
@@ -69,5 +71,11 @@ class CsvReader {
   std::size_t m_recordLine = 1;
   bool m_isInLine = false;  // the field read last was not the last of its line
 };
+
+/// The name of a column, however it is written: "First Name", "first_name" and "firstName" give "firstname".
+std::string CsvColumnWord(std::string_view name);
+
+/// The truth of "yes", "true", "1", "-1", "no", "false" and "0", in any case; none of other texts.
+std::optional<bool> CsvYesNo(std::string_view text);
 
 }  // namespace HLDataSrvc

@@ -33,10 +33,6 @@ Engines& AllEngines() {
   return engines;
 }
 
-std::shared_ptr<jet::Database> OpenExclusively(const std::string& path) {
-  return Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false, GetConnectString());
-}
-
 bool IsHeldByAnother(const jet::Error& error) {
   return error.Number() == jet::ErrorNumber::FileHeldExclusively ||
          error.Number() == jet::ErrorNumber::FileInUse;
@@ -68,6 +64,10 @@ bool HandOutFailure(std::string& errorMessage, std::exception_ptr* raised, Work&
 }
 
 }  // namespace
+
+std::shared_ptr<jet::Database> OpenExclusively(const std::string& path) {
+  return Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false, GetConnectString());
+}
 
 std::string GetDatabaseFileName(HLIData::DBType kind, const std::string& firstPart,
                                 const std::string& secondPart) {

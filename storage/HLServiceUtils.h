@@ -37,7 +37,10 @@ bool IsDevelopmentLayout();
 /// The connect string with the database password.
 std::string GetConnectString();
 
-/// Opens a database file exclusively, for reading and writing. On failure it returns false with the reason in
+/// Opens a league file exclusively, for reading and writing. Raises what DBEngine::OpenDatabase raises.
+std::shared_ptr<jet::Database> OpenExclusively(const std::string& path);
+
+/// The same. On failure it returns false with the reason in
 /// `errorMessage`, and leaves `database` as it was, also if that holds the very file; it raises nothing.
 /// `raised`, if given, receives the error that made it fail; a missing file is none.
 bool OpenDatabaseFile(const Host& host, const std::string& path, std::shared_ptr<jet::Database>& database,

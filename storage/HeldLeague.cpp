@@ -20,9 +20,7 @@ bool IsUnreadable(jet::ErrorNumber number) {
 
 HeldLeague HoldLeague(const std::string& path) {
   try {
-    return {Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false,
-                                  HLServiceUtils::GetConnectString()),
-            nullptr};
+    return {HLServiceUtils::OpenExclusively(path), nullptr};
   } catch (const jet::Error& error) {
     if (!IsUnreadable(error.Number())) throw;
     return {nullptr, Engine().Hold(path)};

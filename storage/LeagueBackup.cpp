@@ -15,11 +15,7 @@ namespace HLDataSrvc {
 namespace {
 
 using HLServiceUtils::Engine;
-
-std::shared_ptr<jet::Database> OpenExclusively(const std::string& path) {
-  return Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false,
-                               HLServiceUtils::GetConnectString());
-}
+using HLServiceUtils::OpenExclusively;
 
 /// Checks the whole of a file. Raises DamagedFile with the first finding.
 jet::CheckReport RequireSound(const jet::Database& database) {

@@ -5,7 +5,6 @@
 #include <stdexcept>
 
 #include "jet/TableSpec.h"
-#include "jet/dao/DBEngine.h"
 #include "jet/dao/Database.h"
 #include "jet/dao/Transaction.h"
 #include "storage/HLServiceUtils.h"
@@ -81,8 +80,7 @@ RepairedLeague RepairLeague(jet::Database& database) {
 }
 
 RepairedLeague RepairLeagueFile(const std::string& path, const std::string& backup) {
-  const auto database = HLServiceUtils::Engine().OpenDatabase(path, /*exclusive=*/true, /*readOnly=*/false,
-                                                              HLServiceUtils::GetConnectString());
+  const auto database = HLServiceUtils::OpenExclusively(path);
   RepairedLeague result;
   result.damage = database->Check().findings;
   if (!result.damage.empty()) return result;

@@ -117,9 +117,10 @@ class TableFiller {
     std::vector<std::string> names;
     if (!m_reader.Next(names)) m_reader.Refuse("The line with the names of the columns is missing.");
     for (const std::string& name : names) {
-      const std::string wanted = jet::LowerAscii(std::string(jet::Trim(name, " ")));
-      const auto column = std::find_if(m_file.columns.begin(), m_file.columns.end(),
-                                       [&](const Column& candidate) { return candidate.name == wanted; });
+      const std::string wanted = CsvColumnWord(name);
+      const auto column =
+          std::find_if(m_file.columns.begin(), m_file.columns.end(),
+                       [&](const Column& candidate) { return CsvColumnWord(candidate.name) == wanted; });
       if (column == m_file.columns.end()) {
         m_reader.Refuse("[" + std::string(m_file.table) + "] has no column \"" + name + "\".");
       }
@@ -197,11 +198,9 @@ class TableFiller {
   }
 
   bool YesOrNo(const Column& column, std::string_view text) const {
-    const std::string word = jet::LowerAscii(std::string(text));
-    const bool isYes = word == "true" || word == "yes" || word == "1";
-    const bool isNo = word == "false" || word == "no" || word == "0";
-    if (!isYes && !isNo) RefuseValue(column, text, "true, false, yes, no, 1 or 0");
-    return isYes;
+    const std::optional<bool> flag = CsvYesNo(text);
+    if (!flag) RefuseValue(column, text, "true, false, yes, no, 1 or 0");
+    return *flag;
   }
 
   [[noreturn]] void RefuseValue(const Column& column, std::string_view text, const char* wanted) const {
