@@ -23,7 +23,7 @@ class League {
  public:
   static const League& WithPlayers(std::size_t count, std::int32_t seasons = 1);
 
-  /// A copy of the league file that may be changed, in a folder of its own; the next copy overwrites it.
+  /// A copy of the league file that may be changed, in a separate folder; the next copy overwrites it.
   std::string FolderOfCopy() const;
   /// The same of the SQLite file; its full name.
   std::string SqliteCopy() const;

@@ -21,7 +21,7 @@ void ReadSeason(const std::string& folder) {
   benchmark::DoNotOptimize(service->GetCurrentSeasonInfo());
 }
 
-/// From nothing to the current season; the counter tells how much memory the service with it takes.
+/// From nothing to the current season; the counter shows how much memory the service with it takes.
 void ColdSeason(benchmark::State& state) {
   const std::string folder = League::WithPlayers(kPlayers).FolderOfCopy();
   for (auto _ : state)
@@ -94,7 +94,7 @@ void SavePicks(benchmark::State& state, jet::Durability durability) {
   for (auto _ : state) {
     state.PauseTiming();
     shift = shift == kPicks ? 2 * kPicks
-                            : kPicks;  // nobody who is drafted is drafted twice, not even for a moment
+                            : kPicks;  // no player is drafted twice, not even for a moment
     for (std::int32_t pick = 1; pick <= kPicks; ++pick)
       season->UpdateDraft(players->Item(pick + shift), pick,
                           season->Managers()->Item(1 + (pick + shift) % kManagers));
@@ -154,7 +154,7 @@ BENCHMARK_CAPTURE(SavePicksSqlite, normal, SqliteDatabase::Mode::WalNormal)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
-/// The season's row, its twelve prizes deleted and added again, and the season loaded anew.
+/// The season's row, its twelve prizes deleted and added again, and the season reloaded.
 void SaveSeason(benchmark::State& state) {
   const auto service = OpenService(League::WithPlayers(kPlayers).FolderOfCopy());
   service->GetCurrentSeasonInfo();

@@ -55,7 +55,7 @@ void Scan(benchmark::State& state) {
 }
 BENCHMARK(Scan)->Name("Scan/sqlite")->Arg(2500)->Arg(kManyPlayers)->Apply(Growing);
 
-/// `prepared`: one statement for all lookups; else each is a text of its own, as for the engine.
+/// `prepared`: one statement for all lookups; else each is a separate text, as for the engine.
 void Lookups(benchmark::State& state, bool prepared) {
   SqliteDatabase database(SqliteFile(CountOf(state)));
   const auto players = CountOf(state) == 2500 ? LeaguePlayers() : MadeUpPlayers(1, CountOf(state));

@@ -30,7 +30,7 @@ class TerminalHost final : public HLDataSrvc::Host {
   std::shared_ptr<HLDataSrvc::Host> m_system = HLDataSrvc::SystemHost();
 };
 
-/// Is told when the settings change.
+/// Called when the settings change.
 class SettingsWatcher final : public HLIData::ISettingInfoEvents {
  public:
   void SettingsChanged() override { std::cout << "The settings have changed.\n"; }

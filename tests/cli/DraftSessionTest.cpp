@@ -66,7 +66,7 @@ TEST_F(DraftSessionTest, KeepsItsPicksWhenSavingFails) {
   EXPECT_EQ(StoredPicks(), played);
 }
 
-// The steps of a draft end with it: somebody in them may take part no more.
+// The steps of a draft end with it: a manager in them may have left.
 TEST_F(DraftSessionTest, TakesNoStepBackThatAnotherCommandHasOvertaken) {
   const Picks first = Draft().Current();
   Draft().Change({{1, Pick()}});

@@ -26,7 +26,7 @@ class SaveDraftTest : public DraftTest {
     Draft().Change(changes);
   }
 
-  /// Players and teams that nobody of the season has picked.
+  /// Players and teams that are not picked in the season.
   std::vector<std::shared_ptr<HLIData::IPickable>> Free(const std::string& name) {
     const auto season = CurrentSeason(League());
     std::vector<std::shared_ptr<HLIData::IPickable>> free;

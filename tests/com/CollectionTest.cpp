@@ -9,7 +9,7 @@ namespace {
 
 class Collection : public ComTest {
  protected:
-  /// A prize of a season, told from others by its amount.
+  /// A prize of a season, identified by its amount.
   static ComPtr<::IPrizeInfo> Prize(LONG amount) {
     const auto prize = Create<::IPrizeInfo>(L"PrizeInfo");
     EXPECT_EQ(prize->put_Amount(amount), S_OK);

@@ -79,7 +79,7 @@ constexpr HRESULT Numbered(int number) {
   return static_cast<HRESULT>(0x800A0000u | static_cast<unsigned>(number));
 }
 
-/// In an apartment of its own; at the end of every test the library has no object left.
+/// In a separate apartment; at the end of every test the library has no object left.
 class ComTest : public testing::Test {
  protected:
   ComTest() { EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK); }

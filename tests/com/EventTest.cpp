@@ -38,7 +38,7 @@ class Sink final : public IDispatch {
     EXPECT_EQ(parameters->cArgs, 0U);
     ++count;
     if (heard) heard();
-    return E_FAIL;  // the source goes on all the same
+    return E_FAIL;  // the source continues anyway
   }
   ~Sink() { EXPECT_EQ(m_references, 0U) << "the source still holds the sink"; }
 

@@ -65,7 +65,7 @@ TEST_F(Identity, RecordsOutliveTheServiceAndItsDatabase) {
   EXPECT_EQ(season->RemoveManager(manager.Get(), &isDone), S_OK);
   EXPECT_EQ(isDone, VARIANT_TRUE);
   EXPECT_EQ(CountOf(managers), 1);
-  OpenService();  // the first has let go of the file
+  OpenService();  // the first has closed the file
 }
 
 TEST_F(Identity, APickableOfTheProgramIsTakenWherePickablesAre) {

@@ -1,4 +1,4 @@
-// The interfaces as the type library and their slots tell them, and the classes that programs can make.
+// The interfaces as the type library and their slots declare them, and the classes that programs can make.
 
 #include <vector>
 

@@ -8,7 +8,7 @@ namespace fuzz {
 
 using Input = std::span<const std::uint8_t>;
 
-/// What bytes of unknown origin are fed to. A target answers with nothing, whatever it gets: the library's
+/// What bytes of unknown origin are fed to. A target returns nothing: the library's
 /// own errors are expected, any other exception ends the program, and so does an answer that contradicts
 /// itself.
 struct Target {

@@ -70,7 +70,7 @@ TEST_F(FindFileTest, WhatIsNotThereIsNoErrorButWhatCannotBeSeenIs) {
   Touch(m_folder.File("file"));
   EXPECT_EQ(Find("file\\live.mdb"), "");
 
-  // A link that leads to itself cannot be followed, whoever asks.
+  // A link that leads to itself cannot be followed, as any user.
   std::filesystem::create_symlink("loop", m_folder.File("loop"));
   for (const char* name : {"loop\\live.mdb", "loop\\*.mdb"}) {
     try {

@@ -24,7 +24,7 @@ struct Astray {
   std::size_t page;
   std::size_t offset;
   std::vector<int> bytes;
-  const char* says;  // nullptr: the rows are read all the same
+  const char* says;  // nullptr: the rows are read anyway
 };
 
 class AstrayTest : public testing::TestWithParam<Astray> {};

@@ -1,4 +1,4 @@
-// Damaged league files: whatever is in them, the library answers in time, in bounded memory, and with an
+// Damaged league files: whatever is in them, the library returns in time, in bounded memory, and with an
 // error.
 #include <atomic>
 #include <cstdlib>

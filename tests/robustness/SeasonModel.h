@@ -13,7 +13,7 @@
 
 namespace HLDataSrvc::test {
 
-/// The rows that a league has to have after each operation, by rules of its own: they are computed from the
+/// The rows that a league has to have after each operation, by separate rules: they are computed from the
 /// rows before and from the season in memory.
 ///
 /// What an operation could not do is what relationships and keys forbid; it stops there, and what it did

@@ -175,7 +175,7 @@ void SeasonScript::Pick(int round) {
 }
 
 void SeasonScript::AddWinnings() {
-  m_service->DiscardCurrentSeasonInfo();  // what is not stored is added anew
+  m_service->DiscardCurrentSeasonInfo();  // what is not stored is added again
   const auto season = Season();
   for (const auto& [prize, manager, week] : kWinnings) {
     bool isThere = false;

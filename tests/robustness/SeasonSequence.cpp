@@ -209,7 +209,7 @@ void SeasonSequence::Play(bool isInTransaction) {
   std::shared_ptr<IWinningInfo> winning;
   Does("Operations without a season", [&] {
     m_service->SaveCurrentSeasonInfo();
-    const bool isSaved = m_service->SaveRanking();  // nobody takes part
+    const bool isSaved = m_service->SaveRanking();  // no manager takes part
     EXPECT_TRUE(isSaved);
     return m_service->SaveDrafts() || m_service->DeleteDrafts() || m_service->DisableRanking() ||
            m_service->DisableDrafting() || m_service->AddWinning(winning) || m_service->SaveWinnings() ||
@@ -434,7 +434,7 @@ void SeasonSequence::DeleteMaster() {
   const int kind = Any(4);
   const std::string table = kTables.at(static_cast<std::size_t>(kind));
   const std::int32_t id = OneIn(20) ? 0 : AnyID(table);
-  if (OneIn(2)) {  // one that is not in its list is deleted all the same, and raises
+  if (OneIn(2)) {  // one that is not in its list is deleted anyway, and raises
     m_service->GetPlayerPositions();
     m_service->GetPrizeTmpls();
     m_service->Search(SearchType::PlayersAndTeams, "", false, false);

@@ -55,7 +55,7 @@ class SeasonSequence {
   void UseYear(std::int32_t year, const std::function<void()>& call);
   void Transact();
   void Reopen();
-  /// Whether an operation answers true; one that raises does not.
+  /// Whether an operation returns true; one that raises does not.
   bool Does(const char* what, const std::function<bool()>& operation);
   void ExpectStored();
   void ExpectLoads();

@@ -28,13 +28,13 @@ class MendedLeague {
       : m_model(model), m_current(model.CurrentSeason()) {
     m_files->Put(Path(), bytes);
     HLServiceUtils::ReplaceEngine({.files = m_files, .observer = {}});
-    // What the host finds, and what 'check' reads, which has an engine of its own.
+    // What the host finds, and what 'check' reads, which uses a separate engine.
     jet::test::WriteWholeFile(m_folder.File("Halcyra - Live.mdb"), bytes);
     const auto ids = model.IDs("season info");
     m_hasCurrent = std::find(ids.begin(), ids.end(), m_current) != ids.end();
   }
 
-  /// Every command answers, and what does not fit is named.
+  /// Every command succeeds or names what does not fit.
   void ExpectShown() {
     const auto misfits = m_model.MisfitSeasons();
     for (const Words& words : std::initializer_list<Words>{{"season", "list"},
@@ -87,7 +87,7 @@ class MendedLeague {
       for (const LeagueFinding& finding : DraftFindings()) {
         if (finding.seasonID == id) numbers.insert(finding.number);
       }
-      // Some are picked anew, if the order of the managers is settled; the others are emptied.
+      // Some are picked again, if the order of the managers is settled; the others are emptied.
       Words clear{"draft", "clear"};
       for (const std::int32_t number : numbers) {
         const std::string text = std::to_string(number);

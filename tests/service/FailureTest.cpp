@@ -1,5 +1,5 @@
 // Every operation with every one of its calls of the engine failing in turn, and every write and sync of its
-// commits: what it answers and shows, what memory holds, and which rows are stored.
+// commits: what it returns and shows, what memory holds, and which rows are stored.
 
 #include <algorithm>
 #include <set>
@@ -34,7 +34,7 @@ enum class Again { Succeeds, ServesWhatThereIs, Unchecked };
 struct Ending {
   const char* within;   // part of "statement # call"; " changed" stands between once rows were changed
   std::string outcome;  // ends with "*": any other description; "*": shows a failure
-  const char* memory = nullptr;  // as FailureTest::Memory tells it; nullptr: whatever
+  const char* memory = nullptr;  // as FailureTest::Memory returns it; nullptr: whatever
   Again again = Again::Succeeds;
   Rows rows = Rows::SoFar;
 };
@@ -321,7 +321,7 @@ std::string RunOf(DataService& service) {
 const std::string kLoading = "Error in loading season info.";
 const std::string kNotSaved = "false: Error in saving season info.";
 
-/// The winnings of a season that cannot be loaded are shown, and the operation goes on without them.
+/// The winnings of a season that cannot be loaded are shown, and the operation continues without them.
 Ending WithoutWinnings(const std::string& answer, const char* memory = nullptr) {
   return {"[winning info]", answer + ": Error in loading winnings.", memory, Again::Unchecked, Rows::All};
 }

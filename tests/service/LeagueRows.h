@@ -11,7 +11,7 @@
 
 namespace HLDataSrvc::test {
 
-/// Rows of a table in one form, whoever read them: a sorted line for each, the values in the order of the
+/// Rows of a table in one form, independent of the reader: a sorted line for each, the values in the order of the
 /// columns with `|` between; Null is empty, yes/no 1 and 0.
 using Lines = std::vector<std::string>;
 /// Rows by table.

@@ -34,7 +34,7 @@ class LeagueTest : public ServiceTest {
   std::vector<std::byte> Bytes() const;
   /// All rows as they stand in the file.
   const Tables& Stored();
-  /// All rows as the service sees them, with those of an open transaction; the engine's observer is not told.
+  /// All rows as the service sees them, with those of an open transaction; without the engine's observer.
   Tables Seen();
   /// Checks that the rows of a season in these tables are stored, that every other row is that of `before`,
   /// and that mdb-export, if it is there, reads the same.

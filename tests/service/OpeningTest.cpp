@@ -166,7 +166,7 @@ TEST_F(OpeningTest, ErrorOfClosingReachesTheCaller) {
   };
   EXPECT_THROW(m_service->CloseDatabase(), jet::Error);
   EXPECT_TRUE(m_host->messages.empty());
-  m_service.reset();  // releasing traps it, and lets the file go all the same
+  m_service.reset();  // releasing traps it, and closes the file anyway
   EXPECT_TRUE(IsFree("Halcyra - Live.mdb"));
 }
 

@@ -171,7 +171,7 @@ TEST_F(SeasonLoadingTest, SeasonsOfOneYearAreBothReachedByIdentifier) {
   EXPECT_EQ(FindCached(m_service->Caches().seasonsByYear, 2024)->ID(), 1);
 
   m_service->CurrentSeasonID(1);
-  m_service->GetCurrentSeasonInfo()->Year(2040);  // forgotten all the same, under whatever year it stands
+  m_service->GetCurrentSeasonInfo()->Year(2040);  // forgotten anyway, under whatever year it stands
   EXPECT_TRUE(m_service->DiscardCurrentSeasonInfo());
   EXPECT_FALSE(IsCached(1));
   EXPECT_EQ(FindCached(m_service->Caches().seasonsByYear, 2024), nullptr);

@@ -20,7 +20,7 @@ class SeasonSavingTest : public test::LeagueTest {
     m_before = Stored();
     m_engine->calls.clear();
   }
-  /// What a service of its own finds in the current season.
+  /// What another service finds in the current season.
   test::Tables Reread() {
     const std::int32_t id = m_service->CurrentSeasonID();
     Restart();

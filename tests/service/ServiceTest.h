@@ -18,7 +18,7 @@
 
 namespace HLDataSrvc::test {
 
-/// Keeps the calls that reach the engine, and fails those it is told to.
+/// Keeps the calls that reach the engine, and fails the chosen ones.
 struct EngineObserver final : jet::CallObserver {
   void OnCall(const char* call, const std::string& detail) override {
     if (isPaused) return;
@@ -37,7 +37,7 @@ struct EngineObserver final : jet::CallObserver {
 };
 
 /// A folder with copies of fixtures under the names of a league, a host that finds them, and a service. The
-/// engine of the thread tells `m_engine` of its calls.
+/// engine of the thread passes its calls to `m_engine`.
 class ServiceTest : public testing::Test {
  protected:
   ServiceTest() { HLServiceUtils::ReplaceEngine({.files = {}, .observer = m_engine}); }
@@ -58,7 +58,7 @@ class ServiceTest : public testing::Test {
     return m_service->Initialize(kind, m_message);
   }
 
-  /// Whether nobody has a file open: an engine of our own can have it for itself.
+  /// Whether a file is closed: another engine can open it exclusively.
   bool IsFree(const std::string& name) const {
     try {
       jet::DBEngine().OpenDatabase(PathOf(name), true, false, HLServiceUtils::GetConnectString());
@@ -68,7 +68,7 @@ class ServiceTest : public testing::Test {
     return true;
   }
 
-  /// The settings rows as they stand in a file that nobody has open: "id=season;" for each.
+  /// The settings rows as they stand in a closed file: "id=season;" for each.
   std::string StoredSettings(const std::string& name = "Halcyra - Live.mdb") const {
     const auto database =
         jet::DBEngine().OpenDatabase(PathOf(name), true, false, HLServiceUtils::GetConnectString());

@@ -38,7 +38,7 @@ struct Case {
   std::vector<Misfit> left{};  ///< if there are repairs
 };
 
-/// Each in rows, and mostly a season, of its own, so that all of them can stand in one league.
+/// Each in separate rows, and mostly a separate season, so that all of them can stand in one league.
 const std::vector<Case>& Cases() {
   using enum Misfit;
   static const std::vector<Case> cases{

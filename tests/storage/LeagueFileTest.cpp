@@ -149,7 +149,7 @@ TEST_F(LeagueFileTest, EnforcesReferencesToMasterRecordsAndToNothingElse) {
     EXPECT_FALSE(relation.cascadeDeletes || relation.cascadeUpdates);
   }
   EXPECT_EQ(database->Relations().size(), 8u);
-  // No season, team or prize type is there; rows that refer to one are taken all the same.
+  // No season, team or prize type is there; rows that refer to one are taken anyway.
   AddRow(*database, "position info", {{"id", 1}});
   AddRow(*database, "player info", {{"id", 1}, {"position id", 1}, {"team id", 99}});
   AddRow(*database, "manager info", {{"id", 1}});

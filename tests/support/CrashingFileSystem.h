@@ -32,7 +32,7 @@ enum class Failure {
 /// n-th operation of any kind fails.
 ///
 /// Names are durable at once, as the file systems make them; contents are durable once synced. After the
-/// crash every operation fails and changes nothing, as if nobody were there to ask for it.
+/// crash every operation fails and changes nothing, as after the end of the process.
 class CrashingFileSystem final : public FileSystem {
  public:
   /// Starts with the files of `files`, all durable.

@@ -23,7 +23,7 @@ class MemoryFileSystem final : public FileSystem {
   /// Whether a file is a temporary one that no process has open.
   bool IsLeftOver(const std::string& name) const;
 
-  /// Makes or overwrites a file, whoever has it open.
+  /// Makes or overwrites a file, open or not.
   void Put(const std::string& name, std::vector<std::byte> bytes);
   /// The bytes of a file as they are now; raises FileNotFound.
   const std::vector<std::byte>& Get(const std::string& name) const;

@@ -7,7 +7,7 @@
 
 namespace jet::test {
 
-/// A folder of its own in the system's folder for temporary files; removed with all it holds at the end.
+/// A new folder in the system's folder for temporary files; removed with all it holds at the end.
 class TempFolder {
  public:
   TempFolder();

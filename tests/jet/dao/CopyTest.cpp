@@ -16,7 +16,7 @@ namespace {
 
 using test::ExpectError;
 
-/// Everything that people can tell of a database: schema, and the rows in their order.
+/// Everything that is visible of a database: schema, and the rows in their order.
 std::string ContentOf(Database& database) {
   std::string content;
   for (const TableInfo& table : database.Tables()) {
@@ -29,7 +29,7 @@ std::string ContentOf(Database& database) {
                  column.defaultValue.value_or("-") + "\n";
     std::vector<std::string> indexes;
     for (const IndexSpec& index : table.indexes) {
-      if (index.name.starts_with('.')) continue;  // the referred-to side of a relationship, numbered anew
+      if (index.name.starts_with('.')) continue;  // the referred-to side of a relationship, renumbered
       indexes.push_back("  index " + index.name + (index.primary ? " primary" : "") +
                         (index.unique ? " unique" : "") + (index.foreign ? " foreign" : ""));
       for (const IndexColumn& column : index.columns)

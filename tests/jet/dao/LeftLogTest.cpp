@@ -70,7 +70,7 @@ TEST_F(LeftLogTest, IsReplayedIntoItsFileOnly) {
   const std::string other = File("other.mdb");
   struct Case {
     const char* name;
-    std::function<std::string()> make;  // answers the name to open
+    std::function<std::string()> make;  // returns the name to open
     int types;                          // of those that were added; -1: the log is refused
   };
   const Case cases[] = {

@@ -61,7 +61,7 @@ State ReadAll(PageStore& pages) {
   return state;
 }
 
-/// Applies units of random changes and new pages, `opens` times reopening in between, and tells of each state
+/// Applies units of random changes and new pages, `opens` times reopening in between, and reports each state
 /// that was acknowledged.
 template <typename Acknowledge>
 void Work(const std::shared_ptr<FileSystem>& files, Durability durability, State state,
@@ -304,7 +304,7 @@ TEST_F(RedoLogTest, ReaderLeavesTheLogWhereItIs) {
   EXPECT_EQ(up->Survivors(), files);
 }
 
-// A unit that could not be made durable is not there, and the store goes on.
+// A unit that could not be made durable is not there, and the store continues.
 TEST_F(RedoLogTest, FailedUnitIsNotThere) {
   for (const auto operation : {test::FileOperation::Write, test::FileOperation::Sync}) {
     const auto memory = std::make_shared<test::MemoryFileSystem>();

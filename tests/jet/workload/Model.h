@@ -27,7 +27,7 @@ struct ModelTable {
   std::string KeyOf(const ModelRow& row) const;
   /// Condition that finds the row in a select statement.
   std::string Where(const ModelRow& row) const;
-  /// Whether values of the column must be told apart: it is part of a unique index or of a relationship.
+  /// Whether values of the column must be distinguishable: it is part of a unique index or of a relationship.
   bool IsKey(std::size_t column) const { return keyColumns.contains(column); }
 
   std::set<std::size_t> keyColumns;

@@ -103,7 +103,7 @@ std::string Digits(double number, int digits) {
   return text;
 }
 
-// Digits that tell apart two values of a type, as far as a JSON number goes.
+// Digits that distinguish two values of a type, as far as a JSON number goes.
 constexpr int kDoubleDigits = 17;
 constexpr int kSingleDigits = 9;
 constexpr int kExactDigits = 15;

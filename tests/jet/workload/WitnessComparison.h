@@ -8,7 +8,7 @@ namespace jet::test {
 
 /// Differences between the model and the rows that independent readers find in a file, in the columns whose
 /// values all of them print alike (text, memo, whole numbers, yes/no). Empty: none. A reader that is not
-/// installed is passed over.
+/// installed is skipped.
 std::string CompareWithMdbExport(Model& model, const std::string& path);
 std::string CompareWithMdbReader(Model& model, const std::string& path, const std::string& password);
 

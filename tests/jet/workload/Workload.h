@@ -10,7 +10,7 @@
 
 namespace jet::test {
 
-/// Does random changes to a database and to a model of it, and tells of the first disagreement.
+/// Does random changes to a database and to a model of it, and reports the first disagreement.
 class Workload {
  public:
   /// Borrows the model.
