@@ -93,8 +93,7 @@ void SavePicks(benchmark::State& state, jet::Durability durability) {
   std::int32_t shift = 0;
   for (auto _ : state) {
     state.PauseTiming();
-    shift = shift == kPicks ? 2 * kPicks
-                            : kPicks;  // no player is drafted twice, not even for a moment
+    shift = shift == kPicks ? 2 * kPicks : kPicks;  // no player is drafted twice, not even for a moment
     for (std::int32_t pick = 1; pick <= kPicks; ++pick)
       season->UpdateDraft(players->Item(pick + shift), pick,
                           season->Managers()->Item(1 + (pick + shift) % kManagers));

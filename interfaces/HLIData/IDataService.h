@@ -28,7 +28,7 @@ namespace HLIData {
 ///
 /// How failures are reported: operations with an `errorMessage` return false and put a sentence there. The
 /// other loading and saving operations show one message box, the operation's sentence and the error's
-/// description, and answer false or an empty reference. Members documented as raising let the error through.
+/// description, and return false or an empty reference. Members documented as raising let the error through.
 class HLIDATA_TYPE IDataService {
  public:
   virtual ~IDataService() = default;

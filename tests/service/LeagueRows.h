@@ -11,8 +11,8 @@
 
 namespace HLDataSrvc::test {
 
-/// Rows of a table in one form, independent of the reader: a sorted line for each, the values in the order of the
-/// columns with `|` between; Null is empty, yes/no 1 and 0.
+/// Rows of a table in one form, independent of the reader: a sorted line for each, the values in the order of
+/// the columns with `|` between; Null is empty, yes/no 1 and 0.
 using Lines = std::vector<std::string>;
 /// Rows by table.
 using Tables = std::map<std::string, Lines>;

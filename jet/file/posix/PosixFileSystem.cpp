@@ -33,15 +33,18 @@ std::string ReasonOf(int error) {
 
 /// Raises what the system's `error` means for an open file or for a name.
 [[noreturn]] void RaiseFor(int error, const std::string& name, const std::string& action) {
+  // The caller does not know the names of temporary files.
+  const std::string shown =
+      file_names::IsTemporary(name) ? "a file in '" + file_names::Folder(name) + "'" : "'" + name + "'";
   switch (error) {
     case EACCES:
     case EPERM:
     case EROFS:
-      throw Error(ErrorNumber::PermissionDenied, "No permission to " + action + " '" + name + "'.");
+      throw Error(ErrorNumber::PermissionDenied, "No permission to " + action + " " + shown + ".");
     case ENOSPC:
     case EDQUOT:
     case EFBIG:
-      throw Error(ErrorNumber::DiskFull, "The disk is full: could not " + action + " '" + name + "'.");
+      throw Error(ErrorNumber::DiskFull, "The disk is full: could not " + action + " " + shown + ".");
     case ENAMETOOLONG:
       throw Error(ErrorNumber::InvalidFileName, "'" + name + "' is too long for a file name.");
     case ENOENT:
@@ -53,7 +56,7 @@ std::string ReasonOf(int error) {
       throw Error(ErrorNumber::FileInUse, "'" + name + "' is in use.");
     default:
       throw Error(ErrorNumber::ReadFailed,
-                  "Could not " + action + " '" + name + "': " + ReasonOf(error) + ".");
+                  "Could not " + action + " " + shown + ": " + ReasonOf(error) + ".");
   }
 }
 

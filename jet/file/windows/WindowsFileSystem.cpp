@@ -38,14 +38,17 @@ std::string FromSystemName(const std::wstring& systemName) {
 
 /// Raises what the system's `error` means for an open file or for a name.
 [[noreturn]] void RaiseFor(DWORD error, const std::string& name, const std::string& action) {
+  // The caller does not know the names of temporary files.
+  const std::string shown =
+      file_names::IsTemporary(name) ? "a file in '" + file_names::Folder(name) + "'" : "'" + name + "'";
   switch (error) {
     case ERROR_ACCESS_DENIED:
     case ERROR_WRITE_PROTECT:
-      throw Error(ErrorNumber::PermissionDenied, "No permission to " + action + " '" + name + "'.");
+      throw Error(ErrorNumber::PermissionDenied, "No permission to " + action + " " + shown + ".");
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
     case ERROR_FILE_TOO_LARGE:
-      throw Error(ErrorNumber::DiskFull, "The disk is full: could not " + action + " '" + name + "'.");
+      throw Error(ErrorNumber::DiskFull, "The disk is full: could not " + action + " " + shown + ".");
     case ERROR_INVALID_NAME:
     case ERROR_FILENAME_EXCED_RANGE:
       throw Error(ErrorNumber::InvalidFileName, "'" + name + "' is not a valid file name.");

@@ -11,11 +11,11 @@
 namespace jet::test {
 namespace {
 
-constexpr OpenMode kExclusive{true, false, false};
-constexpr OpenMode kExclusiveReader{true, true, false};
-constexpr OpenMode kSharedWriter{false, false, false};
-constexpr OpenMode kSharedReader{false, true, false};
-constexpr OpenMode kCreate{true, false, true};
+const OpenMode kExclusive{true, false, false};
+const OpenMode kExclusiveReader{true, true, false};
+const OpenMode kSharedWriter{false, false, false};
+const OpenMode kSharedReader{false, true, false};
+const OpenMode kCreate{true, false, true};
 
 std::optional<ErrorNumber> ErrorOf(const std::function<void()>& action) {
   try {

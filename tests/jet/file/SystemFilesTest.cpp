@@ -19,8 +19,8 @@
 namespace jet::test {
 namespace {
 
-constexpr OpenMode kExclusive{true, false, false};
-constexpr OpenMode kSharedReader{false, true, false};
+const OpenMode kExclusive{true, false, false};
+const OpenMode kSharedReader{false, true, false};
 
 /// Number of the error that opening raises; 0 when it succeeds.
 int OpenError(const std::string& name, const OpenMode& mode) {
