@@ -2,10 +2,10 @@
 
 #include "HLLeague/DraftOrder.h"
 #include "HLLeague/DraftSession.h"
+#include "HLLeague/Failure.h"
 #include "HLLeague/Find.h"
 #include "HLLeague/Pickables.h"
 #include "HLLeague/Seasons.h"
-#include "cli/commands/ExitCode.h"
 #include "cli/output/HtmlPage.h"
 #include "cli/output/OutputFile.h"
 #include "records/RecordKey.h"

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "HLLeague/DraftSession.h"
 #include "HLLeague/League.h"
 #include "HLLeague/Picks.h"
-#include "cli/commands/Context.h"
 
 namespace cli {
 

@@ -141,7 +141,7 @@ void DraftBoard::MakeNotes(const HLIData::ISeasonInfo& season, const Picks& pick
     m_notes.push_back("> Pick " + std::to_string(*m_due) + ", round " + std::to_string(turn.round) + ": " +
                       Printable(FullName(*m_order.ManagerOn(*m_due))) + " is on the clock.");
   } else {
-    m_notes.push_back("The draft is complete.");
+    m_notes.emplace_back("The draft is complete.");
   }
   std::string ofAnother;
   for (std::int32_t number = 1; number <= m_order.NoOfPicks(); ++number) {

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "cli/commands/ExitCode.h"
+#include "HLLeague/Failure.h"
 #include "cli/output/System.h"
 #include "league/Utf8.h"
 

@@ -108,7 +108,7 @@ bool LikePattern::IsAsciiPrefix() const {
 bool LikePattern::Matches(std::string_view text) const {
   // Only the last `*` met is ever tried again: a longer run for an earlier one finds nothing that this
   // misses.
-  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  constexpr auto kNone = static_cast<std::size_t>(-1);
   std::size_t element = 0;
   std::size_t at = 0;
   std::size_t retryElement = kNone;

@@ -90,7 +90,7 @@ std::unique_ptr<File> MemoryFileSystem::Open(const std::string& name, const Open
 }
 
 bool MemoryFileSystem::Exists(const std::string& name) {
-  return m_files.count(Key(name)) != 0;
+  return m_files.contains(Key(name));
 }
 
 void MemoryFileSystem::Remove(const std::string& name) {

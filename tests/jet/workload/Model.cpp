@@ -254,7 +254,7 @@ std::string Model::Compare(Database& database) const {
       }
     }
     for (const auto& [key, row] : actual.rows) {
-      if (table.rows.count(key) == 0) differences += name + ": row " + key + " should not be there\n";
+      if (!table.rows.contains(key)) differences += name + ": row " + key + " should not be there\n";
     }
     if (database.Table(name).rowCount != table.rows.size())
       differences += name + ": the row count is wrong\n";
