@@ -2,6 +2,8 @@
 
 namespace cli {
 
+using namespace HLLeague;
+
 Json PickableJson(const PickableFacts& facts) {
   Json json;
   json["id"] = facts.id;
