@@ -214,13 +214,14 @@ class Killed(DraftTest):
                 continue
             before = self.path.read_bytes()
             process = self.start(words, self.folder)
-            time.sleep(self.random.random() * self.took)
+            time.sleep(self.random.random() * self.took * 1.2)
             process.kill()
             killed += 1
             done += self.expect_one_of(process, before, after, words)
         self.assert_sound()
         self.assertEqual(killed, KILLS)
-        self.assertGreater(done, 0)
+        if EVERY == 1:  # a small sample may well end before every commit
+            self.assertGreater(done, 0)
         print(f"{killed} processes killed, {done} after the commit")
 
 
